@@ -1,0 +1,156 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "accessdriver/jet/value.h"
+
+namespace jet {
+
+/// What went wrong, so that the layers above can tell the cases apart without reading the text.
+enum class Fault {
+    noSuchFile,       ///< nothing at that path
+    noPermission,     ///< the file or its folder refuses reading or writing
+    inUse,            ///< another process holds the file, or a live lock file lies beside it
+    notAccess,        ///< no Access file at all
+    tooOld,           ///< Jet 3 (Access 97)
+    tooNew,           ///< Access 2007 or later
+    encoded,          ///< pages are encoded with a page key
+    wrongPassword,    ///< the file has a password and another one was given
+    corrupt,          ///< a structure contradicts the format
+    noSuchTable,      ///< no user table of that name
+    notWritable,      ///< the table has an index or relationship that cannot be kept right
+    badValue,         ///< the value does not suit its column
+    tooLong,          ///< text longer than its column, or a row that does not fit a page
+    nullNotAllowed,   ///< Null for a primary key or required index
+    duplicateKey,     ///< a unique index already holds the key
+    busy,             ///< another connection of this process has uncommitted changes
+    io                ///< reading or writing the file failed (disk full, ...)
+};
+
+/// The one failure type of this layer. what() is a full sentence for the user.
+class Error : public std::runtime_error {
+  public:
+    Error(Fault fault, const std::string& message) : std::runtime_error(message), fault_(fault) {}
+    Fault fault() const { return fault_; }
+
+  private:
+    Fault fault_;
+};
+
+enum class ColumnType : std::uint8_t {
+    boolean = 0x01,
+    byte = 0x02,
+    integer = 0x03,
+    longInteger = 0x04,
+    currency = 0x05,
+    single = 0x06,
+    doubleFloat = 0x07,
+    dateTime = 0x08,
+    binary = 0x09,
+    text = 0x0A,
+    ole = 0x0B,
+    memo = 0x0C,
+    guid = 0x0F,
+    numeric = 0x10
+};
+
+/// What callers need to know of a column; the storage details stay inside this room.
+struct ColumnInfo {
+    std::string name;
+    ColumnType type = ColumnType::text;
+    int length = 0;           ///< characters for text, bytes for fixed types, 0 for memo and OLE
+    bool autoNumber = false;
+    bool required = false;    ///< part of a primary key or of an index that takes no nulls
+};
+
+struct IndexInfo {
+    std::string name;
+    bool unique = false;
+    bool primaryKey = false;
+    struct Part {
+        std::size_t column = 0;  ///< position in TableInfo::columns
+        bool ascending = true;
+    };
+    std::vector<Part> parts;
+};
+
+struct TableInfo {
+    std::string name;
+    std::vector<ColumnInfo> columns;  ///< in display order, as SELECT * shows them
+    std::vector<IndexInfo> indexes;
+};
+
+/// A row's identity: the page and slot where it was first put. It never changes while the row lives.
+struct RowId {
+    std::uint32_t page = 0;
+    std::uint8_t slot = 0;
+    auto operator<=>(const RowId&) const = default;
+};
+
+/// One value for one column of a row; column is the position in TableInfo::columns.
+struct Assignment {
+    std::size_t column = 0;
+    Value value;
+};
+
+/// Walks a table in storage order. It sees its own connection's uncommitted rows. Rows inserted behind its
+/// position may or may not be met. It must not outlive its Database.
+class Cursor {
+  public:
+    virtual ~Cursor() = default;
+    /// Moves to the next row; false at the end.
+    virtual bool next() = 0;
+    virtual RowId rowId() const = 0;
+    /// Decodes one column of the current row.
+    virtual Value value(std::size_t column) const = 0;
+};
+
+/// One connection to one Access file (Jet 4). Connections of one process to the same file share its pages and see each
+/// other's commits; a write while another connection has uncommitted changes fails with Fault::busy.
+/// Every call that refuses leaves the file and the open transaction as they were before that call.
+class Database {
+  public:
+    /// Opens an existing file; plays back a rollback journal that a crash left beside it.
+    /// password is UTF-8; it is ignored where the file has none. Throws Error.
+    static std::unique_ptr<Database> open(const std::string& path, const std::string& password);
+
+    /// Rolls back what was not committed; the last connection of the process syncs the file to the disk.
+    virtual ~Database() = default;
+
+    /// Names of the user tables, in the order of the catalog.
+    virtual std::vector<std::string> tableNames() const = 0;
+
+    /// The definition of a table, its name compared without regard to case. The reference lives as long as the
+    /// connection. Throws Error(noSuchTable).
+    virtual const TableInfo& table(std::string_view name) = 0;
+
+    /// Adds a row; columns without an assignment are Null (No for yes/no, the next number for an AutoNumber).
+    virtual RowId insert(const TableInfo& table, std::span<const Assignment> values) = 0;
+
+    /// Changes columns of the row.
+    virtual void update(const TableInfo& table, RowId row, std::span<const Assignment> values) = 0;
+
+    /// All rows of the table.
+    virtual std::unique_ptr<Cursor> scan(const TableInfo& table) = 0;
+
+    /// One row by its identity, already positioned (no next() needed); null if there is no such row.
+    virtual std::unique_ptr<Cursor> fetch(const TableInfo& table, RowId row) = 0;
+
+    virtual void commit() = 0;
+    virtual void rollback() = 0;
+
+    /// Changes its value whenever rows of this file may have changed other than through this connection's insert and
+    /// update (another connection's commit, this connection's rollback). Lookups built over rows compare it.
+    virtual std::uint64_t foreignChanges() const = 0;
+
+    /// False once the file can no longer be reached.
+    virtual bool alive() const = 0;
+};
+
+}  // namespace jet
