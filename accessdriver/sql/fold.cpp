@@ -1,0 +1,97 @@
+#include "accessdriver/sql/fold.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cwctype>
+#include <locale.h>  // NOLINT: newlocale lives here, not in <clocale>
+#include <memory>
+
+namespace sql {
+
+namespace {
+
+struct FreeLocale {
+    void operator()(locale_t locale) const noexcept { freelocale(locale); }
+};
+using LocaleHandle = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
+
+// The application's own locale may be plain "C", which knows ASCII only.
+wint_t lower(wint_t character) {
+    static const LocaleHandle unicode(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr));
+    return unicode ? towlower_l(character, unicode.get()) : character;
+}
+
+char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
+bool isAscii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return isAscii(c); });
+}
+
+// Case pairs lie in the two- and three-byte sequences; everything else is copied.
+std::size_t sequenceLength(std::string_view rest) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
+    const auto continues = [&](std::size_t i) { return i < rest.size() && (byte(i) & 0xC0) == 0x80; };
+    if (byte(0) >= 0xC2 && byte(0) < 0xE0 && continues(1)) return 2;
+    if (byte(0) >= 0xE0 && byte(0) < 0xF0 && continues(1) && continues(2)) return 3;
+    return 1;
+}
+
+void appendFolded(std::string& out, std::string_view sequence) {
+    const auto bits = [&](std::size_t i) {
+        return static_cast<wint_t>(static_cast<unsigned char>(sequence[i]) & 0x3F);
+    };
+    const wint_t code =
+        sequence.size() == 2 ? (bits(0) & 0x1F) << 6 | bits(1) : (bits(0) & 0x0F) << 12 | bits(1) << 6 | bits(2);
+    const wint_t small = lower(code);
+    if (small == code || small > 0xFFFF) {
+        out += sequence;
+    } else if (small < 0x80) {
+        out += static_cast<char>(small);
+    } else if (small < 0x800) {
+        out += static_cast<char>(0xC0 | small >> 6);
+        out += static_cast<char>(0x80 | (small & 0x3F));
+    } else {
+        out += static_cast<char>(0xE0 | small >> 12);
+        out += static_cast<char>(0x80 | (small >> 6 & 0x3F));
+        out += static_cast<char>(0x80 | (small & 0x3F));
+    }
+}
+
+}  // namespace
+
+std::string folded(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        if (isAscii(text[i])) {
+            out += lowerAscii(text[i++]);
+            continue;
+        }
+        const std::size_t length = sequenceLength(text.substr(i));
+        if (length == 1) {
+            out += text[i];
+        } else {
+            appendFolded(out, text.substr(i, length));
+        }
+        i += length;
+    }
+    return out;
+}
+
+bool sameName(std::string_view left, std::string_view right) {
+    const bool sameAscii = std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                                      [](char a, char b) { return lowerAscii(a) == lowerAscii(b); });
+    if (sameAscii) return true;
+    return !isAscii(left) && !isAscii(right) && folded(left) == folded(right);
+}
+
+std::size_t utf16Length(std::string_view text) {
+    std::size_t units = 0;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
+    }
+    return units;
+}
+
+}  // namespace sql

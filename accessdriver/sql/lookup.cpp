@@ -1,0 +1,83 @@
+#include "accessdriver/sql/lookup.h"
+
+#include <algorithm>
+
+namespace sql {
+
+void Lookup::add(const Key& key, jet::RowId row) {
+    if (std::holds_alternative<std::monostate>(key)) return;  // Null is never found
+    if (entries_.size() >= heads_.size()) grow();
+    const std::uint32_t hash = hashOf(key);
+    std::uint32_t& head = headOf(hash);
+    entries_.push_back({hash, head, row.page, row.slot});
+    head = static_cast<std::uint32_t>(entries_.size() - 1);
+}
+
+std::vector<jet::RowId> Lookup::find(const Key& key) const {
+    std::vector<jet::RowId> rows;
+    if (heads_.empty()) return rows;
+    const std::uint32_t hash = hashOf(key);
+    for (std::uint32_t at = heads_[hash & (heads_.size() - 1)]; at != none; at = entries_[at].next) {
+        if (entries_[at].hash == hash) rows.push_back({entries_[at].page, entries_[at].slot});
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
+void Lookup::grow() {
+    constexpr std::size_t smallest = 64;
+    heads_.assign(std::max(smallest, heads_.size() * 2), none);
+    for (std::uint32_t at = 0; at < entries_.size(); ++at) {
+        std::uint32_t& head = headOf(entries_[at].hash);
+        entries_[at].next = head;
+        head = at;
+    }
+}
+
+std::vector<jet::RowId> Lookups::candidates(const jet::TableInfo& table, std::size_t column, const Key& key) {
+    dropIfForeign();
+    return over(table, column).find(key);
+}
+
+Lookup& Lookups::over(const jet::TableInfo& table, std::size_t column) {
+    const Place place{&table, column};
+    const auto known = lookups_.find(place);
+    if (known != lookups_.end() && !known->second.isWorn()) return known->second;
+    Lookup lookup;
+    const auto cursor = database_->scan(table);
+    while (cursor->next()) lookup.add(keyOf(cursor->value(column), table.columns[column]), cursor->rowId());
+    return lookups_.insert_or_assign(place, std::move(lookup)).first->second;
+}
+
+void Lookups::noteInsert(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values) {
+    dropIfForeign();
+    for (auto at = lookups_.lower_bound({&table, 0}); at != lookups_.end() && at->first.first == &table; ++at) {
+        const std::size_t column = at->first.second;
+        const auto given =
+            std::find_if(values.begin(), values.end(), [&](const auto& v) { return v.column == column; });
+        if (given != values.end()) {
+            at->second.add(keyOf(given->value, table.columns[column]), row);
+        } else if (const auto cursor = database_->fetch(table, row)) {  // an AutoNumber, say
+            at->second.add(keyOf(cursor->value(column), table.columns[column]), row);
+        }
+    }
+}
+
+void Lookups::noteUpdate(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values) {
+    dropIfForeign();
+    for (const jet::Assignment& change : values) {
+        const auto known = lookups_.find({&table, change.column});
+        if (known == lookups_.end()) continue;
+        known->second.add(keyOf(change.value, table.columns[change.column]), row);
+        known->second.noteOutdated();
+    }
+}
+
+void Lookups::dropIfForeign() {
+    const std::uint64_t changes = database_->foreignChanges();
+    if (changes != changes_) drop();
+    changes_ = changes;
+}
+
+}  // namespace sql

@@ -1,0 +1,101 @@
+#include "accessdriver/sql/numbers.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace sql {
+
+namespace {
+
+constexpr int currencyDecimals = 4;
+constexpr std::int64_t tenThousand = 10000;
+
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Adds a digit; false when the result would leave the range.
+bool appendDigit(std::int64_t& value, int digit) {
+    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+    if (value > (most - digit) / 10) return false;
+    value = value * 10 + digit;
+    return true;
+}
+
+// Plain digits with at most one point, no sign.
+std::optional<std::int64_t> readTenThousandths(std::string_view digits) {
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    std::int64_t value = 0;
+    for (const char c : digits.substr(0, point)) {
+        if (!appendDigit(value, c - '0')) return std::nullopt;
+    }
+    const std::string_view decimals = digits.substr(std::min(point + 1, digits.size()));
+    for (std::size_t i = 0; i < currencyDecimals; ++i) {
+        if (!appendDigit(value, i < decimals.size() ? decimals[i] - '0' : 0)) return std::nullopt;
+    }
+    if (decimals.size() <= currencyDecimals) return value;
+    const int next = decimals[currencyDecimals] - '0';
+    const bool beyond = decimals.find_first_not_of('0', currencyDecimals + 1) != std::string_view::npos;
+    const bool up = next > 5 || (next == 5 && (beyond || value % 2 != 0));
+    if (up && value == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
+    return value + (up ? 1 : 0);
+}
+
+template <class Number>
+std::string shortest(Number number) {
+    std::array<char, 32> out{};
+    const auto [end, error] = std::to_chars(out.data(), out.data() + out.size(), number);
+    return {out.data(), end};
+}
+
+}  // namespace
+
+std::string_view trimmed(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    return text;
+}
+
+std::optional<double> readNumber(std::string_view text) {
+    text = trimmed(text);
+    const std::string_view unsignedText = text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+    // The library's reader would take "inf" and "nan" and refuse a plus sign.
+    if (unsignedText.empty() || !(isDigit(unsignedText.front()) || unsignedText.front() == '.')) return std::nullopt;
+    if (text.front() == '+') text = unsignedText;
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return value;
+}
+
+std::optional<jet::Currency> readCurrency(std::string_view text) {
+    const auto approximate = readNumber(text);
+    if (!approximate) return std::nullopt;
+    text = trimmed(text);
+    const bool negative = text.front() == '-';
+    if (negative || text.front() == '+') text.remove_prefix(1);
+    if (text.find_first_of("eE") != std::string_view::npos) {
+        const double scaled = std::nearbyint(*approximate * tenThousand);
+        if (!(std::abs(scaled) < 0x1p63)) return std::nullopt;
+        return jet::Currency{static_cast<std::int64_t>(scaled)};
+    }
+    const auto units = readTenThousandths(text);
+    if (!units) return std::nullopt;
+    return jet::Currency{negative ? -*units : *units};
+}
+
+std::string writeNumber(double number) { return shortest(number); }
+
+std::string writeSingle(float number) { return shortest(number); }
+
+std::string writeCurrency(jet::Currency amount) {
+    const bool negative = amount.tenThousandths < 0;
+    const auto units = static_cast<std::uint64_t>(amount.tenThousandths);
+    const std::uint64_t magnitude = negative ? 0 - units : units;
+    std::string decimals = std::to_string(magnitude % tenThousand);
+    decimals.insert(0, currencyDecimals - decimals.size(), '0');
+    return (negative ? "-" : "") + std::to_string(magnitude / tenThousand) + "." + decimals;
+}
+
+}  // namespace sql

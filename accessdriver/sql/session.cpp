@@ -1,0 +1,173 @@
+#include "accessdriver/sql/session.h"
+
+#include <algorithm>
+#include <ranges>
+
+#include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/error.h"
+
+namespace sql {
+
+namespace {
+
+// A row that an UPDATE changes, and what it held before.
+struct Change {
+    jet::RowId row;
+    std::vector<jet::Assignment> before;
+};
+
+const Literal& resolve(const Term& term, std::span<const Literal> parameters) {
+    return term.parameter == Term::noParameter ? term.literal : parameters[term.parameter];
+}
+
+}  // namespace
+
+Outcome Session::run(const Plan& plan, std::span<const Literal> parameters) {
+    if (parameters.size() != plan.parameters.size()) {
+        throw Error("07002", "The statement has " + std::to_string(plan.parameters.size()) + " parameters, and " +
+                                 std::to_string(parameters.size()) + " are bound.");
+    }
+    switch (plan.kind) {
+        case Statement::Kind::insert:
+            return {std::nullopt, insert(plan, parameters)};
+        case Statement::Kind::update:
+            return {std::nullopt, update(plan, parameters)};
+        case Statement::Kind::count:
+            return {count(plan, parameters)};
+        default:
+            return {select(plan, parameters)};
+    }
+}
+
+std::vector<jet::Assignment> Session::assignments(const Plan& plan, std::span<const Literal> parameters) const {
+    std::vector<jet::Assignment> values;
+    values.reserve(plan.targets.size());
+    for (const Plan::Target& target : plan.targets) {
+        const Literal& literal = resolve(target.term, parameters);
+        values.push_back({target.column, fit(literal, plan.table->columns[target.column], order_)});
+    }
+    return values;
+}
+
+std::int64_t Session::insert(const Plan& plan, std::span<const Literal> parameters) {
+    const auto values = assignments(plan, parameters);
+    const jet::RowId row = database_->insert(*plan.table, values);
+    open_ = true;
+    lookups_.noteInsert(*plan.table, row, values);
+    settle();
+    return 1;
+}
+
+// Calls visit with a cursor on each row that meets the plan's conditions.
+template <class Visit>
+void Session::eachMatch(const Plan& plan, std::span<const Literal> parameters, const Visit& visit) {
+    const jet::TableInfo& table = *plan.table;
+    if (plan.where.empty()) {
+        const auto cursor = database_->scan(table);
+        while (cursor->next()) visit(*cursor);
+        return;
+    }
+    std::vector<Condition> conditions;
+    for (const Plan::Target& target : plan.where) {
+        const jet::ColumnInfo& column = table.columns[target.column];
+        conditions.push_back({target.column, keyFor(resolve(target.term, parameters), column, order_)});
+    }
+    const auto holds = [&](const jet::Cursor& cursor) {
+        return std::all_of(conditions.begin(), conditions.end(), [&](const Condition& condition) {
+            return matches(condition.key, keyOf(cursor.value(condition.column), table.columns[condition.column]));
+        });
+    };
+    for (const jet::RowId row : lookups_.candidates(table, conditions.front().column, conditions.front().key)) {
+        const auto cursor = database_->fetch(table, row);
+        if (cursor && holds(*cursor)) visit(*cursor);
+    }
+}
+
+std::int64_t Session::update(const Plan& plan, std::span<const Literal> parameters) {
+    const auto values = assignments(plan, parameters);
+    // A row that has the values already is counted and not written: the same update often comes once for each child.
+    std::int64_t matched = 0;
+    std::vector<Change> changes;
+    eachMatch(plan, parameters, [&](const jet::Cursor& cursor) {
+        ++matched;
+        std::vector<jet::Assignment> before;
+        for (const jet::Assignment& v : values) before.push_back({v.column, cursor.value(v.column)});
+        const bool same = std::equal(values.begin(), values.end(), before.begin(),
+                                     [](const auto& a, const auto& b) { return a.value == b.value; });
+        if (!same) changes.push_back({cursor.rowId(), std::move(before)});
+    });
+    std::size_t done = 0;
+    try {
+        for (; done < changes.size(); ++done) {
+            database_->update(*plan.table, changes[done].row, values);
+            open_ = true;
+            lookups_.noteUpdate(*plan.table, changes[done].row, values);
+        }
+    } catch (...) {
+        lookups_.drop();
+        if (autocommit_) {
+            rollback();
+        } else {
+            changes.resize(done);
+            for (const Change& change : std::views::reverse(changes)) {
+                database_->update(*plan.table, change.row, change.before);
+            }
+        }
+        throw;
+    }
+    if (!changes.empty()) settle();
+    return matched;
+}
+
+RowSet Session::select(const Plan& plan, std::span<const Literal> parameters) {
+    std::vector<ResultColumn> columns;
+    for (const std::size_t at : plan.columns) {
+        const jet::ColumnInfo& column = plan.table->columns[at];
+        columns.push_back(
+            {column.name, column.type, column.length, !column.required, column.autoNumber, plan.table->name});
+    }
+    RowSet rows(std::move(columns));
+    std::vector<jet::Value> row(plan.columns.size());
+    eachMatch(plan, parameters, [&](const jet::Cursor& cursor) {
+        std::transform(plan.columns.begin(), plan.columns.end(), row.begin(),
+                       [&](auto at) { return cursor.value(at); });
+        rows.add(row);
+    });
+    return rows;
+}
+
+RowSet Session::count(const Plan& plan, std::span<const Literal> parameters) {
+    std::int32_t found = 0;
+    eachMatch(plan, parameters, [&](const jet::Cursor&) { ++found; });
+    // Access calls the first column without a name of its own so.
+    RowSet rows({{"Expr1000", jet::ColumnType::longInteger, 4, false, false, {}}});
+    rows.add({found});
+    return rows;
+}
+
+void Session::settle() {
+    if (!autocommit_) return;
+    try {
+        commit();
+    } catch (...) {
+        rollback();
+        throw;
+    }
+}
+
+void Session::setAutocommit(bool on) {
+    if (on && open_) commit();
+    autocommit_ = on;
+}
+
+void Session::commit() {
+    database_->commit();
+    open_ = false;
+}
+
+void Session::rollback() {
+    database_->rollback();
+    open_ = false;
+}
+
+}  // namespace sql

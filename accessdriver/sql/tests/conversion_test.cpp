@@ -1,0 +1,264 @@
+#include <clocale>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/key.h"
+#include "accessdriver/sql/numbers.h"
+
+namespace {
+
+using jet::ColumnType;
+using sql::DateOrder;
+using sql::Literal;
+
+Literal text(std::string_view value) { return {.kind = Literal::Kind::text, .text = value}; }
+Literal number(std::string_view value) { return {.kind = Literal::Kind::number, .text = value}; }
+Literal truth(bool value) { return {.kind = Literal::Kind::boolean, .truth = value}; }
+
+// The stored value as text, "Null", or the SQLSTATE of the refusal.
+std::string stored(const Literal& literal, ColumnType type, int length = 10, DateOrder order = DateOrder::monthFirst) {
+    try {
+        const jet::Value value = sql::fit(literal, {"c", type, length}, order);
+        return std::holds_alternative<std::monostate>(value) ? "Null" : sql::textOf(value, type);
+    } catch (const sql::Error& error) {
+        return error.state();
+    }
+}
+
+TEST(Dates, ReadInEveryForm) {
+    struct Case {
+        const char* text;
+        const char* monthFirst;
+        const char* dayFirst;
+    };
+    const Case cases[] = {
+        {"2020-01-31", "2020-01-31 00:00:00", "2020-01-31 00:00:00"},
+        {"2020-1-3", "2020-01-03 00:00:00", "2020-01-03 00:00:00"},
+        {"2020/02/03", "2020-02-03 00:00:00", "2020-02-03 00:00:00"},
+        {"2020-01-31 10:20:30", "2020-01-31 10:20:30", "2020-01-31 10:20:30"},
+        {"2020-01-31T10:20", "2020-01-31 10:20:00", "2020-01-31 10:20:00"},
+        {" 2020-01-31  23:59:59.999 ", "2020-01-31 23:59:59", "2020-01-31 23:59:59"},
+        {"3/4/2020", "2020-03-04 00:00:00", "2020-04-03 00:00:00"},
+        {"3.4.2020", "2020-03-04 00:00:00", "2020-04-03 00:00:00"},
+        {"03-04-20", "2020-03-04 00:00:00", "2020-04-03 00:00:00"},
+        {"31/1/2020", "2020-01-31 00:00:00", "2020-01-31 00:00:00"},
+        {"1/31/2020", "2020-01-31 00:00:00", "2020-01-31 00:00:00"},
+        {"1/1/29", "2029-01-01 00:00:00", "2029-01-01 00:00:00"},
+        {"1/1/30", "1930-01-01 00:00:00", "1930-01-01 00:00:00"},
+        {"1/2/2020 12:05 am", "2020-01-02 00:05:00", "2020-02-01 00:05:00"},
+        {"1/2/2020 12:05:06PM", "2020-01-02 12:05:06", "2020-02-01 12:05:06"},
+        {"10:30", "1899-12-30 10:30:00", "1899-12-30 10:30:00"},
+        {"2020-02-29", "2020-02-29 00:00:00", "2020-02-29 00:00:00"},
+        {"0100-01-01", "0100-01-01 00:00:00", "0100-01-01 00:00:00"},
+        {"9999-12-31 23:59:59", "9999-12-31 23:59:59", "9999-12-31 23:59:59"},
+        {"1853-07-04 18:00", "1853-07-04 18:00:00", "1853-07-04 18:00:00"},
+        {"", "Null", "Null"},
+        {"   ", "Null", "Null"},
+        {"2019-02-29", "22007", "22007"},
+        {"0099-12-31", "22007", "22007"},
+        {"31/31/2020", "22007", "22007"},
+        {"32/1/2020", "22007", "22007"},
+        {"0/1/2020", "22007", "22007"},
+        {"1/2", "22007", "22007"},
+        {"1/2/", "22007", "22007"},
+        {"1/2-2020", "22007", "22007"},
+        {"1/2/202", "22007", "22007"},
+        {"1/2/20200", "22007", "22007"},
+        {"1/2020/2", "22007", "22007"},
+        {"2020-01-01 24:00", "22007", "22007"},
+        {"2020-01-01 10:60", "22007", "22007"},
+        {"2020-01-01 13:00 PM", "22007", "22007"},
+        {"2020-01-01 10:", "22007", "22007"},
+        {"2020-01-01 10:00 x", "22007", "22007"},
+        {"2020-01-01x", "22007", "22007"},
+        {"yesterday", "22007", "22007"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(stored(text(c.text), ColumnType::dateTime, 8, DateOrder::monthFirst), c.monthFirst) << c.text;
+        EXPECT_EQ(stored(text(c.text), ColumnType::dateTime, 8, DateOrder::dayFirst), c.dayFirst) << c.text;
+    }
+}
+
+// Days before 1899-12-30 carry the sign, and the time of day counts forward all the same.
+TEST(Dates, StoredFormAtTheEdges) {
+    const std::pair<double, const char*> cases[] = {
+        {0.0, "1899-12-30 00:00:00"},       {0.5, "1899-12-30 12:00:00"},     {-1.25, "1899-12-29 06:00:00"},
+        {-1.0, "1899-12-29 00:00:00"},      {25569.0, "1970-01-01 00:00:00"}, {-657434.0, "0100-01-01 00:00:00"},
+        {2958465.75, "9999-12-31 18:00:00"}};
+    for (const auto& [days, shown] : cases) {
+        EXPECT_EQ(sql::writeDate({days}), shown);
+        EXPECT_EQ(sql::readDate(shown, DateOrder::dayFirst)->days, days) << shown;
+    }
+    EXPECT_EQ(sql::writeDate({1.9999999}), "1900-01-01 00:00:00") << "a rounded-up second starts the next day";
+    EXPECT_EQ(sql::writeDate({-1.9999999}), "1899-12-30 00:00:00");
+    for (const double beyond : {-657435.0, 2958466.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_THROW(sql::writeDate({beyond}), sql::Error) << beyond;
+    }
+}
+
+TEST(Dates, OrderFollowsTheLocaleThatTheApplicationSet) {
+    EXPECT_EQ(sql::localeDateOrder(), DateOrder::monthFirst) << "no locale was set";
+    for (const char* name : {"en_GB.UTF-8", "de_DE.UTF-8", "fr_FR.UTF-8"}) {
+        if (std::setlocale(LC_TIME, name) == nullptr) continue;
+        EXPECT_EQ(sql::localeDateOrder(), DateOrder::dayFirst) << name;
+    }
+    std::setlocale(LC_TIME, "C");
+}
+
+TEST(Conversion, IntoNumberColumns) {
+    struct Case {
+        Literal literal;
+        ColumnType type;
+        const char* stored;
+    };
+    const Case cases[] = {
+        {text("12"), ColumnType::longInteger, "12"},
+        {text(" -12 "), ColumnType::longInteger, "-12"},
+        {text("1.5"), ColumnType::longInteger, "2"},
+        {text("2.5"), ColumnType::longInteger, "2"},
+        {text("2147483647"), ColumnType::longInteger, "2147483647"},
+        {text("2147483648"), ColumnType::longInteger, "22003"},
+        {number("-2147483648"), ColumnType::longInteger, "-2147483648"},
+        {number("-2147483649"), ColumnType::longInteger, "22003"},
+        {number("32767"), ColumnType::integer, "32767"},
+        {number("32768"), ColumnType::integer, "22003"},
+        {number("255"), ColumnType::byte, "255"},
+        {number("256"), ColumnType::byte, "22003"},
+        {number("-1"), ColumnType::byte, "22003"},
+        {truth(true), ColumnType::integer, "-1"},
+        {text(""), ColumnType::longInteger, "Null"},
+        {text("  "), ColumnType::doubleFloat, "Null"},
+        {Literal{}, ColumnType::longInteger, "Null"},
+        {text("12 kg"), ColumnType::longInteger, "22018"},
+        {text("inf"), ColumnType::doubleFloat, "22018"},
+        {text("0x10"), ColumnType::longInteger, "22018"},
+        {text("--1"), ColumnType::longInteger, "22018"},
+        {text("+-1"), ColumnType::longInteger, "22018"},
+        {text("1e400"), ColumnType::doubleFloat, "22018"},
+        {text("1321.9"), ColumnType::doubleFloat, "1321.9"},
+        {text("1e3"), ColumnType::doubleFloat, "1000"},
+        {text("0.1"), ColumnType::single, "0.1"},
+        {text("1e39"), ColumnType::single, "22003"},
+        {text("12.5"), ColumnType::currency, "12.5000"},
+        {text("0.00005"), ColumnType::currency, "0.0000"},
+        {text("0.00015"), ColumnType::currency, "0.0002"},
+        {text("0.000050001"), ColumnType::currency, "0.0001"},
+        {text("-0.5"), ColumnType::currency, "-0.5000"},
+        {text("922337203685477.5807"), ColumnType::currency, "922337203685477.5807"},
+        {text("922337203685477.5808"), ColumnType::currency, "22003"},
+        {text("922337203685477.58075"), ColumnType::currency, "22003"},
+        {text("1e15"), ColumnType::currency, "22003"},
+        {text("1.25e2"), ColumnType::currency, "125.0000"},
+        {{.kind = Literal::Kind::bytes, .text = "12"}, ColumnType::longInteger, "07006"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(stored(c.literal, c.type), c.stored) << c.literal.text << " into " << static_cast<int>(c.type);
+    }
+}
+
+TEST(Conversion, IntoYesNo) {
+    const std::pair<Literal, const char*> cases[] = {
+        {text("True"), "1"}, {text("yes"), "1"}, {text("ON"), "1"},  {text("-1"), "1"},        {text("0.5"), "1"},
+        {text("No"), "0"},   {text("oFF"), "0"}, {text("0"), "0"},   {text("False"), "0"},     {text(""), "0"},
+        {Literal{}, "0"},    {truth(true), "1"}, {number("7"), "1"}, {text("maybe"), "22018"},
+    };
+    for (const auto& [literal, wanted] : cases) EXPECT_EQ(stored(literal, ColumnType::boolean), wanted) << literal.text;
+}
+
+TEST(Conversion, IntoTextCountsCharactersAsAccessDoes) {
+    struct Case {
+        Literal literal;
+        const char* stored;
+    };
+    const Case cases[] = {
+        {text("123456789"), "123456789"},
+        {text("1234567890"), "1234567890"},
+        {text("12345678901"), "22001"},
+        {text("ééééé€€€€€"), "ééééé€€€€€"},
+        {text("ééééé€€€€€x"), "22001"},
+        {text("🐹🐹🐹🐹🐹"), "🐹🐹🐹🐹🐹"},  // two UTF-16 units each
+        {text("🐹🐹🐹🐹🐹x"), "22001"},
+        {text(""), ""},
+        {Literal{}, "Null"},
+        {number("007"), "7"},
+        {number("1.50"), "1.5"},
+        {number("12345678901"), "22001"},
+        {truth(true), "-1"},
+    };
+    for (const Case& c : cases) EXPECT_EQ(stored(c.literal, ColumnType::text), c.stored) << c.literal.text;
+    const std::string longText(20000, 'x');
+    EXPECT_EQ(stored(text(longText), ColumnType::memo), longText);
+}
+
+TEST(Conversion, RefusalsNameColumnAndValue) {
+    const auto message = [](const Literal& literal, ColumnType type) -> std::string {
+        try {
+            sql::fit(literal, {"Mated", type, 3}, DateOrder::monthFirst);
+        } catch (const sql::Error& error) {
+            return error.what();
+        }
+        return "accepted";
+    };
+    EXPECT_EQ(message(text("soon"), ColumnType::dateTime), "'soon' is no date, which the column 'Mated' takes.");
+    EXPECT_EQ(message(text("éééé"), ColumnType::text),
+              "The text is too long for the column 'Mated': 4 characters, at most 3.");
+    EXPECT_EQ(message(number("300"), ColumnType::byte), "The number 300 is out of the range of the column 'Mated'.");
+}
+
+TEST(Conversion, BytesAsText) {
+    const jet::Bytes bytes = {0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66,
+                              0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF};
+    EXPECT_EQ(sql::textOf(bytes, ColumnType::guid), "{00112233-4455-6677-8899-AABBCCDDEEFF}");
+    EXPECT_EQ(sql::textOf(jet::Bytes{0x01, 0xAF}, ColumnType::binary), "01AF");
+}
+
+TEST(Comparison, TextWithoutRegardToCaseInEveryAlphabet) {
+    const std::pair<const char*, const char*> same[] = {{"Zoë", "ZOË"}, {"ΑΒΓ", "αβγ"}, {"ЖУК", "жук"},
+                                                        {"", ""},       {"R-1", "r-1"}, {"Ẽ", "ẽ"}};
+    for (const auto& [left, right] : same) EXPECT_EQ(sql::folded(left), sql::folded(right)) << left;
+    const std::pair<const char*, const char*> other[] = {{"a", "a "}, {"Zoe", "Zoë"}, {"1", "01"}, {"", " "}};
+    for (const auto& [left, right] : other) EXPECT_NE(sql::folded(left), sql::folded(right)) << left;
+    const std::string broken = "A\xC3\xE2\x82Z\xFF";  // broken sequences are kept byte for byte
+    EXPECT_EQ(sql::folded(broken), "a\xC3\xE2\x82z\xFF");
+}
+
+TEST(Comparison, LiteralsAreComparedAsTheColumnsType) {
+    struct Case {
+        jet::Value held;
+        ColumnType type;
+        Literal asked;
+        bool equal;
+    };
+    const Case cases[] = {
+        {std::string("12"), ColumnType::text, text("12"), true},
+        {std::string("12"), ColumnType::text, number("12"), true},
+        {std::string("12"), ColumnType::text, text("12345678901234567890"), false},
+        {std::int32_t{12}, ColumnType::longInteger, text("12"), true},
+        {std::int32_t{12}, ColumnType::longInteger, text(" 12.0"), true},
+        {std::int32_t{2}, ColumnType::longInteger, number("1.5"), false},
+        {std::int32_t{1}, ColumnType::longInteger, number("99999999999"), false},
+        {static_cast<double>(0.1F), ColumnType::single, number("0.1"), true},
+        {jet::Currency{125000}, ColumnType::currency, text("12.5"), true},
+        {jet::DateTime{43861}, ColumnType::dateTime, text("2020-01-31"), true},
+        {jet::DateTime{43861.5 + 1e-9}, ColumnType::dateTime, text("2020-01-31 12:00"), true},
+        {true, ColumnType::boolean, number("1"), true},
+        {true, ColumnType::boolean, text("Yes"), true},
+        {false, ColumnType::boolean, truth(true), false},
+        {jet::Value{}, ColumnType::text, Literal{}, false},
+        {jet::Value{}, ColumnType::longInteger, text(""), false},
+        {std::string(), ColumnType::memo, text(""), true},
+    };
+    for (const Case& c : cases) {
+        const jet::ColumnInfo column{"c", c.type, 10};
+        const sql::Key asked = sql::keyFor(c.asked, column, DateOrder::monthFirst);
+        EXPECT_EQ(sql::matches(asked, sql::keyOf(c.held, column)), c.equal) << c.asked.text;
+    }
+    EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::longInteger, 4}, DateOrder::monthFirst), sql::Error);
+    EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::ole, 0}, DateOrder::monthFirst), sql::Error);
+}
+
+}  // namespace
