@@ -14,23 +14,23 @@ namespace jet {
 
 /// What went wrong, so that the layers above can tell the cases apart without reading the text.
 enum class Fault {
-    noSuchFile,       ///< nothing at that path
-    noPermission,     ///< the file or its folder refuses reading or writing
-    inUse,            ///< another process holds the file, or a live lock file lies beside it
-    notAccess,        ///< no Access file at all
-    tooOld,           ///< Jet 3 (Access 97)
-    tooNew,           ///< Access 2007 or later
-    encoded,          ///< pages are encoded with a page key
-    wrongPassword,    ///< the file has a password and another one was given
-    corrupt,          ///< a structure contradicts the format
-    noSuchTable,      ///< no user table of that name
-    notWritable,      ///< the table has an index or relationship that cannot be kept right
-    badValue,         ///< the value does not suit its column
-    tooLong,          ///< text longer than its column, or a row that does not fit a page
-    nullNotAllowed,   ///< Null for a primary key or required index
-    duplicateKey,     ///< a unique index already holds the key
-    busy,             ///< another connection of this process has uncommitted changes
-    io                ///< reading or writing the file failed (disk full, ...)
+    noSuchFile,      ///< nothing at that path
+    noPermission,    ///< the file or its folder refuses reading or writing
+    inUse,           ///< another process holds the file, or a live lock file lies beside it
+    notAccess,       ///< no Access file at all
+    tooOld,          ///< Jet 3 (Access 97)
+    tooNew,          ///< Access 2007 or later
+    encoded,         ///< pages are encoded with a page key
+    wrongPassword,   ///< the file has a password and another one was given
+    corrupt,         ///< a structure contradicts the format
+    noSuchTable,     ///< no user table of that name
+    notWritable,     ///< the table has an index or relationship that cannot be kept right
+    badValue,        ///< the value does not suit its column
+    tooLong,         ///< text longer than its column, or a row that does not fit a page
+    nullNotAllowed,  ///< Null for a primary key or required index
+    duplicateKey,    ///< a unique index already holds the key
+    busy,            ///< another connection of this process has uncommitted changes
+    io               ///< reading or writing the file failed (disk full, ...)
 };
 
 /// The one failure type of this layer. what() is a full sentence for the user.
@@ -64,9 +64,9 @@ enum class ColumnType : std::uint8_t {
 struct ColumnInfo {
     std::string name;
     ColumnType type = ColumnType::text;
-    int length = 0;           ///< characters for text, bytes for fixed types, 0 for memo and OLE
+    int length = 0;  ///< characters for text, bytes for fixed types, 0 for memo and OLE
     bool autoNumber = false;
-    bool required = false;    ///< part of a primary key or of an index that takes no nulls
+    bool required = false;  ///< part of a primary key or of an index that takes no nulls
 };
 
 struct IndexInfo {

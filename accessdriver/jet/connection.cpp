@@ -1,0 +1,195 @@
+#include "accessdriver/jet/connection.h"
+
+#include <algorithm>
+
+#include "accessdriver/jet/failure.h"
+#include "accessdriver/jet/header.h"
+#include "accessdriver/jet/text.h"
+
+namespace jet {
+
+namespace {
+
+using Lock = std::lock_guard<std::mutex>;
+
+}  // namespace
+
+// Keeps a copy of the current row's bytes, fetched again if something was written since.
+class Connection::RowCursor : public Cursor {
+  public:
+    RowCursor(Connection& connection, const TableStore& store) : connection_(connection), store_(store) {}
+
+    bool next() override {
+        const Lock lock(connection_.file_->mutex);
+        for (auto at = store_.firstFrom(next_); at; at = store_.firstFrom(next_)) {
+            next_ = after(*at);
+            if (load(*at)) return true;
+        }
+        return false;
+    }
+
+    RowId rowId() const override { return row_; }
+
+    Value value(std::size_t column) const override {
+        const Lock lock(connection_.file_->mutex);
+        if (changes_ != store_.pages().changes() && !reload()) {
+            throw Error(Fault::corrupt, "The row that was to be read is no longer there.");
+        }
+        if (column >= store_.definition().columns.size()) {
+            throw Error(Fault::badValue, "The table " + store_.definition().name + " has no such column.");
+        }
+        return store_.decode(fields_, column);
+    }
+
+    /// Moves to one row; false if it is not there.
+    bool moveTo(RowId row) {
+        next_ = after(row);
+        return load(row);
+    }
+
+  private:
+    bool load(RowId row) {
+        row_ = row;
+        return reload();
+    }
+
+    bool reload() const {
+        changes_ = store_.pages().changes();
+        if (!store_.read(row_, bytes_)) return false;
+        decodeRow(store_.definition(), bytes_, row_, fields_);
+        return true;
+    }
+
+    Connection& connection_;
+    const TableStore& store_;
+    RowId next_;
+    RowId row_;
+    mutable std::vector<std::uint8_t> bytes_;
+    mutable std::vector<Field> fields_;
+    mutable std::uint64_t changes_ = 0;
+};
+
+std::unique_ptr<Database> Database::open(const std::string& path, const std::string& password) {
+    return std::make_unique<Connection>(path, password);
+}
+
+Connection::Connection(const std::string& path, const std::string& password) : file_(SharedFile::attach(path)) {
+    try {
+        const Lock lock(file_->mutex);
+        pages_ = std::make_unique<PageAccess>(file_->pager());
+        requirePassword(password);
+        catalog_ = readCatalog(*pages_, defaultSortOrder_);
+    } catch (...) {
+        SharedFile::detach(file_);
+        throw;
+    }
+}
+
+Connection::~Connection() {
+    try {
+        const Lock lock(file_->mutex);
+        pages_->rollback();
+    } catch (...) {
+        // The pager is broken now and says so to the other connections; the journal restores the file at the next open.
+    }
+    SharedFile::detach(file_);
+}
+
+void Connection::requirePassword(const std::string& password) {
+    const Header header = readHeader(pages_->read(0).bytes(), file_->path());
+    defaultSortOrder_ = header.sortOrder;
+    if (header.password.empty()) return;
+    bool right = false;
+    try {
+        right = utf16FromUtf8(password) == header.password;
+    } catch (const Error&) {
+        // No valid UTF-8 can't be the password.
+    }
+    if (!right) throw Error(Fault::wrongPassword, "The password is not that of the file " + file_->path() + ".");
+}
+
+std::vector<std::string> Connection::tableNames() const {
+    std::vector<std::string> names;
+    for (const CatalogEntry& entry : catalog_) names.push_back(entry.name);
+    return names;
+}
+
+const TableInfo& Connection::table(std::string_view name) {
+    const Lock lock(file_->mutex);
+    const std::string folded = foldCase(name);
+    if (const auto known = tables_.find(folded); known != tables_.end()) return known->second->definition().info;
+    const auto entry = std::find_if(catalog_.begin(), catalog_.end(),
+                                    [&](const CatalogEntry& candidate) { return foldCase(candidate.name) == folded; });
+    if (entry == catalog_.end()) {
+        throw Error(Fault::noSuchTable, "The file " + file_->path() + " has no table " + std::string(name) + ".");
+    }
+    auto store = std::make_unique<TableStore>(
+        *pages_, readTableDefinition(*pages_, entry->definitionPage, entry->name, defaultSortOrder_));
+    const TableInfo& info = store->definition().info;
+    stores_[&info] = store.get();
+    tables_[folded] = std::move(store);
+    return info;
+}
+
+TableStore& Connection::store(const TableInfo& table) {
+    const auto found = stores_.find(&table);
+    if (found == stores_.end())
+        throw Error(Fault::noSuchTable, "The table " + table.name + " is of another connection.");
+    return *found->second;
+}
+
+RowId Connection::insert(const TableInfo& table, std::span<const Assignment> values) {
+    const Lock lock(file_->mutex);
+    TableStore& rows = store(table);
+    PageAccess::Statement statement(*pages_);
+    const RowId row = rows.insert(values);
+    statement.finish();
+    return row;
+}
+
+void Connection::update(const TableInfo& table, RowId row, std::span<const Assignment> values) {
+    const Lock lock(file_->mutex);
+    TableStore& rows = store(table);
+    PageAccess::Statement statement(*pages_);
+    rows.update(row, values);
+    statement.finish();
+}
+
+std::unique_ptr<Cursor> Connection::scan(const TableInfo& table) {
+    const Lock lock(file_->mutex);
+    return std::make_unique<RowCursor>(*this, store(table));
+}
+
+std::unique_ptr<Cursor> Connection::fetch(const TableInfo& table, RowId row) {
+    const Lock lock(file_->mutex);
+    auto cursor = std::make_unique<RowCursor>(*this, store(table));
+    if (!cursor->moveTo(row)) return nullptr;
+    return cursor;
+}
+
+void Connection::commit() {
+    const Lock lock(file_->mutex);
+    if (!pages_->inTransaction()) return;
+    pages_->commit();
+    ++file_->commits;
+    ++ownCommits_;
+}
+
+void Connection::rollback() {
+    const Lock lock(file_->mutex);
+    if (!pages_->inTransaction()) return;
+    ++ownRollbacks_;
+    pages_->rollback();
+}
+
+std::uint64_t Connection::foreignChanges() const {
+    const Lock lock(file_->mutex);
+    return file_->commits - ownCommits_ + ownRollbacks_;
+}
+
+bool Connection::alive() const {
+    const Lock lock(file_->mutex);
+    return file_->reachable();
+}
+
+}  // namespace jet

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "accessdriver/jet/catalog.h"
+#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/shared_file.h"
+#include "accessdriver/jet/table_store.h"
+
+namespace jet {
+
+/// The Database that open() gives out. Every call holds the lock of the shared file.
+class Connection : public Database {
+  public:
+    Connection(const std::string& path, const std::string& password);
+    ~Connection() override;
+
+    std::vector<std::string> tableNames() const override;
+    const TableInfo& table(std::string_view name) override;
+    RowId insert(const TableInfo& table, std::span<const Assignment> values) override;
+    void update(const TableInfo& table, RowId row, std::span<const Assignment> values) override;
+    std::unique_ptr<Cursor> scan(const TableInfo& table) override;
+    std::unique_ptr<Cursor> fetch(const TableInfo& table, RowId row) override;
+    void commit() override;
+    void rollback() override;
+    std::uint64_t foreignChanges() const override;
+    bool alive() const override;
+
+    /// The table's inner side, for the index checker; table came from table().
+    TableStore& store(const TableInfo& table);
+    PageAccess& pages() { return *pages_; }
+
+  private:
+    class RowCursor;
+
+    void requirePassword(const std::string& password);
+
+    mutable std::shared_ptr<SharedFile> file_;
+    std::unique_ptr<PageAccess> pages_;
+    std::uint32_t defaultSortOrder_ = 0;
+    std::vector<CatalogEntry> catalog_;
+    std::map<std::string, std::unique_ptr<TableStore>> tables_;  // by name in lower case
+    std::map<const TableInfo*, TableStore*> stores_;
+    std::uint64_t ownCommits_ = 0;
+    std::uint64_t ownRollbacks_ = 0;
+};
+
+}  // namespace jet
