@@ -1,0 +1,120 @@
+#include "converters/columnRecognition.h"
+
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include "platform/messagebox.h"
+#include "platform/text.h"
+#include "platform/yield.h"
+#include "shell/publicVariables.h"
+
+namespace columnRecognition {
+namespace {
+
+using csvAudit::Outcome;
+
+Key customfield(int number) { return static_cast<Key>(customfield1 + number - 1); }
+
+struct HeadingWords {
+    Key key;
+    std::vector<std::string> words;
+};
+
+/// Tested from the top, and within a row from left to right.
+std::vector<HeadingWords> makeVocabulary() {
+    std::vector<HeadingWords> rows{
+        {name, {"name", "animal name"}},
+        {colour, {"color", "colour"}},
+        {breed, {"breed"}},
+        {sex, {"sex"}},
+        {DOB, {"dob", "birthdate", "born", "birth date"}},
+        {oldId, {"uid", "id", "oldid"}},
+        {fatherId, {"sireId", "fatherId"}},
+        {motherId, {"damId", "motherId"}},
+        {ps, {"father", "sire", "sire name", "ps", "cock", "buck", "boar", "bull"}},
+        {pd, {"mother", "dam", "dam name", "pd", "hen", "doe", "sow", "cow"}},
+        {tag, {"tag", "reg", "reg no.", "reg no", "registration", "tag/reg."}},
+        {prefix, {"prefix", "title", "pre title", "show title", "titles"}},
+        {suffix, {"suffix", "post title", "obedience"}},
+        {health, {"health", "medication", "vaccinations", "vetinary", "vet", "treatment", "treatments"}},
+        {cage, {"cage no.", "cage", "pen"}},
+        {callname, {"callname", "pet name", "call name"}},
+        {notes, {"notes", "awards", "certifications"}},
+        {dateBought,
+         {"date purchased", "purchased date", "purchase date", "date of purchase", "bought", "date bought"}},
+        {BoughtFrom, {"purchased from", "bought from", "seller"}},
+        {purchasePrice, {"purchase price", "price", "paid", "bought for"}},
+    };
+    for (int number = 1; number <= 15; ++number) {
+        const std::string digits = std::to_string(number);
+        rows.push_back({customfield(number), {"customfield" + digits, "user field" + digits, digits}});
+    }
+    return rows;
+}
+
+std::optional<Key> keyOf(std::string_view heading, Key lastKey) {
+    static const std::vector<HeadingWords> vocabulary = makeVocabulary();
+    for (const auto& [key, words] : vocabulary) {
+        if (key > lastKey) return std::nullopt;
+        for (const std::string& word : words) {
+            if (text::equals(word, heading)) return key;
+        }
+    }
+    return std::nullopt;
+}
+
+/// Gives the column the first custom field that is still free; false if all are taken.
+bool takeCustomField(ColumnMap& columnMap, int column, const std::string& heading, const Route& route) {
+    for (int number = 1; number <= 15; ++number) {
+        if (columnMap.has(customfield(number))) continue;
+        columnMap[customfield(number)] = column;
+        route.saveHeading(number, heading);
+        return true;
+    }
+    return false;
+}
+
+/// Maps the headings up to the first empty one. Returns those that found no place, each after a comma and a blank.
+std::string scan(ColumnMap& columnMap, const csvAudit::Extent& extent, const Route& route) {
+    std::string unknownColumns;
+    for (int column = 0; !extent.cell(0, column).empty(); ++column) {
+        const std::string cell(extent.cell(0, column));
+        std::string heading = text::lower(cell);
+        if (route.trimsHeading) heading = text::trim(heading);
+        if (const auto key = keyOf(heading, route.lastKey)) {
+            columnMap[*key] = column;
+        } else if (!takeCustomField(columnMap, column, heading, route)) {
+            unknownColumns += ", " + cell;
+        }
+        RuntimeBackgroundTask();
+    }
+    return unknownColumns;
+}
+
+}  // namespace
+
+Outcome run(ColumnMap& columnMap, const csvAudit::Extent& extent, const Route& route) {
+    const std::string lineEnd(text::endOfLine());
+    const std::string unknownColumns = scan(columnMap, extent, route);
+    if (!columnMap.has(name)) {
+        showMessage(
+            "The program cannot determine which column contains the animal name. Open your CSV file and make sure your "
+            "first row contains the column headers. Rename the animal name column -   NAME" +
+            lineEnd + "See Help for more details.");
+        return Outcome::endConversion;
+    }
+    if (!columnMap.has(sex)) publicVariables::noSexColumn = true;
+    if (!columnMap.has(ps)) publicVariables::noPS = true;
+    if (!columnMap.has(pd)) publicVariables::noPd = true;
+    if (unknownColumns.empty()) return Outcome::goOn;
+    const bool goOn =
+        askYesNo("Before you begin!", "The column(s) " + std::string(text::mid(unknownColumns, 2)) +
+                                          " will not be imported unless you assign an existing Tolvaris field name "
+                                          "(see Help for list) or a custom field "
+                                          "heading to the column ie. customfield1, customfield2 ...customfield6." +
+                                          lineEnd + "Do you want to continue?");
+    return goOn ? Outcome::goOn : Outcome::endConversion;
+}
+
+}  // namespace columnRecognition

@@ -1,0 +1,10 @@
+#include "converters/convertCavToCsv.h"
+
+#include "converters/cavSources.h"
+#include "platform/failure.h"
+
+namespace convertCavToCsv {
+
+void runconvertcavToCsv() { guarded(cavSources::explain); }
+
+}  // namespace convertCavToCsv

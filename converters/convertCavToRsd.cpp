@@ -1,0 +1,10 @@
+#include "converters/convertCavToRsd.h"
+
+#include "converters/cavSources.h"
+#include "platform/failure.h"
+
+namespace convertCavToRsd {
+
+void runConvertCavToRsd() { guarded(cavSources::explain); }
+
+}  // namespace convertCavToRsd

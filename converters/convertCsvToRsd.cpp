@@ -1,0 +1,179 @@
+#include "converters/convertCsvToRsd.h"
+
+#include "converters/columnRecognition.h"
+#include "converters/csvAudit.h"
+#include "converters/csvRows.h"
+#include "fieldtext/normalisers.h"
+#include "fieldtext/texthelpers.h"
+#include "linking/linking.h"
+#include "platform/messagebox.h"
+#include "platform/sqlitedatabase.h"
+#include "platform/text.h"
+#include "platform/yield.h"
+#include "shell/appSystem.h"
+#include "shell/frmWait.h"
+#include "shell/paths.h"
+#include "shell/publicVariables.h"
+#include "stores/rsdaccess.h"
+#include "stores/rsdschema.h"
+#include "stores/rsdsettings.h"
+
+namespace convertCsvToRsd {
+namespace {
+
+using columnRecognition::ColumnMap;
+using columnRecognition::Key;
+using csvAudit::Outcome;
+
+/// What happens to a cell on its way into a column of `tree`.
+enum class Treatment { asItStands, rma, sex, date, parentId };
+
+struct Mapping {
+    const char* column;
+    Key key;
+    Treatment treatment;
+};
+
+/// In the order in which a record is filled. The custom fields follow, all through rma.
+constexpr Mapping mappings[] = {
+    {"name", columnRecognition::name, Treatment::rma},
+    {"colour", columnRecognition::colour, Treatment::rma},
+    {"breed", columnRecognition::breed, Treatment::rma},
+    {"sex", columnRecognition::sex, Treatment::sex},
+    {"DOB", columnRecognition::DOB, Treatment::date},
+    {"oldId", columnRecognition::oldId, Treatment::asItStands},
+    {"fatherId", columnRecognition::fatherId, Treatment::parentId},
+    {"motherId", columnRecognition::motherId, Treatment::parentId},
+    {"ps", columnRecognition::ps, Treatment::rma},
+    {"pd", columnRecognition::pd, Treatment::rma},
+    {"tag", columnRecognition::tag, Treatment::asItStands},
+    {"prefix", columnRecognition::prefix, Treatment::asItStands},
+    {"suffix", columnRecognition::suffix, Treatment::asItStands},
+    {"callname", columnRecognition::callname, Treatment::asItStands},
+    {"health", columnRecognition::health, Treatment::rma},
+    {"cage", columnRecognition::cage, Treatment::asItStands},
+    {"notes", columnRecognition::notes, Treatment::rma},
+    {"BoughtFrom", columnRecognition::BoughtFrom, Treatment::rma},
+    {"dateBought", columnRecognition::dateBought, Treatment::date},
+    {"purchasePrice", columnRecognition::purchasePrice, Treatment::asItStands},
+};
+
+void setColumn(DatabaseRecord& record, const Mapping& mapping, std::string_view cell) {
+    switch (mapping.treatment) {
+        case Treatment::asItStands:
+            record.setColumn(mapping.column, std::string(cell));
+            return;
+        case Treatment::rma:
+            record.setColumn(mapping.column, appSystem::rma(cell));
+            return;
+        case Treatment::sex:
+            record.setColumn(mapping.column, appSystem::convertSex(cell));
+            return;
+        case Treatment::date:
+            record.setColumn(mapping.column, appSystem::convDisplayDateToSql(cell));
+            return;
+        case Treatment::parentId:
+            // The id 1 means no parent: the column stays NULL.
+            if (!text::equals(cell, "1")) record.setColumn(mapping.column, std::string(cell));
+            return;
+    }
+}
+
+DatabaseRecord makeRecord(int row, const ColumnMap& columnMap) {
+    DatabaseRecord record;
+    for (const Mapping& mapping : mappings) {
+        setColumn(record, mapping, appSystem::CSVa.cell(row, columnMap[mapping.key]));
+    }
+    for (int number = 1; number <= 15; ++number) {
+        const auto key = static_cast<Key>(columnRecognition::customfield1 + number - 1);
+        record.setColumn("customfield" + std::to_string(number),
+                         appSystem::rma(appSystem::CSVa.cell(row, columnMap[key])));
+    }
+    return record;
+}
+
+/// Makes way for the new file; the user decides over one that is there.
+Outcome removeEarlierResult(const FileReference& destination) {
+    if (!destination.exists()) return Outcome::goOn;
+    if (!askYesNo("Overwrite file",
+                  "This file has been converted before. Do you want to overwrite the old converted file?")) {
+        showMessage("Rename or move your old converted file and try again.");
+        return Outcome::endConversion;
+    }
+    destination.remove();
+    return Outcome::goOn;
+}
+
+Outcome createFile(SQLiteDatabase& database) {
+    if (database.createDatabaseFile()) {
+        appSystem::makeRSDfields(database);
+        return Outcome::goOn;
+    }
+    beep();
+    const std::string gap = std::string(text::endOfLine()) + std::string(text::endOfLine());
+    showMessage("Database Error: " + std::to_string(database.errorCode()) + gap + database.errorMessage());
+    return Outcome::endConversion;
+}
+
+Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const csvAudit::Extent& extent) {
+    for (int row = 1; !csvRows::isEnd(row, columnMap, extent); ++row) {
+        const DatabaseRecord record = makeRecord(row, columnMap);
+        if (!database.connect()) {
+            showMessage(database.errorMessage());
+            return Outcome::endConversion;
+        }
+        database.insertRecord("tree", record);
+        csvRows::report(row, columnMap);
+        RuntimeBackgroundTask();
+    }
+    database.commit();
+    return Outcome::goOn;
+}
+
+Outcome inferSexes(SQLiteDatabase& database) {
+    if (!publicVariables::noSexColumn) return Outcome::goOn;
+    const bool wanted = askYesNo("Missing field",
+                                 "The converter cannot find a column for the animal's sex. Do you want to determine "
+                                 "the sex by whether it has been "
+                                 "a father or mother in the past?" +
+                                     std::string(text::endOfLine()) +
+                                     "Click NO if you have called your sex field something else. The converter will "
+                                     "exit. Go back to your file and "
+                                     "fix it.?");
+    if (!wanted) return Outcome::endConversion;
+    appSystem::findSex(database, "rsd");
+    return Outcome::goOn;
+}
+
+}  // namespace
+
+void convertCSV() {
+    appSystem::dataPath = appSystem::destinationFilePath;
+    SQLiteDatabase database;
+    database.DatabaseFile = FileReference(appSystem::destinationFilePath);
+    if (appSystem::isSameFile(appSystem::sourceFilepath, appSystem::destinationFilePath)) {
+        showMessage(
+            "The new file would replace the file to convert. Give the file to convert another name and try again.");
+        return;
+    }
+    if (removeEarlierResult(database.DatabaseFile) == Outcome::endConversion) return;
+    if (createFile(database) == Outcome::endConversion) return;
+    ColumnMap columnMap;
+    csvAudit::Extent extent;
+    if (csvAudit::run(extent, [](std::string&) {}) == Outcome::endConversion) return;
+    const columnRecognition::Route route{.saveHeading = [](int number, const std::string& heading) {
+        saveToSettings("CustomName" + std::to_string(number), heading);
+    }};
+    if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
+    if (writeRows(database, columnMap, extent) == Outcome::endConversion) return;
+    appSystem::convertIdRecordToName(database, "rsd");
+    appSystem::convertNameRecordToNewId(database, "tree", "ps", "fatherId");
+    appSystem::convertNameRecordToNewId(database, "tree", "pd", "motherId");
+    if (inferSexes(database) == Outcome::endConversion) return;
+    appSystem::connectData();
+    appSystem::UpdateVersion();
+    frmWait().close();
+    showMessage("Operation completed");
+}
+
+}  // namespace convertCsvToRsd

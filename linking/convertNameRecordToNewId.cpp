@@ -1,0 +1,60 @@
+#include "fieldtext/texthelpers.h"
+#include "linking/linking.h"
+#include "linking/progress.h"
+#include "platform/database.h"
+#include "platform/failure.h"
+#include "platform/text.h"
+#include "platform/yield.h"
+#include "shell/frmWait.h"
+
+namespace appSystem {
+namespace {
+
+/// The id of the oldest animal whose full name contains the text; empty if there is none.
+std::string findAnimal(Database& db, std::string_view name) {
+    const auto found =
+        db.select("Select id from tree Where trim(coalesce(prefix, '' ) || ' ' || coalesce(name, '')) LIKE  '%" +
+                  rma(name) + "%'");
+    if (!found || found->atEnd()) return {};
+    return std::string(found->requiredField("id").text());
+}
+
+void link(Database& db, RecordSet& records, const std::string& tableName, const std::string& nameColumn,
+          const std::string& idColumn) {
+    const auto total = static_cast<double>(records.recordCount());
+    int linkCount = 0;
+    while (!records.atEnd()) {
+        records.edit();
+        const std::string name(records.requiredField(nameColumn).text());
+        const bool known = !name.empty() && !text::equals(name, "unknown");
+        const std::string id = known ? findAnimal(db, name) : std::string();
+        if (!id.empty()) {
+            records.requiredField(idColumn).setText(id);
+            records.update();
+            ++linkCount;
+            linking::showBar(total);
+            if (linkCount % 20 == 0) {
+                linking::report("Linked " + std::to_string(linkCount) + " " + idColumn + " records for Table " +
+                                    text::upper(tableName),
+                                linkCount, total);
+            }
+        }
+        records.moveNext();
+        RuntimeBackgroundTask();
+    }
+}
+
+}  // namespace
+
+void convertNameRecordToNewId(Database& db, const std::string& tableName, const std::string& nameColumn,
+                              const std::string& idColumn) {
+    guarded([&] {
+        const auto records = db.select("Select * From " + tableName + " Where " + nameColumn + " <> ''");
+        if (!records || records->recordCount() <= 0) return;
+        link(db, *records, tableName, nameColumn, idColumn);
+        db.commit();
+    });
+    frmWait().close();
+}
+
+}  // namespace appSystem

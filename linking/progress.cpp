@@ -1,0 +1,27 @@
+#include "linking/progress.h"
+
+#include "platform/database.h"
+#include "platform/text.h"
+#include "shell/frmWait.h"
+#include "stores/rsdaccess.h"
+
+namespace linking {
+
+double recordTotal(Database& db, std::string_view databaseKind, RecordSet& records) {
+    if (!text::equals(databaseKind, "cav")) return static_cast<double>(records.recordCount());
+    return appSystem::getODBCrecords(db.select("SELECT id FROM tree").get());
+}
+
+void showBar(double total) {
+    frmWait().show();
+    frmWait().ProgressBar1().setVisible(true);
+    frmWait().ProgressBar1().setMaximum(total);
+}
+
+void report(std::string_view message, double index, double total) {
+    frmWait().lblMessage().setText(std::string(message));
+    frmWait().ProgressBar1().setValue(index / total * total);
+    frmWait().refresh(true);
+}
+
+}  // namespace linking

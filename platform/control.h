@@ -1,0 +1,69 @@
+#pragma once
+
+#include <string>
+
+class QWidget;
+
+/// Left, top, width and height in pixels, in the window's own coordinates.
+struct Place {
+    int left = 0;
+    int top = 0;
+    int width = 0;
+    int height = 0;
+};
+
+/// A control of a window. The window owns it. Its name is also the objectName of the widget behind it, one handle for
+/// tests, style sheets and assistive technology.
+class Control {
+  public:
+    virtual ~Control();
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    const std::string& name() const { return name_; }
+
+    int left() const;
+    void setLeft(int left);
+    bool visible() const;
+    virtual void setVisible(bool visible);
+    bool enabled() const;
+    void setEnabled(bool enabled);
+    void setFocus();
+
+    /// Paints the control at once.
+    void refresh();
+
+    /// The widget behind this control, for what lies inside it, such as the radio buttons of a group box.
+    QWidget* widget() const { return widget_; }
+
+    /// Brings what was set since the last call to the screen's widgets. Texts and values are set far more often than
+    /// anybody can see, so they wait here until events are handled or a window is painted.
+    static void applyChanges();
+
+  protected:
+    /// The widget belongs to its parent widget; place is in the window's coordinates.
+    Control(QWidget* widget, std::string name, const Place& place);
+
+    /// Announces that apply() has something to do.
+    void changed();
+    virtual void apply() {}
+
+  private:
+    QWidget* widget_;
+    std::string name_;
+    bool changed_ = false;
+};
+
+/// A control with a text.
+class TextControl : public Control {
+  public:
+    /// In pixels. Only the size changes: font name, weight and colour stay.
+    void setTextSize(float size);
+    void setBold();
+
+    virtual std::string text() const = 0;
+    virtual void setText(const std::string& text) = 0;
+
+  protected:
+    using Control::Control;
+};

@@ -1,0 +1,39 @@
+#include "platform/messagebox.h"
+
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QMessageBox>
+
+#include "platform/control.h"
+#include "platform/eventhandler.h"
+
+namespace {
+
+int run(QMessageBox& box, const std::string& text) {
+    box.setTextFormat(Qt::PlainText);
+    box.setText(QString::fromStdString(text));
+    Control::applyChanges();
+    const int answer = box.exec();
+    events::rethrowPending();
+    return answer;
+}
+
+}  // namespace
+
+void showMessage(const std::string& text) {
+    QMessageBox box(QApplication::activeWindow());
+    box.setObjectName("message");
+    box.setWindowTitle(QString());
+    run(box, text);
+}
+
+bool askYesNo(const std::string& title, const std::string& text) {
+    QMessageBox box(QApplication::activeWindow());
+    box.setObjectName("question");
+    box.setWindowTitle(QString::fromStdString(title));
+    box.setIcon(QMessageBox::Question);
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setEscapeButton(QMessageBox::No);
+    return run(box, text) == QMessageBox::Yes;
+}
+
+void beep() { QApplication::beep(); }

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+/// A plain notice: the text and an OK button, no title. Returns when it was closed.
+void showMessage(const std::string& text);
+
+/// A question with a title, the buttons Yes and No and a question icon. True only for Yes; closing the box is No.
+bool askYesNo(const std::string& title, const std::string& text);
+
+/// The system's beep.
+void beep();

@@ -1,0 +1,225 @@
+#include "platform/odbcconnection.h"
+
+#include <array>
+#include <optional>
+
+#include <sql.h>
+#include <sqlext.h>
+
+namespace detail {
+namespace {
+
+template <SQLSMALLINT Type>
+struct FreeHandle {
+    void operator()(void* handle) const noexcept { SQLFreeHandle(Type, handle); }
+};
+template <SQLSMALLINT Type>
+using Handle = std::unique_ptr<void, FreeHandle<Type>>;
+
+/// A new handle under its parent; null if the driver manager gives none.
+template <SQLSMALLINT Type>
+Handle<Type> allocate(SQLHANDLE parent) {
+    SQLHANDLE raw = SQL_NULL_HANDLE;
+    SQLAllocHandle(Type, parent, &raw);
+    return Handle<Type>(raw);
+}
+
+SQLCHAR* sqlText(std::string_view text) {
+    // The ODBC interface takes its input texts without const.
+    return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.data()));
+}
+
+struct Diagnosis {
+    int code = 0;
+    std::string message;
+};
+
+/// The first diagnostic record of a handle.
+Diagnosis diagnose(SQLSMALLINT type, SQLHANDLE handle) {
+    std::array<SQLCHAR, 6> state{};
+    std::array<SQLCHAR, 1024> message{};
+    SQLINTEGER native = 0;
+    SQLSMALLINT size = 0;
+    const SQLRETURN result = SQLGetDiagRec(type, handle, 1, state.data(), &native, message.data(),
+                                           static_cast<SQLSMALLINT>(message.size()), &size);
+    if (!SQL_SUCCEEDED(result)) return {-1, "The driver gives no reason."};
+    return {native, reinterpret_cast<const char*>(message.data())};
+}
+
+}  // namespace
+
+/// One live connection, shared with the record sets that read from it.
+class OdbcLink {
+  public:
+    OdbcLink() : environment_(allocate<SQL_HANDLE_ENV>(SQL_NULL_HANDLE)) {
+        // An integer attribute travels in the pointer argument (ODBC reference, SQLSetEnvAttr).
+        SQLSetEnvAttr(environment_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
+        connection_ = allocate<SQL_HANDLE_DBC>(environment_.get());
+    }
+    OdbcLink(const OdbcLink&) = delete;
+    OdbcLink& operator=(const OdbcLink&) = delete;
+    ~OdbcLink() { close(); }
+
+    /// What went wrong, or nothing.
+    std::optional<Diagnosis> open(const std::string& connectionString) {
+        SQLSMALLINT completed = 0;
+        std::array<SQLCHAR, 1024> out{};
+        const SQLRETURN result =
+            SQLDriverConnect(connection_.get(), nullptr, sqlText(connectionString), SQL_NTS, out.data(),
+                             static_cast<SQLSMALLINT>(out.size()), &completed, SQL_DRIVER_NOPROMPT);
+        if (!SQL_SUCCEEDED(result)) return diagnose(SQL_HANDLE_DBC, connection_.get());
+        open_ = true;
+        SQLSetConnectAttr(connection_.get(), SQL_ATTR_AUTOCOMMIT, reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_OFF), 0);
+        return std::nullopt;
+    }
+
+    bool isOpen() const { return open_; }
+
+    bool isDead() const {
+        SQLUINTEGER dead = SQL_CD_FALSE;
+        const SQLRETURN result = SQLGetConnectAttr(connection_.get(), SQL_ATTR_CONNECTION_DEAD, &dead, 0, nullptr);
+        return SQL_SUCCEEDED(result) && dead == SQL_CD_TRUE;
+    }
+
+    Handle<SQL_HANDLE_STMT> statement() const { return allocate<SQL_HANDLE_STMT>(connection_.get()); }
+
+    std::optional<Diagnosis> end(SQLSMALLINT completion) const {
+        if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_.get(), completion))) return std::nullopt;
+        return diagnose(SQL_HANDLE_DBC, connection_.get());
+    }
+
+    void close() {
+        if (!open_) return;
+        open_ = false;
+        end(SQL_ROLLBACK);
+        SQLDisconnect(connection_.get());
+    }
+
+  private:
+    Handle<SQL_HANDLE_ENV> environment_;
+    Handle<SQL_HANDLE_DBC> connection_;
+    bool open_ = false;
+};
+
+namespace {
+
+class OdbcRecordSet : public RecordSet {
+  public:
+    OdbcRecordSet(std::shared_ptr<OdbcLink> link, Handle<SQL_HANDLE_STMT> statement, std::string sql)
+        : link_(std::move(link)), statement_(std::move(statement)), sql_(std::move(sql)) {
+        SQLSMALLINT count = 0;
+        SQLNumResultCols(statement_.get(), &count);
+        std::vector<std::string> names;
+        for (SQLSMALLINT i = 1; i <= count; ++i) {
+            std::array<SQLCHAR, 256> name{};
+            SQLDescribeCol(statement_.get(), static_cast<SQLUSMALLINT>(i), name.data(),
+                           static_cast<SQLSMALLINT>(name.size()), nullptr, nullptr, nullptr, nullptr, nullptr);
+            names.emplace_back(reinterpret_cast<const char*>(name.data()));
+        }
+        setColumns(names);
+        values_.resize(names.size());
+        moveNext();
+    }
+
+    bool atEnd() const override { return atEnd_ || !link_->isOpen(); }
+
+    /// A result is read forward only, so the first row is reached by asking again.
+    void moveFirst() override {
+        if (!link_->isOpen()) return;
+        SQLFreeStmt(statement_.get(), SQL_CLOSE);
+        const SQLRETURN result = SQLExecDirect(statement_.get(), sqlText(sql_), static_cast<SQLINTEGER>(sql_.size()));
+        atEnd_ = !SQL_SUCCEEDED(result);
+        moveNext();
+    }
+
+    void moveNext() override {
+        for (auto& value : values_) value.reset();
+        if (!atEnd()) atEnd_ = !SQL_SUCCEEDED(SQLFetch(statement_.get()));
+    }
+
+    std::int64_t recordCount() override { return 0; }
+
+  protected:
+    /// Read when asked for and kept until the next row, as a driver may give a column's data but once.
+    std::string_view columnText(int column) override {
+        if (atEnd()) return {};
+        auto& value = values_[static_cast<std::size_t>(column)];
+        if (!value) value = read(static_cast<SQLUSMALLINT>(column + 1));
+        return *value;
+    }
+
+  private:
+    std::string read(SQLUSMALLINT column) {
+        std::string value;
+        for (;;) {
+            std::array<char, 4096> piece{};
+            SQLLEN size = 0;
+            const SQLRETURN result = SQLGetData(statement_.get(), column, SQL_C_CHAR, piece.data(),
+                                                static_cast<SQLLEN>(piece.size()), &size);
+            if (!SQL_SUCCEEDED(result) || size == SQL_NULL_DATA) return value;
+            const auto room = static_cast<SQLLEN>(piece.size() - 1);
+            const bool more = size == SQL_NO_TOTAL || size > room;
+            value.append(piece.data(), static_cast<std::size_t>(more ? room : size));
+            if (!more) return value;
+        }
+    }
+
+    std::shared_ptr<OdbcLink> link_;
+    Handle<SQL_HANDLE_STMT> statement_;
+    std::string sql_;
+    std::vector<std::optional<std::string>> values_;
+    bool atEnd_ = false;
+};
+
+}  // namespace
+}  // namespace detail
+
+OdbcConnection::OdbcConnection() = default;
+OdbcConnection::~OdbcConnection() = default;
+
+bool OdbcConnection::connect() {
+    if (link_ && link_->isOpen() && !link_->isDead()) return true;
+    link_ = std::make_shared<detail::OdbcLink>();
+    const auto failure = link_->open(connectionString_);
+    errorCode_ = failure ? failure->code : 0;
+    errorMessage_ = failure ? failure->message : std::string();
+    return !failure;
+}
+
+std::shared_ptr<RecordSet> OdbcConnection::select(std::string_view sql) {
+    if (!link_ || !link_->isOpen()) return nullptr;
+    auto statement = link_->statement();
+    std::string text(sql);
+    if (!SQL_SUCCEEDED(SQLExecDirect(statement.get(), detail::sqlText(text), static_cast<SQLINTEGER>(text.size())))) {
+        const auto failure = detail::diagnose(SQL_HANDLE_STMT, statement.get());
+        errorCode_ = failure.code;
+        errorMessage_ = failure.message;
+        return nullptr;
+    }
+    SQLSMALLINT columns = 0;
+    SQLNumResultCols(statement.get(), &columns);
+    if (columns == 0) return nullptr;
+    return std::make_shared<detail::OdbcRecordSet>(link_, std::move(statement), std::move(text));
+}
+
+void OdbcConnection::execute(std::string_view sql) {
+    if (!link_ || !link_->isOpen()) return;
+    const auto statement = link_->statement();
+    const SQLRETURN result = SQLExecDirect(statement.get(), detail::sqlText(sql), static_cast<SQLINTEGER>(sql.size()));
+    if (result == SQL_NO_DATA || SQL_SUCCEEDED(result)) return;
+    const auto failure = detail::diagnose(SQL_HANDLE_STMT, statement.get());
+    errorCode_ = failure.code;
+    errorMessage_ = failure.message;
+}
+
+void OdbcConnection::commit() {
+    if (!link_ || !link_->isOpen()) return;
+    if (const auto failure = link_->end(SQL_COMMIT)) {
+        errorCode_ = failure->code;
+        errorMessage_ = failure->message;
+    }
+}
+
+void OdbcConnection::close() {
+    if (link_) link_->close();
+}

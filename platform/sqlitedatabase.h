@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "platform/database.h"
+#include "platform/files.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace detail {
+
+struct FinalizeStatement {
+    void operator()(sqlite3_stmt* statement) const noexcept;
+};
+using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
+
+class SQLiteConnection;
+
+}  // namespace detail
+
+/// A statement with parameters, prepared once and run many times. It keeps its connection alive. After its connection
+/// was closed it yields no rows and changes nothing.
+class SQLiteStatement {
+  public:
+    SQLiteStatement(std::shared_ptr<detail::SQLiteConnection> connection, std::string_view sql);
+
+    /// Parameters are numbered from 1. A text must stay in place until the next step.
+    void bind(int parameter, std::string_view text);
+    void bind(int parameter, std::int64_t number);
+
+    /// Runs up to the next row; false at the end or if the statement fails.
+    bool step();
+
+    /// Runs a statement without rows from its start. A change of rows opens a transaction if none is open. Raises
+    /// DatabaseFailure if the database refuses.
+    void run();
+
+    /// Makes the statement ready to run again.
+    void reset();
+
+    /// Columns are numbered from 0. The view is good until the next step or reset.
+    std::string_view text(int column);
+    std::int64_t integer(int column);
+    bool isNull(int column);
+
+  private:
+    std::shared_ptr<detail::SQLiteConnection> connection_;
+    detail::StatementHandle statement_;
+};
+
+/// A connection to an SQLite file, plain or encrypted by SQLCipher with a text key.
+///
+/// INSERT, UPDATE and DELETE open a transaction if none is open and commit() ends it; other statements take effect at
+/// once. What is not committed when the connection goes away leaves nothing behind. Each commit reaches the file, and a
+/// crash at any point leaves a file that opens; only the flush to the disk waits until the connection goes away.
+/// A text that holds more than one statement is refused as a whole, so that no value can bring in a statement of its
+/// own.
+class SQLiteDatabase : public Database {
+  public:
+    SQLiteDatabase();
+    ~SQLiteDatabase() override;
+
+    FileReference DatabaseFile;
+    std::string EncryptionKey;
+
+    /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails.
+    bool createDatabaseFile();
+
+    /// Opens an existing file; false, with the error set, if there is none or the key does not fit. On an open
+    /// connection: false once the file proved unusable (disk full, input or output failed, file damaged).
+    bool connect() override;
+
+    std::shared_ptr<RecordSet> select(std::string_view sql) override;
+    void execute(std::string_view sql) override;
+
+    /// Adds a row. Raises DatabaseFailure without a connection; a refused row only sets the error.
+    void insertRecord(std::string_view table, const DatabaseRecord& record);
+
+    void commit() override;
+    int errorCode() const override;
+    std::string errorMessage() const override;
+    void close() override;
+
+    /// Raises DatabaseFailure without a connection, or if the statement does not compile.
+    SQLiteStatement prepare(std::string_view sql);
+
+  private:
+    bool open(int flags);
+
+    std::shared_ptr<detail::SQLiteConnection> connection_;
+    int openError_ = 0;
+    std::string openMessage_;
+
+    /// The last insert's table and column names, and its statement: rows of one table have the same columns.
+    std::string insertSql_;
+    std::unique_ptr<SQLiteStatement> insert_;
+};

@@ -1,0 +1,25 @@
+#include "shell/app.h"
+
+#include "platform/failure.h"
+#include "shell/appSystem.h"
+#include "shell/filetypes.h"
+#include "shell/frmSplash.h"
+
+App::App(int& argumentCount, char** arguments) : Application(argumentCount, arguments) {
+    declareFileTypes();
+    majorVersion = 3;
+    minorVersion = 1;
+    bugVersion = 1;
+    version = "3.01.01";
+}
+
+void App::Event_Open() { autoQuit = true; }
+
+void App::createExportFolder() {
+    guarded([] {
+        appSystem::exportFolder = FileReference(appSystem::sourceFilepath).child("Export");
+        if (!appSystem::exportFolder.exists()) appSystem::exportFolder.createAsFolder();
+    });
+}
+
+void App::openDefaultWindow() { frmSplash(); }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace appSystem {
+
+/// The path less its last four characters, taken to be a full stop and three letters, with the new ending put on.
+std::string getNewName(std::string_view path, std::string_view newEnding);
+
+/// Whether both paths lead to one existing file, so that making the one would destroy the other.
+bool isSameFile(const std::string& path, const std::string& otherPath);
+
+/// Whether the data file of the product quillmoor lies in the user's documents.
+bool quillmoorInstalled();
+
+}  // namespace appSystem

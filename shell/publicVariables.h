@@ -1,0 +1,11 @@
+#pragma once
+
+/// What an imported CSV file lacked. Only ever set to true: a flag raised by one conversion stays raised for every
+/// later one until the program ends.
+namespace publicVariables {
+
+extern bool noSexColumn;
+extern bool noPd;
+extern bool noPS;
+
+}  // namespace publicVariables

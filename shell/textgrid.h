@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A two-dimensional table of texts with fixed bounds, all cells empty at first. Only what has been filled takes
+/// memory: a row keeps its cells in one piece of text, up to the last one that was ever set.
+class TextGrid {
+  public:
+    TextGrid(int rows, int columns) : rowCount_(rows), columnCount_(columns) {}
+
+    int rowCount() const { return rowCount_; }
+    int columnCount() const { return columnCount_; }
+
+    /// The text of a cell; good until a cell of that row is set. Raises OutOfBounds.
+    std::string_view cell(int row, int column) const;
+
+    /// Raises OutOfBounds.
+    void setCell(int row, int column, std::string_view text);
+
+  private:
+    /// Cell c of a row stands between ends[c - 1] and ends[c].
+    struct Row {
+        std::string cells;
+        std::vector<std::uint32_t> ends;
+    };
+
+    void check(int row, int column) const;
+
+    int rowCount_;
+    int columnCount_;
+    std::vector<Row> rows_;
+};

@@ -1,0 +1,65 @@
+#include "stores/rsdsettings.h"
+
+#include "fieldtext/texthelpers.h"
+#include "platform/failure.h"
+#include "platform/text.h"
+#include "shell/appSystem.h"
+#include "stores/rsdaccess.h"
+
+namespace appSystem {
+namespace {
+
+/// Not the program's own version: every new file gets this one.
+constexpr const char* formatVersion = "20402";
+
+}  // namespace
+
+void UpdateVersion() {
+    const auto records = GetRecordset("SELECT * FROM settings");
+    if (!records) throw NullReference("the settings");
+    if (records->atEnd()) {
+        DatabaseRecord record;
+        record.setColumn("Version", formatVersion);
+        saveToFile(record, "settings");
+        return;
+    }
+    records->edit();
+    records->requiredField("Version").setText(formatVersion);
+    records->update();
+    db->commit();
+}
+
+std::string getRsdCustomHeading(std::string_view field) {
+    std::string result;
+    guarded([&] {
+        const auto records = GetRecordset("SELECT * FROM settings");
+        // The import writes fifteen names; the export knows twelve.
+        for (int number = 1; number <= 12; ++number) {
+            if (!text::equals(field, "CustomField" + std::to_string(number))) continue;
+            result = GetFieldString(records.get(), "CustomName" + std::to_string(number));
+            return;
+        }
+    });
+    return result;
+}
+
+}  // namespace appSystem
+
+namespace convertCsvToRsd {
+
+void saveToSettings(const std::string& field, std::string_view value) {
+    appSystem::connectData();
+    if (!appSystem::db) throw NullReference("the database");
+    const auto records = appSystem::db->select("SELECT id FROM settings");
+    if (!records) throw NullReference("the settings");
+    if (records->requiredField("id").integer() == 1) {
+        appSystem::db->execute("Update settings SET " + field + " = '" + appSystem::rma(value) + "' WHERE id = 1");
+        appSystem::db->commit();
+        return;
+    }
+    DatabaseRecord record;
+    record.setColumn(field, appSystem::rma(value));
+    appSystem::saveToFile(record, "settings");
+}
+
+}  // namespace convertCsvToRsd
