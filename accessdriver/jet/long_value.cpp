@@ -182,12 +182,16 @@ void writeLongValue(PageAccess& pages, const Column& column, ByteSpan value, boo
     encode(value.size(), chainKind, next, field);
 }
 
-void releaseLongValue(PageAccess& pages, const Column& column, ByteSpan field) {
+std::vector<RowPointer> longValuePieces(PageAccess& pages, ByteSpan field) {
     const Definition definition = decode(field);
-    if (definition.kind == inlineKind) return;
     std::vector<RowPointer> pieces;
+    if (definition.kind == inlineKind) return pieces;
     forEachPiece(pages, definition, SIZE_MAX, [&](RowPointer pointer, ByteSpan) { pieces.push_back(pointer); });
-    for (const RowPointer pointer : pieces) {
+    return pieces;
+}
+
+void releaseLongValue(PageAccess& pages, const Column& column, ByteSpan field) {
+    for (const RowPointer pointer : longValuePieces(pages, field)) {
         PageRef page = pages.write(pointer.page);
         // A chain that met itself has its piece deleted already.
         if (dataPage::slot(page, pointer.row).flags != 0) failCorrupt("the chain of a long value meets itself");

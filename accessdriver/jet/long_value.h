@@ -25,6 +25,9 @@ ByteSpan inlineLongValue(ByteSpan field);
 void writeLongValue(PageAccess& pages, const Column& column, ByteSpan value, bool mayInline,
                     std::vector<std::uint8_t>& field);
 
+/// Where the pieces of the value behind a row's field lie; none if it lies in the row.
+std::vector<RowPointer> longValuePieces(PageAccess& pages, ByteSpan field);
+
 /// Gives back the room of the value behind a row's field.
 void releaseLongValue(PageAccess& pages, const Column& column, ByteSpan field);
 

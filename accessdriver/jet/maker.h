@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "accessdriver/jet/database.h"
+
+// Makes minimal Access files for samples and tests: header, free-page map, catalog, tables. The driver itself creates
+// no files.
+namespace jet {
+
+struct ColumnSpec {
+    std::string name;
+    ColumnType type = ColumnType::text;
+    int length = 0;  ///< characters of a Text, bytes of a Binary; other types have their own
+    bool autoNumber = false;
+    bool compressed = true;  ///< texts: characters up to U+00FF may be stored in one byte
+};
+
+struct IndexSpec {
+    std::string name;
+    std::vector<std::string> columns;
+    bool primaryKey = false;  ///< unique and required as well
+    bool unique = false;
+    bool ignoreNulls = false;
+    bool required = false;
+    std::vector<bool> descending;  ///< by column; shorter than columns: the rest ascend
+};
+
+struct TableSpec {
+    std::string name;
+    std::vector<ColumnSpec> columns;
+    std::vector<IndexSpec> indexes;
+};
+
+struct MakeOptions {
+    std::string password;  ///< UTF-8, at most 20 UTF-16 units; empty: none
+    std::vector<TableSpec> tables;
+};
+
+/// Writes a new file, in place of one that may be there. Throws Error: badValue for a specification that makes no
+/// sense, io, noPermission.
+void makeFile(const std::string& path, const MakeOptions& options);
+
+}  // namespace jet
