@@ -74,8 +74,8 @@ void TextControl::setTextSize(float size) {
     widget()->setFont(font);
 }
 
-void TextControl::setBold() {
+void TextControl::setBold(bool bold) {
     QFont font = widget()->font();
-    font.setBold(true);
+    font.setBold(bold);
     widget()->setFont(font);
 }

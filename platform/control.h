@@ -59,7 +59,7 @@ class TextControl : public Control {
   public:
     /// In pixels. Only the size changes: font name, weight and colour stay.
     void setTextSize(float size);
-    void setBold();
+    void setBold(bool bold = true);
 
     virtual std::string text() const = 0;
     virtual void setText(const std::string& text) = 0;

@@ -107,7 +107,10 @@ CheckBox::CheckBox(QWidget* parent, std::string name, const Place& place, const 
     : Button(makeChild<QCheckBox>(parent), std::move(name), place, text) {}
 
 RadioButton::RadioButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
-    : Button(makeChild<QRadioButton>(parent), std::move(name), place, text) {}
+    : Button(makeChild<QRadioButton>(parent), std::move(name), place, text) {
+    // Said aloud, or the bold title of its group box would make it bold too.
+    setBold(false);
+}
 
 bool RadioButton::selected() const { return button()->isChecked(); }
 
