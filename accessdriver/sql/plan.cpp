@@ -107,4 +107,16 @@ Plan makePlan(const Statement& statement, jet::Database& database) {
     return Planner(statement, findTable(database, statement.table.text)).plan();
 }
 
+std::vector<ResultColumn> resultColumns(const Plan& plan) {
+    // Access calls the first column without a name of its own so.
+    if (plan.kind == Statement::Kind::count) return {{"Expr1000", jet::ColumnType::longInteger, 4, false, false, {}}};
+    std::vector<ResultColumn> columns;
+    for (const std::size_t at : plan.columns) {
+        const jet::ColumnInfo& column = plan.table->columns[at];
+        columns.push_back(
+            {column.name, column.type, column.length, !column.required, column.autoNumber, plan.table->name});
+    }
+    return columns;
+}
+
 }  // namespace sql

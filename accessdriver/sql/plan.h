@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "accessdriver/jet/database.h"
+#include "accessdriver/sql/row_set.h"
 #include "accessdriver/sql/statement.h"
 
 namespace sql {
@@ -28,5 +29,8 @@ struct Plan {
 /// Throws Error: 42S02 no such table, 42S22 no such column, 21S01 another number of values than of columns, 42000 a
 /// column that is set twice.
 Plan makePlan(const Statement& statement, jet::Database& database);
+
+/// The columns of the rows that the plan will give; none for INSERT and UPDATE.
+std::vector<ResultColumn> resultColumns(const Plan& plan);
 
 }  // namespace sql

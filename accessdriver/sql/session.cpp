@@ -120,13 +120,7 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
 }
 
 RowSet Session::select(const Plan& plan, std::span<const Literal> parameters) {
-    std::vector<ResultColumn> columns;
-    for (const std::size_t at : plan.columns) {
-        const jet::ColumnInfo& column = plan.table->columns[at];
-        columns.push_back(
-            {column.name, column.type, column.length, !column.required, column.autoNumber, plan.table->name});
-    }
-    RowSet rows(std::move(columns));
+    RowSet rows(resultColumns(plan));
     std::vector<jet::Value> row(plan.columns.size());
     eachMatch(plan, parameters, [&](const jet::Cursor& cursor) {
         std::transform(plan.columns.begin(), plan.columns.end(), row.begin(),
@@ -139,8 +133,7 @@ RowSet Session::select(const Plan& plan, std::span<const Literal> parameters) {
 RowSet Session::count(const Plan& plan, std::span<const Literal> parameters) {
     std::int32_t found = 0;
     eachMatch(plan, parameters, [&](const jet::Cursor&) { ++found; });
-    // Access calls the first column without a name of its own so.
-    RowSet rows({{"Expr1000", jet::ColumnType::longInteger, 4, false, false, {}}});
+    RowSet rows(resultColumns(plan));
     rows.add({found});
     return rows;
 }

@@ -1,0 +1,282 @@
+#include "accessdriver/odbc/catalog.h"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include <sqlext.h>
+
+#include "accessdriver/odbc/sql_types.h"
+#include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/numbers.h"
+
+namespace odbc {
+
+namespace {
+
+using jet::ColumnInfo;
+using jet::ColumnType;
+using jet::TableInfo;
+using jet::Value;
+
+constexpr ColumnType text = ColumnType::text;
+constexpr ColumnType small = ColumnType::integer;
+constexpr ColumnType number = ColumnType::longInteger;
+
+struct AnswerColumn {
+    const char* name;
+    ColumnType type;
+};
+
+sql::RowSet emptyAnswer(std::initializer_list<AnswerColumn> columns) {
+    std::vector<sql::ResultColumn> out;
+    for (const AnswerColumn& column : columns) {
+        out.push_back({column.name, column.type, column.type == text ? 255 : 0, true, false, {}});
+    }
+    return sql::RowSet(std::move(out));
+}
+
+Value num(SQLINTEGER value) { return std::int32_t{value}; }
+Value str(const char* value) { return value == nullptr ? Value{} : Value(std::string(value)); }
+const Value null;
+
+// LIKE with % for any text, _ for one character and \ before a plain one of them.
+bool matchesPattern(std::string_view name, std::string_view pattern) {
+    if (pattern.empty()) return name.empty();
+    if (pattern.front() == '%') {
+        for (std::size_t skip = 0; skip <= name.size(); ++skip) {
+            if (matchesPattern(name.substr(skip), pattern.substr(1))) return true;
+        }
+        return false;
+    }
+    if (name.empty()) return false;
+    const bool escaped = pattern.front() == '\\' && pattern.size() > 1;
+    if (escaped) pattern.remove_prefix(1);
+    if (!escaped && pattern.front() == '_') {
+        std::size_t character = 1;  // one character of UTF-8
+        while (character < name.size() && (static_cast<unsigned char>(name[character]) & 0xC0) == 0x80) ++character;
+        return matchesPattern(name.substr(character), pattern.substr(1));
+    }
+    return name.front() == pattern.front() && matchesPattern(name.substr(1), pattern.substr(1));
+}
+
+bool isMeant(const std::string& name, const OptionalName& wanted, bool exact) {
+    if (!wanted) return true;
+    if (exact) return sql::sameName(name, sql::trimmed(*wanted));
+    return matchesPattern(sql::folded(name), sql::folded(*wanted));
+}
+
+std::vector<std::string> sortedTables(const jet::Database& database) {
+    std::vector<std::string> names = database.tableNames();
+    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return sql::folded(a) < sql::folded(b); });
+    return names;
+}
+
+// The table of that name; null if there is none.
+const TableInfo* findTable(jet::Database& database, const std::string& name) {
+    const auto names = database.tableNames();
+    const auto found = std::find_if(names.begin(), names.end(), [&](const auto& n) { return sql::sameName(n, name); });
+    return found == names.end() ? nullptr : &database.table(*found);
+}
+
+bool listsType(std::string_view types, std::string_view type) {
+    while (!types.empty()) {
+        const std::size_t end = std::min(types.find(','), types.size());
+        std::string_view one = sql::trimmed(types.substr(0, end));
+        if (one.size() >= 2 && one.front() == '\'' && one.back() == '\'') one = one.substr(1, one.size() - 2);
+        if (one == "%" || sql::sameName(one, type)) return true;
+        types.remove_prefix(std::min(end + 1, types.size()));
+    }
+    return false;
+}
+
+const jet::IndexInfo* primaryKey(const TableInfo& table) {
+    const auto found =
+        std::find_if(table.indexes.begin(), table.indexes.end(), [](const auto& i) { return i.primaryKey; });
+    return found == table.indexes.end() ? nullptr : &*found;
+}
+
+std::vector<Value> columnRow(const TableInfo& table, std::size_t at) {
+    const ColumnInfo& column = table.columns[at];
+    const SqlType& type = sqlTypeOf(column.type);
+    const bool isText = type.searchable == SQL_PRED_SEARCHABLE && (type.sqlType <= SQL_WVARCHAR || column.type == text);
+    const bool isDate = column.type == ColumnType::dateTime;
+    return {null,
+            null,
+            table.name,
+            column.name,
+            num(type.sqlType),
+            str(column.autoNumber ? "COUNTER" : type.name),
+            num(columnSize(column.type, column.length)),
+            num(octetLength(column.type, column.length)),
+            type.decimals < 0 ? null : num(type.decimals),
+            type.radix == 0 ? null : num(type.radix),
+            num(column.required ? SQL_NO_NULLS : SQL_NULLABLE),
+            null,
+            null,
+            num(type.verboseType),
+            isDate ? num(SQL_CODE_TIMESTAMP) : null,
+            isText ? num(octetLength(column.type, column.length)) : null,
+            num(static_cast<SQLINTEGER>(at + 1)),
+            str(column.required ? "NO" : "YES")};
+}
+
+}  // namespace
+
+sql::RowSet tablesAnswer(const jet::Database& database, const OptionalName& catalog, const OptionalName& schema,
+                         const OptionalName& table, const OptionalName& types, bool exact) {
+    sql::RowSet answer = emptyAnswer(
+        {{"TABLE_CAT", text}, {"TABLE_SCHEM", text}, {"TABLE_NAME", text}, {"TABLE_TYPE", text}, {"REMARKS", text}});
+    const auto isEmpty = [](const OptionalName& name) { return name && name->empty(); };
+    if (isEmpty(table) && (catalog == SQL_ALL_CATALOGS || schema == SQL_ALL_SCHEMAS) &&
+        (isEmpty(catalog) || isEmpty(schema))) {
+        return answer;
+    }
+    if (isEmpty(table) && isEmpty(catalog) && isEmpty(schema) && types == SQL_ALL_TABLE_TYPES) {
+        answer.add({null, null, null, str("TABLE"), null});
+        return answer;
+    }
+    if (types && !types->empty() && !listsType(*types, "TABLE")) return answer;
+    for (const std::string& name : sortedTables(database)) {
+        if (isMeant(name, table, exact)) answer.add({null, null, name, str("TABLE"), null});
+    }
+    return answer;
+}
+
+sql::RowSet columnsAnswer(jet::Database& database, const OptionalName& table, const OptionalName& column, bool exact) {
+    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+                                      {"TABLE_SCHEM", text},
+                                      {"TABLE_NAME", text},
+                                      {"COLUMN_NAME", text},
+                                      {"DATA_TYPE", small},
+                                      {"TYPE_NAME", text},
+                                      {"COLUMN_SIZE", number},
+                                      {"BUFFER_LENGTH", number},
+                                      {"DECIMAL_DIGITS", small},
+                                      {"NUM_PREC_RADIX", small},
+                                      {"NULLABLE", small},
+                                      {"REMARKS", text},
+                                      {"COLUMN_DEF", text},
+                                      {"SQL_DATA_TYPE", small},
+                                      {"SQL_DATETIME_SUB", small},
+                                      {"CHAR_OCTET_LENGTH", number},
+                                      {"ORDINAL_POSITION", number},
+                                      {"IS_NULLABLE", text}});
+    for (const std::string& name : sortedTables(database)) {
+        if (!isMeant(name, table, exact)) continue;
+        const TableInfo& info = database.table(name);
+        for (std::size_t at = 0; at < info.columns.size(); ++at) {
+            if (isMeant(info.columns[at].name, column, exact)) answer.add(columnRow(info, at));
+        }
+    }
+    return answer;
+}
+
+sql::RowSet primaryKeysAnswer(jet::Database& database, const std::string& table) {
+    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+                                      {"TABLE_SCHEM", text},
+                                      {"TABLE_NAME", text},
+                                      {"COLUMN_NAME", text},
+                                      {"KEY_SEQ", small},
+                                      {"PK_NAME", text}});
+    const TableInfo* const info = findTable(database, table);
+    const jet::IndexInfo* const key = info == nullptr ? nullptr : primaryKey(*info);
+    if (key == nullptr) return answer;
+    SQLINTEGER sequence = 0;
+    for (const auto& part : key->parts) {
+        answer.add({null, null, info->name, info->columns[part.column].name, num(++sequence), key->name});
+    }
+    return answer;
+}
+
+sql::RowSet statisticsAnswer(jet::Database& database, const std::string& table, bool uniqueOnly) {
+    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+                                      {"TABLE_SCHEM", text},
+                                      {"TABLE_NAME", text},
+                                      {"NON_UNIQUE", small},
+                                      {"INDEX_QUALIFIER", text},
+                                      {"INDEX_NAME", text},
+                                      {"TYPE", small},
+                                      {"ORDINAL_POSITION", small},
+                                      {"COLUMN_NAME", text},
+                                      {"ASC_OR_DESC", text},
+                                      {"CARDINALITY", number},
+                                      {"PAGES", number},
+                                      {"FILTER_CONDITION", text}});
+    const TableInfo* const info = findTable(database, table);
+    if (info == nullptr) return answer;
+    answer.add({null, null, info->name, null, null, null, num(SQL_TABLE_STAT), null, null, null, null, null, null});
+    std::vector<const jet::IndexInfo*> indexes;
+    for (const jet::IndexInfo& index : info->indexes) {
+        if (index.unique || !uniqueOnly) indexes.push_back(&index);
+    }
+    std::stable_sort(indexes.begin(), indexes.end(), [](const auto* a, const auto* b) {
+        return a->unique != b->unique ? a->unique : sql::folded(a->name) < sql::folded(b->name);
+    });
+    for (const jet::IndexInfo* index : indexes) {
+        SQLINTEGER position = 0;
+        for (const auto& part : index->parts) {
+            answer.add({null, null, info->name, num(index->unique ? SQL_FALSE : SQL_TRUE), null, index->name,
+                        num(SQL_INDEX_OTHER), num(++position), info->columns[part.column].name,
+                        str(part.ascending ? "A" : "D"), null, null, null});
+        }
+    }
+    return answer;
+}
+
+sql::RowSet specialColumnsAnswer(jet::Database& database, SQLUSMALLINT kind, const std::string& table) {
+    sql::RowSet answer = emptyAnswer({{"SCOPE", small},
+                                      {"COLUMN_NAME", text},
+                                      {"DATA_TYPE", small},
+                                      {"TYPE_NAME", text},
+                                      {"COLUMN_SIZE", number},
+                                      {"BUFFER_LENGTH", number},
+                                      {"DECIMAL_DIGITS", small},
+                                      {"PSEUDO_COLUMN", small}});
+    const TableInfo* const info = kind == SQL_BEST_ROWID ? findTable(database, table) : nullptr;
+    const jet::IndexInfo* const key = info == nullptr ? nullptr : primaryKey(*info);
+    if (key == nullptr) return answer;
+    for (const auto& part : key->parts) {
+        const ColumnInfo& column = info->columns[part.column];
+        const SqlType& type = sqlTypeOf(column.type);
+        answer.add({num(SQL_SCOPE_SESSION), column.name, num(type.sqlType), str(type.name),
+                    num(columnSize(column.type, column.length)), num(octetLength(column.type, column.length)),
+                    type.decimals < 0 ? null : num(type.decimals), num(SQL_PC_NOT_PSEUDO)});
+    }
+    return answer;
+}
+
+sql::RowSet typeInfoAnswer(SQLSMALLINT sqlType) {
+    sql::RowSet answer = emptyAnswer({{"TYPE_NAME", text},
+                                      {"DATA_TYPE", small},
+                                      {"COLUMN_SIZE", number},
+                                      {"LITERAL_PREFIX", text},
+                                      {"LITERAL_SUFFIX", text},
+                                      {"CREATE_PARAMS", text},
+                                      {"NULLABLE", small},
+                                      {"CASE_SENSITIVE", small},
+                                      {"SEARCHABLE", small},
+                                      {"UNSIGNED_ATTRIBUTE", small},
+                                      {"FIXED_PREC_SCALE", small},
+                                      {"AUTO_UNIQUE_VALUE", small},
+                                      {"LOCAL_TYPE_NAME", text},
+                                      {"MINIMUM_SCALE", small},
+                                      {"MAXIMUM_SCALE", small},
+                                      {"SQL_DATA_TYPE", small},
+                                      {"SQL_DATETIME_SUB", small},
+                                      {"NUM_PREC_RADIX", number},
+                                      {"INTERVAL_PRECISION", small}});
+    for (const SqlType& type : sqlTypes()) {
+        if (sqlType != SQL_ALL_TYPES && sqlType != type.sqlType) continue;
+        const bool isDate = type.type == ColumnType::dateTime;
+        const Value scale = type.decimals < 0 ? null : num(type.decimals);
+        answer.add({str(type.name), num(type.sqlType), num(type.size), str(type.quote), str(type.quote),
+                    str(type.createParameters), num(type.type == ColumnType::boolean ? SQL_NO_NULLS : SQL_NULLABLE),
+                    num(SQL_FALSE), num(type.searchable), type.radix == 0 ? null : num(type.isUnsigned),
+                    num(type.type == ColumnType::currency ? SQL_TRUE : SQL_FALSE),
+                    type.radix == 0 ? null : num(SQL_FALSE), null, scale, scale, num(type.verboseType),
+                    isDate ? num(SQL_CODE_TIMESTAMP) : null, type.radix == 0 ? null : num(type.radix), null});
+    }
+    return answer;
+}
+
+}  // namespace odbc

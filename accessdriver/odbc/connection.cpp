@@ -1,0 +1,81 @@
+#include "accessdriver/odbc/connection.h"
+
+#include <array>
+
+#include "accessdriver/sql/error.h"
+
+namespace odbc {
+
+namespace {
+
+using Takes = AttributeRule::Takes;
+
+constexpr std::array<AttributeRule, 4> environmentRules = {{
+    {SQL_ATTR_ODBC_VERSION, SQL_OV_ODBC3, Takes::any},
+    {SQL_ATTR_CONNECTION_POOLING, SQL_CP_OFF, Takes::any},
+    {SQL_ATTR_CP_MATCH, SQL_CP_STRICT_MATCH, Takes::any},
+    {SQL_ATTR_OUTPUT_NTS, SQL_TRUE, Takes::onlyInitial},
+}};
+
+// Timeouts are taken and never used: a file answers at once or not at all.
+constexpr std::array<AttributeRule, 12> connectionRules = {{
+    {SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_ON, Takes::any},
+    {SQL_ATTR_ACCESS_MODE, SQL_MODE_READ_WRITE, Takes::any},
+    {SQL_ATTR_LOGIN_TIMEOUT, 0, Takes::any},
+    {SQL_ATTR_CONNECTION_TIMEOUT, 0, Takes::any},
+    {SQL_ATTR_METADATA_ID, SQL_FALSE, Takes::any},
+    {SQL_ATTR_ANSI_APP, SQL_AA_TRUE, Takes::any},
+    {SQL_ATTR_QUIET_MODE, 0, Takes::any},
+    {SQL_ATTR_PACKET_SIZE, 0, Takes::substitutesInitial},
+    {SQL_ATTR_TXN_ISOLATION, SQL_TXN_READ_COMMITTED, Takes::onlyInitial},
+    {SQL_ATTR_ASYNC_ENABLE, SQL_ASYNC_ENABLE_OFF, Takes::onlyInitial},
+    {SQL_ATTR_AUTO_IPD, SQL_FALSE, Takes::nothing},
+    {SQL_ATTR_CONNECTION_DEAD, SQL_CD_TRUE, Takes::nothing},
+}};
+
+}  // namespace
+
+Environment::Environment() : Handle(SQL_HANDLE_ENV), attributes(environmentRules) {}
+
+Connection::Connection(std::shared_ptr<Environment> environment)
+    : Handle(SQL_HANDLE_DBC), environment_(std::move(environment)), attributes_(connectionRules) {}
+
+void Connection::open(const std::string& path, const std::string& password, const std::string& source) {
+    if (session_) throw sql::Error("08002", "The connection is open already.");
+    if (path.empty()) throw sql::Error("08001", "The connection string names no file: DBQ is missing or empty.");
+    session_ = std::make_unique<sql::Session>(jet::Database::open(path, password));
+    session_->setAutocommit(attributes_.get(SQL_ATTR_AUTOCOMMIT) == SQL_AUTOCOMMIT_ON);
+    path_ = path;
+    source_ = source;
+}
+
+void Connection::close() {
+    if (session().hasOpenChanges()) {
+        throw sql::Error("25000", "There are changes that are neither committed nor rolled back.");
+    }
+    session_.reset();
+}
+
+sql::Session& Connection::session() const {
+    if (!session_) throw sql::Error("08003", "The connection is not open.");
+    return *session_;
+}
+
+SQLULEN Connection::attribute(SQLINTEGER attribute) const {
+    if (attribute == SQL_ATTR_CONNECTION_DEAD) {
+        return session_ && session_->database().alive() ? SQL_CD_FALSE : SQL_CD_TRUE;
+    }
+    return attributes_.get(attribute);
+}
+
+void Connection::setAttribute(SQLINTEGER attribute, SQLULEN value) {
+    if (attribute == SQL_ATTR_AUTOCOMMIT) {
+        if (value != SQL_AUTOCOMMIT_ON && value != SQL_AUTOCOMMIT_OFF) {
+            throw sql::Error("HY024", "Autocommit is on or off.");
+        }
+        if (session_) session_->setAutocommit(value == SQL_AUTOCOMMIT_ON);
+    }
+    if (!attributes_.set(attribute, value)) diagnostics.warn("01S02", "The attribute keeps its value.");
+}
+
+}  // namespace odbc

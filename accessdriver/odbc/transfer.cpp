@@ -1,0 +1,217 @@
+#include "accessdriver/odbc/transfer.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "accessdriver/odbc/sql_types.h"
+#include "accessdriver/odbc/text.h"
+#include "accessdriver/sql/calendar.h"
+#include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/numbers.h"
+
+namespace odbc {
+
+namespace {
+
+using jet::Value;
+
+[[noreturn]] void refuseConversion() { throw sql::Error("07006", "The column can't be converted to this C type."); }
+[[noreturn]] void refuseRange() { throw sql::Error("22003", "The number is out of the range of the C type."); }
+
+constexpr const char* truncatedText = "The text was cut to the size of the buffer.";
+
+// A value on its way into a plain variable.
+struct Job {
+    const Value& value;
+    const Target& target;
+    Diagnostics& diagnostics;
+
+    template <class T>
+    void put(const T& out) const {
+        if (target.buffer != nullptr) std::memcpy(target.buffer, &out, sizeof out);
+        if (target.indicator != nullptr) *target.indicator = sizeof out;
+    }
+
+    void warnOfLoss(const char* what) const { diagnostics.warn("01S07", what); }
+};
+
+struct Number {
+    double real = 0;
+    std::int64_t whole = 0;  // without the fraction; valid if fits
+    bool fits = true;        // in 64 bits
+    bool hasFraction = false;
+};
+
+Number numberFrom(double real) {
+    Number out{real};
+    const double whole = std::trunc(real);
+    out.fits = whole >= -0x1p63 && whole < 0x1p63;
+    out.hasFraction = whole != real;
+    if (out.fits) out.whole = static_cast<std::int64_t>(whole);
+    return out;
+}
+
+Number numberFrom(std::int64_t whole) { return {static_cast<double>(whole), whole}; }
+
+Number numberFrom(const Value& value) {
+    struct Maker {
+        Number operator()(bool truth) const { return numberFrom(std::int64_t{truth}); }
+        Number operator()(std::int32_t number) const { return numberFrom(std::int64_t{number}); }
+        Number operator()(double number) const { return numberFrom(number); }
+        Number operator()(jet::Currency amount) const {
+            return {static_cast<double>(amount.tenThousandths) / 10000, amount.tenThousandths / 10000, true,
+                    amount.tenThousandths % 10000 != 0};
+        }
+        Number operator()(const std::string& text) const {
+            if (const auto number = sql::readNumber(text)) return numberFrom(*number);
+            throw sql::Error("22018", "The text '" + text + "' is no number.");
+        }
+        Number operator()(std::monostate) const { refuseConversion(); }
+        Number operator()(jet::DateTime) const { refuseConversion(); }
+        Number operator()(const jet::Bytes&) const { refuseConversion(); }
+    };
+    return std::visit(Maker(), value);
+}
+
+template <class T>
+void putWhole(const Job& job) {
+    const Number number = numberFrom(job.value);
+    if (!number.fits || !std::in_range<T>(number.whole)) refuseRange();
+    if (number.hasFraction) job.warnOfLoss("The fraction of a number was cut off.");
+    job.put(static_cast<T>(number.whole));
+}
+
+void putBit(const Job& job) {
+    const Number number = numberFrom(job.value);
+    if (!number.fits || number.whole < 0 || number.whole > 1) refuseRange();
+    if (number.hasFraction) job.warnOfLoss("The fraction of a number was cut off.");
+    job.put(static_cast<SQLCHAR>(number.whole));
+}
+
+void putDouble(const Job& job) { job.put(numberFrom(job.value).real); }
+
+void putFloat(const Job& job) {
+    const double real = numberFrom(job.value).real;
+    if (std::abs(real) > std::numeric_limits<float>::max()) refuseRange();
+    job.put(static_cast<SQLREAL>(real));
+}
+
+sql::Moment momentFrom(const Value& value) {
+    if (const auto* date = std::get_if<jet::DateTime>(&value)) return sql::toMoment(*date);
+    const auto* text = std::get_if<std::string>(&value);
+    if (text == nullptr) refuseConversion();
+    const auto date = sql::readDate(*text, sql::localeDateOrder());
+    if (!date) throw sql::Error("22007", "The text '" + *text + "' is no date.");
+    return sql::toMoment(*date);
+}
+
+void putDate(const Job& job) {
+    const sql::Moment m = momentFrom(job.value);
+    if (m.hour != 0 || m.minute != 0 || m.second != 0) job.warnOfLoss("The time of a date was cut off.");
+    job.put(SQL_DATE_STRUCT{static_cast<SQLSMALLINT>(m.year), static_cast<SQLUSMALLINT>(m.month),
+                            static_cast<SQLUSMALLINT>(m.day)});
+}
+
+void putTime(const Job& job) {
+    const sql::Moment m = momentFrom(job.value);
+    job.put(SQL_TIME_STRUCT{static_cast<SQLUSMALLINT>(m.hour), static_cast<SQLUSMALLINT>(m.minute),
+                            static_cast<SQLUSMALLINT>(m.second)});
+}
+
+void putTimestamp(const Job& job) {
+    const sql::Moment m = momentFrom(job.value);
+    job.put(SQL_TIMESTAMP_STRUCT{static_cast<SQLSMALLINT>(m.year), static_cast<SQLUSMALLINT>(m.month),
+                                 static_cast<SQLUSMALLINT>(m.day), static_cast<SQLUSMALLINT>(m.hour),
+                                 static_cast<SQLUSMALLINT>(m.minute), static_cast<SQLUSMALLINT>(m.second), 0});
+}
+
+struct Putter {
+    SQLSMALLINT cType;
+    void (*put)(const Job&);
+};
+
+constexpr std::array<Putter, 20> putters = {{
+    {SQL_C_BIT, putBit},
+    {SQL_C_TINYINT, putWhole<SQLSCHAR>},
+    {SQL_C_STINYINT, putWhole<SQLSCHAR>},
+    {SQL_C_UTINYINT, putWhole<SQLCHAR>},
+    {SQL_C_SHORT, putWhole<SQLSMALLINT>},
+    {SQL_C_SSHORT, putWhole<SQLSMALLINT>},
+    {SQL_C_USHORT, putWhole<SQLUSMALLINT>},
+    {SQL_C_LONG, putWhole<SQLINTEGER>},
+    {SQL_C_SLONG, putWhole<SQLINTEGER>},
+    {SQL_C_ULONG, putWhole<SQLUINTEGER>},
+    {SQL_C_SBIGINT, putWhole<std::int64_t>},
+    {SQL_C_UBIGINT, putWhole<std::uint64_t>},
+    {SQL_C_FLOAT, putFloat},
+    {SQL_C_DOUBLE, putDouble},
+    {SQL_C_DATE, putDate},
+    {SQL_C_TYPE_DATE, putDate},
+    {SQL_C_TIME, putTime},
+    {SQL_C_TYPE_TIME, putTime},
+    {SQL_C_TIMESTAMP, putTimestamp},
+    {SQL_C_TYPE_TIMESTAMP, putTimestamp},
+}};
+
+const Putter* putterOf(SQLSMALLINT cType) {
+    const auto* const found = std::find_if(putters.begin(), putters.end(), [&](auto& p) { return p.cType == cType; });
+    return found == putters.end() ? nullptr : found;
+}
+
+bool isPiecewise(SQLSMALLINT cType) { return cType == SQL_C_CHAR || cType == SQL_C_WCHAR || cType == SQL_C_BINARY; }
+
+std::string bytesFor(SQLSMALLINT cType, const Value& value, jet::ColumnType type) {
+    if (cType != SQL_C_BINARY) {
+        return encoded(sql::textOf(value, type), cType == SQL_C_WCHAR ? Width::wide : Width::narrow);
+    }
+    if (const auto* bytes = std::get_if<jet::Bytes>(&value)) return {bytes->begin(), bytes->end()};
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    refuseConversion();
+}
+
+SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Progress& progress) {
+    if (!progress.bytes) progress.bytes = bytesFor(cType, job.value, type);
+    const std::string_view rest = std::string_view(*progress.bytes).substr(progress.given);
+    if (job.target.indicator != nullptr) *job.target.indicator = static_cast<SQLLEN>(rest.size());
+    if (job.target.buffer == nullptr) return SQL_SUCCESS;  // asks for the length alone
+    const std::size_t unit = cType == SQL_C_WCHAR ? sizeof(SQLWCHAR) : 1;
+    const std::size_t zero = cType == SQL_C_BINARY ? 0 : unit;
+    const Copied copied = copyOut(rest, unit, zero, job.target.buffer, job.target.capacity);
+    progress.given += copied.bytes;
+    progress.finished = !copied.truncated;
+    if (copied.truncated) job.diagnostics.warn("01004", truncatedText);
+    return SQL_SUCCESS;
+}
+
+}  // namespace
+
+bool isTargetType(SQLSMALLINT cType) {
+    return cType == SQL_C_DEFAULT || isPiecewise(cType) || putterOf(cType) != nullptr;
+}
+
+SQLRETURN transfer(const Value& value, const sql::ResultColumn& column, const Target& target, Progress& progress,
+                   Diagnostics& diagnostics) {
+    if (progress.finished) return SQL_NO_DATA;
+    if (std::holds_alternative<std::monostate>(value)) {
+        if (target.indicator == nullptr)
+            throw sql::Error("22002", "The value is Null and there is no indicator for it.");
+        *target.indicator = SQL_NULL_DATA;
+        progress.finished = true;
+        return SQL_SUCCESS;
+    }
+    const SQLSMALLINT cType = target.cType == SQL_C_DEFAULT ? sqlTypeOf(column.type).cType : target.cType;
+    const Job job{value, target, diagnostics};
+    if (isPiecewise(cType)) return putPiece(cType, job, column.type, progress);
+    const Putter* const putter = putterOf(cType);
+    if (putter == nullptr) throw sql::Error("HY003", "The driver does not offer this C type.");
+    putter->put(job);
+    progress.finished = true;
+    return SQL_SUCCESS;
+}
+
+}  // namespace odbc
