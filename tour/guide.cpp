@@ -1,0 +1,76 @@
+#include "tour/guide.h"
+
+#include <iomanip>
+#include <iostream>
+#include <sstream>
+#include <stdexcept>
+
+#include "shell/frmSplash.h"
+
+Guide::Guide(std::filesystem::path samples, std::filesystem::path output, int number)
+    : samples_(std::move(samples)), output_(std::move(output)), number_(number) {
+    driver_.onBox([this](const Box& box) { onBox(box); });
+    driver_.onEveryTurn([this] { watchProgress(); });
+}
+
+bool Guide::visit(const Stop& stop) {
+    std::cout << "\n" << stop.title << "\n";
+    chapter_ = stop.source.substr(0, stop.source.find('.')) + "-" + stop.from + "-to-" + stop.to;
+    try {
+        frmSplash();
+        driver_.settle();
+        if (number_ == 0) takePicture("frmSplash", "splash");
+        driver_.click("frmSplash", "cmdStart");
+        driver_.settle();
+        if (number_ == 0) takePicture("frmMain", "selector-at-first");
+        const std::string destination = convert(stop);
+        std::cout << "  result: " << std::filesystem::path(destination).filename().string() << ", " << std::flush;
+        std::cout << stop.check(destination) << std::endl;
+        return true;
+    } catch (const std::exception& failure) {
+        std::cout << "  FAILED: " << failure.what() << std::endl;
+        return false;
+    }
+}
+
+std::string Guide::convert(const Stop& stop) {
+    const std::string source = copySample(stop.source, stop.source);
+    if (stop.to == "Cav") driver_.files = {copySample("empty.cav", chapter_ + ".cav")};
+    driver_.answers = stop.answers;
+    driver_.click("frmMain", "optFrom" + stop.from);
+    driver_.click("frmMain", "optTo" + stop.to);
+    driver_.type("frmMain", "txtFilePath", source);
+    driver_.click("frmMain", "cmdConvert");
+    driver_.settle();
+    takePicture("frmMain", "selector");
+    const bool completed = !driver_.boxes.empty() && driver_.boxes.back().text == "Operation completed";
+    if (completed != stop.completes) throw std::runtime_error("it did not end as it should");
+    if (!driver_.answers.empty()) throw std::runtime_error("a question did not come up");
+    if (driver_.unexpectedQuestions > 0) throw std::runtime_error("a question came up that should not");
+    return driver_.text("frmMain", "lblDestinationFilePath");
+}
+
+void Guide::takePicture(const std::string& window, const std::string& name) {
+    std::ostringstream number;
+    number << std::setw(2) << std::setfill('0') << number_ + 1 << "-" << ++pictures_;
+    driver_.savePicture(window, output_ / (number.str() + "-" + chapter_ + "-" + name + ".png"));
+}
+
+void Guide::onBox(const Box& box) {
+    takePicture("", "box");
+    std::cout << "  box" << (box.title.empty() ? "" : " [" + box.title + "]") << ": ";
+    for (const char c : box.text) std::cout << (c == '\n' ? std::string("\n       ") : std::string(1, c));
+    std::cout << " -> " << box.answer << "\n";
+}
+
+/// One picture of the progress window for each conversion, once it says something.
+void Guide::watchProgress() {
+    if (progressSeen_ || !driver_.isOpen("frmWait") || driver_.text("frmWait", "lblMessage") == "Untitled") return;
+    progressSeen_ = true;
+    takePicture("frmWait", "progress");
+}
+
+std::string Guide::copySample(const std::string& name, const std::string& copyName) const {
+    std::filesystem::copy_file(samples_ / name, output_ / copyName, std::filesystem::copy_options::overwrite_existing);
+    return (output_ / copyName).string();
+}
