@@ -15,6 +15,7 @@
 
 #include "platform/child.h"
 #include "platform/eventhandler.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -47,7 +48,8 @@ void Label::setText(const std::string& text) {
 void Label::setColour(const Colour& colour) { setTextColour(label_, QPalette::WindowText, colour); }
 
 void Label::apply() {
-    const QString whole = shown(text_);
+    // An animal's name may be as long as its file; a label of this many characters is overfull by far.
+    const QString whole = shown(text::shortened(text_, 1000));
     label_->setAccessibleName(whole);
     if (lines_ == Lines::several) {
         label_->setText(whole);

@@ -5,12 +5,16 @@
 
 #include "platform/control.h"
 #include "platform/eventhandler.h"
+#include "platform/text.h"
 
 namespace {
 
+/// No box may grow so tall that its buttons leave the screen.
+constexpr std::size_t longestText = 3000;
+
 int run(QMessageBox& box, const std::string& text) {
     box.setTextFormat(Qt::PlainText);
-    box.setText(QString::fromStdString(text));
+    box.setText(QString::fromStdString(text::shortened(text, longestText)));
     Control::applyChanges();
     const int answer = box.exec();
     events::rethrowPending();

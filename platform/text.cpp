@@ -128,6 +128,14 @@ std::string_view mid(std::string_view text, std::size_t position, std::size_t co
     return left(rest, count);
 }
 
+std::string shortened(std::string_view text, std::size_t count) {
+    const std::size_t characters = text.size() <= count ? 0 : length(text);
+    if (characters <= count) return std::string(text);
+    static constexpr std::string_view gap = " ... ";
+    const std::size_t kept = (count - gap.size()) / 2;
+    return std::string(left(text, kept)) + std::string(gap) + std::string(mid(text, characters - kept + 1));
+}
+
 std::string_view trim(std::string_view text) {
     while (const std::size_t bytes = leadingSpace(text)) text.remove_prefix(bytes);
     while (const std::size_t bytes = trailingSpace(text)) text.remove_suffix(bytes);

@@ -23,6 +23,10 @@ std::string_view left(std::string_view text, std::size_t count);
 /// `count` characters from the one-based position on; empty when it begins past the end.
 std::string_view mid(std::string_view text, std::size_t position, std::size_t count = std::string_view::npos);
 
+/// At most `count` characters of the text: of a longer one, its beginning and its end with " ... " between them. For
+/// the screen, which takes seconds over a text of a million characters and shows none of it.
+std::string shortened(std::string_view text, std::size_t count);
+
 /// The text without Unicode white space and byte-order marks (U+FEFF) at both ends.
 std::string_view trim(std::string_view text);
 
