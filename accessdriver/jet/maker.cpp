@@ -89,7 +89,7 @@ void enterTables(PageAccess& pages, const std::vector<TableSpec>& tables) {
 void makeFile(const std::string& path, const MakeOptions& options) {
     ::unlink(path.c_str());
     // The journal of an earlier file of that name has nothing to say about this one.
-    ::unlink((path + "-journal").c_str());
+    ::unlink((path + "-jetjournal").c_str());
     writeFirstPages(path, options.password);
     std::shared_ptr<SharedFile> file = SharedFile::attach(path);
     try {

@@ -1,12 +1,13 @@
 #include "accessdriver/jet/shared_file.h"
 
-#include <climits>
+#include <array>
 #include <cstdlib>
 #include <map>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "accessdriver/jet/failure.h"
+#include "accessdriver/jet/header.h"
 #include "accessdriver/jet/journal.h"
 
 namespace jet {
@@ -17,6 +18,8 @@ struct Registry {
     std::mutex mutex;
     std::map<FileIdentity, std::weak_ptr<SharedFile>> files;
 };
+
+std::size_t cacheCapacity = Pager::defaultCapacity;
 
 Registry& registry() {
     // Never destroyed: a driver may be unloaded, and its connections closed, after static objects are gone.
@@ -59,28 +62,36 @@ void requireWritableFolder(const std::string& path) {
     }
 }
 
-void requireWholePages(const File& file) {
-    const std::uint64_t size = file.size();
-    const std::string length = file.path() + " is " + std::to_string(size) + " bytes long";
-    if (size == 0) throw Error(Fault::notAccess, file.path() + " is empty, so no Access file.");
-    if (size < pageSize) throw Error(Fault::notAccess, length + ", too short for an Access file.");
-    std::uint8_t name[19] = {};
-    file.readAt(0, name);
-    const std::string_view signature("\0\1\0\0Standard", 12);
-    if (!std::equal(signature.begin(), signature.end(), name,
-                    [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; })) {
-        throw Error(Fault::notAccess, file.path() + " is no Access file.");
-    }
-    if (size / pageSize > maxPages)
-        throw Error(Fault::corrupt, length + ", more than the 2 GiB that an Access file can have.");
+std::string lengthOf(const File& file) { return file.path() + " is " + std::to_string(file.size()) + " bytes long"; }
+
+// Comes before everything else, so that a file of another kind is told by what it is.
+void requireFormat(const File& file) {
+    if (file.size() == 0) throw Error(Fault::notAccess, file.path() + " is empty, so no Access file.");
+    std::array<std::uint8_t, pageSize> first;
+    if (!file.readAt(0, first)) throw Error(Fault::notAccess, lengthOf(file) + ", too short for an Access file.");
+    readHeader(first, file.path());
 }
+
+void requireWholePages(const File& file) {
+    if (file.size() % pageSize != 0) {
+        throw Error(Fault::corrupt, lengthOf(file) + ", no multiple of its page size: it has been cut off or damaged.");
+    }
+    if (file.size() / pageSize > maxPages) {
+        throw Error(Fault::corrupt, lengthOf(file) + ", more than the 2 GiB that an Access file can have.");
+    }
+}
+
+// Not the name that SQLite gives its journals.
+std::string journalOf(const std::string& path) { return path + "-jetjournal"; }
 
 }  // namespace
 
 SharedFile::SharedFile(std::string path, std::unique_ptr<File> file)
     : path_(std::move(path)), file_(std::move(file)), identity_(file_->identity()) {
-    pager_ = std::make_unique<Pager>(*file_, path_ + "-journal");
+    pager_ = std::make_unique<Pager>(*file_, journalOf(path_), cacheCapacity);
 }
+
+void SharedFile::setCacheCapacity(std::size_t pages) { cacheCapacity = pages; }
 
 SharedFile::~SharedFile() = default;
 
@@ -95,9 +106,10 @@ std::shared_ptr<SharedFile> SharedFile::attach(const std::string& name) {
     if (!file->tryLock()) {
         throw Error(Fault::inUse, "The file " + path + " is in use by another program.");
     }
+    requireFormat(*file);
     requireNoLockFile(path);
     requireWritableFolder(path);
-    Journal::playBack(path + "-journal", *file);
+    Journal::playBack(journalOf(path), *file);
     requireWholePages(*file);
     std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file)));
     all.files[identity] = shared;

@@ -15,6 +15,8 @@ class SharedFile {
     /// Finds or opens the file. Opening takes its lock and plays back a journal that a crash left.
     /// Throws Error: noSuchFile, noPermission, inUse, notAccess, corrupt, io.
     static std::shared_ptr<SharedFile> attach(const std::string& path);
+    /// How many pages files that are opened from now on keep in memory. Tests make it small.
+    static void setCacheCapacity(std::size_t pages);
     /// Lets go of the file; the last connection brings it to the disk and closes it.
     static void detach(std::shared_ptr<SharedFile>& file) noexcept;
 

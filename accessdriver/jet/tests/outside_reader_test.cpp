@@ -17,9 +17,9 @@ std::string jsonText(const std::string& text) {
     for (const char c : text) {
         if (c == '"' || c == '\\') out += '\\';
         if (c == '\r') {
-            out += "\\r";
+            out += "\\u000d";
         } else if (c == '\n') {
-            out += "\\n";
+            out += "\\u000a";
         } else {
             out += c;
         }

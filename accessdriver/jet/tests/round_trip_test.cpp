@@ -1,3 +1,4 @@
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -23,10 +24,9 @@ std::string csvText(const Value& value) {
     if (const auto* money = std::get_if<Currency>(&value)) {
         std::snprintf(buffer, sizeof buffer, "%.4f", static_cast<double>(money->tenThousandths) / 10000);
     } else if (const auto* fine = std::get_if<double>(&value)) {
-        for (int digits = 1; digits <= 17; ++digits) {
-            std::snprintf(buffer, sizeof buffer, "%.*g", digits, *fine);
-            if (std::stod(buffer) == *fine) break;
-        }
+        char* const end = std::to_chars(buffer, std::end(buffer) - 3, *fine, std::chars_format::fixed).ptr;
+        const std::string digits(buffer, end);
+        return digits.find('.') == std::string::npos ? digits + ".0" : digits;
     } else if (const auto* date = std::get_if<DateTime>(&value)) {
         const double days = std::trunc(date->days);
         const auto seconds = std::lround(std::abs(date->days - days) * 86400);
@@ -222,8 +222,10 @@ TEST_F(RoundTrip, theFilledSampleReadsAsItsList) {
         csv += "\n";
     }
     const std::string expected = readWhole(sharedFile("filled.expected.csv"));
-    EXPECT_EQ(csv.size(), expected.size());
-    EXPECT_TRUE(csv == expected);
+    const auto [ours, theirs] = std::mismatch(csv.begin(), csv.end(), expected.begin(), expected.end());
+    const auto at = static_cast<std::size_t>(theirs - expected.begin());
+    const std::size_t from = at < 100 ? 0 : at - 100;
+    EXPECT_TRUE(csv == expected) << "ours:   " << csv.substr(from, 200) << "\ntheirs: " << expected.substr(from, 200);
     EXPECT_EQ(findings(*database), "");
 }
 
@@ -241,8 +243,9 @@ TEST_F(RoundTrip, samplesTakeRowsAndUpdates) {
                 insert(*database, "tree", {{}, "animal " + std::to_string(i * 7919 % 300), std::string("brown")}));
         }
         for (const RowId id : ids) {
-            const Assignment change[] = {
-                {1, std::string("renamed")}, {7, std::string(50, 'f')}, {16, longText(5000, 1)}};
+            const Assignment change[] = {{1, std::string("renamed")},
+                                         {7, std::string(50, 'f')},
+                                         {16, longText(tree.columns[16].length == 0 ? 5000 : 200, 1)}};
             database->update(tree, id, change);
         }
         database->commit();
