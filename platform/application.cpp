@@ -1,6 +1,7 @@
 #include "platform/application.h"
 
 #include <QtGui/QFont>
+#include <QtGui/QIcon>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyleFactory>
@@ -65,6 +66,10 @@ int Application::run() {
 void Application::quit() {
     current().quitting_ = true;
     Window::closeAll();
+}
+
+void Application::setIcon(const Picture& picture) {
+    if (picture) QApplication::setWindowIcon(QIcon(picture.pixmap()));
 }
 
 void Application::endIfDone() {

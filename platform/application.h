@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/picture.h"
+
 class QApplication;
 
 /// The application object of the framework. A program derives its own from it.
@@ -32,6 +34,9 @@ class Application {
     bool autoQuit = false;
 
   protected:
+    /// The picture in title bars and task lists.
+    static void setIcon(const Picture& picture);
+
     virtual void Event_Open() {}
     virtual void openDefaultWindow() = 0;
 

@@ -26,7 +26,8 @@ int run(QMessageBox& box, const std::string& text) {
 void showMessage(const std::string& text) {
     QMessageBox box(QApplication::activeWindow());
     box.setObjectName("message");
-    box.setWindowTitle(QString());
+    // For an empty title the toolkit puts the program's file name.
+    box.setWindowTitle(" ");
     run(box, text);
 }
 

@@ -4,6 +4,7 @@
 #include "shell/appSystem.h"
 #include "shell/filetypes.h"
 #include "shell/frmSplash.h"
+#include "shell/pictures.h"
 
 App::App(int& argumentCount, char** arguments) : Application(argumentCount, arguments) {
     declareFileTypes();
@@ -11,6 +12,7 @@ App::App(int& argumentCount, char** arguments) : Application(argumentCount, argu
     minorVersion = 1;
     bugVersion = 1;
     version = "3.01.01";
+    setIcon(pictures::tolvaris());
 }
 
 void App::Event_Open() { autoQuit = true; }

@@ -122,7 +122,7 @@ void WindowDriver::turn() {
 void WindowDriver::answerBox(QWidget* widget) {
     auto* shown = qobject_cast<QMessageBox*>(widget);
     if (!shown->isVisible()) return;
-    Box box{plain(shown->windowTitle()), plain(shown->text()), {}, {}};
+    Box box{plain(shown->windowTitle().trimmed()), plain(shown->text()), {}, {}};
     for (const QAbstractButton* button : shown->buttons()) box.buttons.push_back(caption(button));
     if (box.buttons.size() == 1) {
         box.answer = box.buttons.front();
