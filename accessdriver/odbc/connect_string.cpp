@@ -46,7 +46,7 @@ ConnectString::ConnectString(std::string_view text) {
             continue;
         }
         std::string keyword(sql::trimmed(text.substr(0, end)));
-        text.remove_prefix(end + 1);
+        text.remove_prefix(std::min(text.find_first_not_of(' ', end + 1), text.size()));
         std::string value = text.starts_with('{') ? takeBraced(text) : takePlain(text);
         pairs_.emplace_back(std::move(keyword), std::move(value));
     }

@@ -48,7 +48,9 @@ constexpr const char* prefix = "[Tolvaris][Access Driver] ";
 }  // namespace
 
 void Diagnostics::add(const char* state, SQLINTEGER native, const std::string& message) {
-    records_.push_back({state, native, prefix + message});
+    // Errors come before warnings, and native codes are for errors.
+    const auto place = native == 0 ? records_.end() : records_.begin();
+    records_.insert(place, {state, native, prefix + message});
 }
 
 void Diagnostics::addCurrentException() noexcept try {

@@ -6,7 +6,6 @@
 
 #include <sql.h>
 #include <sqlext.h>
-#include <sqlucode.h>
 
 namespace odbc {
 

@@ -1,0 +1,133 @@
+// What a connection tells of its file and of itself.
+
+#include <algorithm>
+#include <array>
+
+#include "accessdriver/odbc/tests/client.h"
+
+namespace {
+
+using namespace odbctest;
+
+class CatalogTest : public OdbcTest {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(makeCav())));
+        statement_ = std::make_unique<Statement>(connection_);
+    }
+
+    void TearDown() override { statement_.reset(); }
+
+    // One column of all rows of the answer.
+    Texts columnOf(SQLUSMALLINT column) {
+        Texts out;
+        while (SQL_SUCCEEDED(SQLFetch(statement_->handle()))) out.push_back(statement_->text(column).value_or("Null"));
+        SQLFreeStmt(statement_->handle(), SQL_CLOSE);
+        return out;
+    }
+
+    Texts tables(const char* table, const char* types) {
+        const auto text = [](const char* t) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(t)); };
+        EXPECT_EQ(SQLTables(statement_->handle(), nullptr, 0, nullptr, 0, text(table), SQL_NTS, text(types), SQL_NTS),
+                  SQL_SUCCESS);
+        return columnOf(3);
+    }
+
+    Texts columns(const std::string& table, const std::string& column) {
+        EXPECT_EQ(
+            SQLColumns(statement_->handle(), nullptr, 0, nullptr, 0, chars(table), SQL_NTS, chars(column), SQL_NTS),
+            SQL_SUCCESS);
+        return columnOf(4);
+    }
+
+    Connection connection_;
+    std::unique_ptr<Statement> statement_;
+};
+
+TEST_F(CatalogTest, TablesByPatternAndType) {
+    const Texts all = tables(nullptr, nullptr);
+    EXPECT_EQ(std::count(all.begin(), all.end(), "tree"), 1);
+    EXPECT_TRUE(
+        std::is_sorted(all.begin(), all.end(), [](auto& a, auto& b) { return strcasecmp(a.c_str(), b.c_str()) < 0; }));
+    EXPECT_EQ(tables("TR_E", nullptr), Texts{"tree"});
+    EXPECT_EQ(tables("%sto%", "TABLE"), Texts{"soldStock"});
+    EXPECT_EQ(tables("tree", "'VIEW','TABLE'"), Texts{"tree"});
+    EXPECT_EQ(tables("tree", "VIEW"), Texts{});
+    EXPECT_EQ(tables("tr\\_e", nullptr), Texts{});
+    EXPECT_EQ(tables("", nullptr), Texts{});
+}
+
+TEST_F(CatalogTest, ColumnsKeysAndIndexes) {
+    EXPECT_EQ(columns("vaccinations", "%"), (Texts{"id", "dueDate", "name", "vaccination", "done"}));
+    EXPECT_EQ(columns("tree", "CUSTOMFIELD_"),
+              (Texts{"customfield1", "customfield2", "customfield3", "customfield4", "customfield5", "customfield6",
+                     "customfield7", "customfield8", "customfield9"}));
+    ASSERT_EQ(SQLColumns(statement_->handle(), nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, chars("dob"), SQL_NTS),
+              SQL_SUCCESS);
+    EXPECT_EQ(statement_->rows(), Texts{"Null|Null|tree|dob|93|DATETIME|19|16|0|Null|1|Null|Null|9|3|Null|6|YES"});
+
+    ASSERT_EQ(SQLPrimaryKeys(statement_->handle(), nullptr, 0, nullptr, 0, chars("TREE"), SQL_NTS), SQL_SUCCESS);
+    EXPECT_EQ(columnOf(4), Texts{"id"});
+    ASSERT_EQ(SQLPrimaryKeys(statement_->handle(), nullptr, 0, nullptr, 0, chars("none"), SQL_NTS), SQL_SUCCESS);
+    EXPECT_EQ(columnOf(4), Texts{});
+
+    ASSERT_EQ(
+        SQLStatistics(statement_->handle(), nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, SQL_INDEX_ALL, SQL_QUICK),
+        SQL_SUCCESS);
+    EXPECT_EQ(columnOf(9), (Texts{"Null", "id", "name"}));
+    ASSERT_EQ(SQLStatistics(statement_->handle(), nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, SQL_INDEX_UNIQUE,
+                            SQL_QUICK),
+              SQL_SUCCESS);
+    EXPECT_EQ(columnOf(9), (Texts{"Null", "id"}));
+    ASSERT_EQ(SQLSpecialColumns(statement_->handle(), SQL_BEST_ROWID, nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS,
+                                SQL_SCOPE_SESSION, SQL_NULLABLE),
+              SQL_SUCCESS);
+    EXPECT_EQ(columnOf(2), Texts{"id"});
+}
+
+TEST_F(CatalogTest, TypeInfo) {
+    ASSERT_EQ(SQLGetTypeInfo(statement_->handle(), SQL_ALL_TYPES), SQL_SUCCESS);
+    EXPECT_EQ(columnOf(1).size(), 14U);
+    ASSERT_EQ(SQLGetTypeInfo(statement_->handle(), SQL_TYPE_TIMESTAMP), SQL_SUCCESS);
+    EXPECT_EQ(columnOf(1), Texts{"DATETIME"});
+    ASSERT_EQ(SQLGetTypeInfo(statement_->handle(), SQL_BIGINT), SQL_SUCCESS);
+    EXPECT_EQ(columnOf(1), Texts{});
+}
+
+TEST_F(CatalogTest, InfoOfEachKind) {
+    std::array<char, 64> text{};
+    SQLSMALLINT length = 0;
+    const auto info = [&](SQLUSMALLINT type, SQLSMALLINT capacity) {
+        return SQLGetInfo(connection_.handle(), type, text.data(), capacity, &length);
+    };
+    EXPECT_EQ(info(SQL_DBMS_NAME, text.size()), SQL_SUCCESS);
+    EXPECT_STREQ(text.data(), "ACCESS");
+    EXPECT_EQ(info(SQL_DBMS_NAME, 4), SQL_SUCCESS_WITH_INFO);
+    EXPECT_STREQ(text.data(), "ACC");
+    EXPECT_EQ(length, 6);
+    SQLUSMALLINT capable = 0;
+    EXPECT_EQ(SQLGetInfo(connection_.handle(), SQL_TXN_CAPABLE, &capable, sizeof capable, nullptr), SQL_SUCCESS);
+    EXPECT_EQ(capable, SQL_TC_DML);
+    SQLUINTEGER extensions = 0;
+    EXPECT_EQ(SQLGetInfo(connection_.handle(), SQL_GETDATA_EXTENSIONS, &extensions, sizeof extensions, nullptr),
+              SQL_SUCCESS);
+    EXPECT_EQ(extensions & SQL_GD_ANY_ORDER, SQLUINTEGER{SQL_GD_ANY_ORDER});
+    EXPECT_EQ(info(64000, text.size()), SQL_ERROR);
+    SQLUSMALLINT supported = 0;
+    EXPECT_EQ(SQLGetFunctions(connection_.handle(), SQL_API_SQLTABLES, &supported), SQL_SUCCESS);
+    EXPECT_EQ(supported, SQL_TRUE);
+    EXPECT_EQ(SQLGetFunctions(connection_.handle(), SQL_API_SQLBULKOPERATIONS, &supported), SQL_SUCCESS);
+    EXPECT_EQ(supported, SQL_FALSE);
+}
+
+TEST_F(CatalogTest, AttributesKeepToWhatTheDriverCan) {
+    const SQLHSTMT handle = statement_->handle();
+    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_ROW_ARRAY_SIZE, attribute(10), 0), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(statement_->diagnosis().state, "01S02");
+    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_PARAMSET_SIZE, attribute(10), 0), SQL_ERROR);
+    EXPECT_EQ(statement_->diagnosis().state, "HYC00");
+    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_MAX_ROWS, attribute(1), 0), SQL_SUCCESS);
+    EXPECT_EQ(tables(nullptr, nullptr).size(), 1U);
+}
+
+}  // namespace

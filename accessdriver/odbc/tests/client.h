@@ -1,0 +1,106 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <sql.h>
+#include <sqlext.h>
+
+#include "accessdriver/jet/cav_tables.h"
+
+namespace odbctest {
+
+/// The first diagnostic record of a handle; all empty if there is none.
+struct Diagnosis {
+    std::string state;
+    SQLINTEGER native = 0;
+    std::string message;
+};
+
+Diagnosis diagnosisOf(SQLSMALLINT type, SQLHANDLE handle);
+
+inline SQLCHAR* chars(const std::string& text) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str())); }
+
+inline SQLPOINTER attribute(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }
+
+/// A connection through the driver manager, in an environment of its own.
+class Connection {
+  public:
+    Connection();
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    SQLRETURN openText(const std::string& connectionString);
+    SQLRETURN open(const std::filesystem::path& file, const std::string& password = jet::cavPassword);
+
+    SQLRETURN commit() { return SQLEndTran(SQL_HANDLE_DBC, handle_, SQL_COMMIT); }
+    SQLRETURN rollback() { return SQLEndTran(SQL_HANDLE_DBC, handle_, SQL_ROLLBACK); }
+    void autocommit(bool on);
+
+    Diagnosis diagnosis() const { return diagnosisOf(SQL_HANDLE_DBC, handle_); }
+    SQLHDBC handle() const { return handle_; }
+
+  private:
+    SQLHENV environment_ = nullptr;
+    SQLHDBC handle_ = nullptr;
+};
+
+using Texts = std::vector<std::string>;
+
+class Statement {
+  public:
+    explicit Statement(const Connection& connection);
+    ~Statement();
+    Statement(const Statement&) = delete;
+    Statement& operator=(const Statement&) = delete;
+
+    SQLRETURN run(const std::string& text) { return SQLExecDirect(handle_, chars(text), SQL_NTS); }
+
+    /// "ok", "nothing" where no row was met, or SQLSTATE and message of the refusal.
+    std::string outcome(const std::string& text);
+
+    /// The open result: values joined by '|', a row to an element; Null as "Null".
+    Texts rows();
+    Texts rows(const std::string& text);
+
+    /// One column of the current row as text; nothing for Null.
+    std::optional<std::string> text(SQLUSMALLINT column);
+
+    SQLLEN changed() const;
+    Diagnosis diagnosis() const { return diagnosisOf(SQL_HANDLE_STMT, handle_); }
+    SQLHSTMT handle() const { return handle_; }
+
+  private:
+    SQLHSTMT handle_ = nullptr;
+};
+
+/// A test with a folder of its own, in which it makes its Access files.
+class OdbcTest : public testing::Test {
+  protected:
+    OdbcTest();
+    ~OdbcTest() override;
+
+    /// An empty CAV file.
+    std::filesystem::path makeCav(const std::string& name = "a.cav", jet::CavColumns columns = jet::CavColumns::typed,
+                                  const std::string& password = jet::cavPassword) const;
+
+    /// A copy of one of the sample files that lie beside the project; nothing where they are not there.
+    std::optional<std::filesystem::path> copySample(const std::string& name) const;
+
+    const std::filesystem::path& folder() const { return folder_; }
+
+  private:
+    std::filesystem::path folder_;
+};
+
+/// What a program printed; nothing if it can't be run.
+std::optional<std::string> outputOf(const std::string& command);
+
+/// Where the drivers and data sources of this run are listed.
+const std::filesystem::path& registrationFolder();
+
+}  // namespace odbctest

@@ -1,0 +1,229 @@
+// Handing values to the application: pieces, cut texts, C types, bound columns.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "accessdriver/odbc/tests/client.h"
+
+namespace {
+
+using namespace odbctest;
+
+class FetchTest : public OdbcTest {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(makeCav())));
+        Statement writer(connection_);
+        ASSERT_EQ(writer.outcome("INSERT INTO tree (ps,dob,weight,price,deceased,notes,cage) VALUES "
+                                 "('Zoë 🐹','2020-02-29 10:20:30',1321.9,-12.5,True,'" +
+                                 std::string(5000, 'n') + "','70000')"),
+                  "ok");
+        statement_ = std::make_unique<Statement>(connection_);
+    }
+
+    void TearDown() override { statement_.reset(); }
+
+    SQLHSTMT select(const std::string& columns) {
+        EXPECT_EQ(statement_->outcome("SELECT " + columns + " FROM tree"), "ok");
+        EXPECT_EQ(SQLFetch(statement_->handle()), SQL_SUCCESS);
+        return statement_->handle();
+    }
+
+    Connection connection_;
+    std::unique_ptr<Statement> statement_;
+};
+
+// The buffer stands between two marks, and neither may be touched, whatever its size.
+TEST_F(FetchTest, CutTextsKeepWithinTheirBuffer) {
+    const std::string name = "Zoë 🐹";
+    ASSERT_EQ(name.size(), 9U);
+    for (SQLLEN capacity = 0; capacity <= 12; ++capacity) {
+        const SQLHSTMT handle = select("ps");
+        std::array<char, 32> memory;
+        memory.fill('#');
+        SQLLEN length = -99;
+        const SQLRETURN result = SQLGetData(handle, 1, SQL_C_CHAR, memory.data() + 8, capacity, &length);
+        EXPECT_EQ(length, 9) << capacity;
+        EXPECT_EQ(result, capacity >= 10 ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO) << capacity;
+        EXPECT_EQ(statement_->diagnosis().state, capacity < 10 ? "01004" : "") << capacity;
+        const auto given = static_cast<std::size_t>(std::clamp<SQLLEN>(capacity - 1, 0, 9));
+        EXPECT_EQ(std::string(memory.data() + 8, given), name.substr(0, given)) << capacity;
+        EXPECT_EQ(memory[8 + given], capacity > 0 ? '\0' : '#') << capacity;
+        EXPECT_EQ(std::string(memory.data(), 8), "########") << capacity;
+        const std::size_t used = capacity == 0 ? 0 : given + 1;
+        EXPECT_EQ(std::string(memory.data() + 8 + used, 24 - used), std::string(24 - used, '#')) << capacity;
+    }
+}
+
+TEST_F(FetchTest, WideTextsAreCutAtWholeUnits) {
+    const std::u16string name = u"Zoë 🐹";
+    ASSERT_EQ(name.size(), 6U);
+    for (SQLLEN capacity = 0; capacity <= 16; ++capacity) {
+        const SQLHSTMT handle = select("ps");
+        std::array<char, 40> memory;
+        memory.fill('#');
+        SQLLEN length = -99;
+        SQLGetData(handle, 1, SQL_C_WCHAR, memory.data() + 8, capacity, &length);
+        EXPECT_EQ(length, 12) << capacity;
+        const auto units = static_cast<std::size_t>(std::clamp<SQLLEN>(capacity / 2 - 1, 0, 6));
+        EXPECT_EQ(std::memcmp(memory.data() + 8, name.data(), units * 2), 0) << capacity;
+        EXPECT_EQ(std::string(memory.data(), 8), "########") << capacity;
+        const std::size_t used = capacity < 2 ? 0 : units * 2 + 2;
+        EXPECT_EQ(std::string(memory.data() + 8 + used, 32 - used), std::string(32 - used, '#')) << capacity;
+    }
+}
+
+TEST_F(FetchTest, LongTextsComeInPieces) {
+    const SQLHSTMT handle = select("notes,ps");
+    std::string whole;
+    std::array<char, 1001> piece{};
+    SQLLEN length = 0;
+    int pieces = 0;
+    for (SQLRETURN result = SQL_SUCCESS_WITH_INFO; result == SQL_SUCCESS_WITH_INFO; ++pieces) {
+        result = SQLGetData(handle, 1, SQL_C_CHAR, piece.data(), piece.size(), &length);
+        EXPECT_EQ(length, 5000 - 1000 * pieces);
+        whole += piece.data();
+    }
+    EXPECT_EQ(pieces, 5);
+    EXPECT_EQ(whole, std::string(5000, 'n'));
+    EXPECT_EQ(SQLGetData(handle, 1, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_NO_DATA);
+    EXPECT_EQ(SQLGetData(handle, 2, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_SUCCESS);
+    EXPECT_EQ(SQLGetData(handle, 1, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_SUCCESS_WITH_INFO)
+        << "another column in between begins anew";
+}
+
+template <class T>
+std::string asNumber(SQLHSTMT handle, SQLUSMALLINT column, SQLSMALLINT cType) {
+    T value{};
+    SQLLEN length = 0;
+    const SQLRETURN result = SQLGetData(handle, column, cType, &value, sizeof value, &length);
+    if (!SQL_SUCCEEDED(result)) return diagnosisOf(SQL_HANDLE_STMT, handle).state;
+    EXPECT_EQ(length, static_cast<SQLLEN>(sizeof value));
+    std::string out = std::to_string(value);
+    if (result == SQL_SUCCESS_WITH_INFO) out += " " + diagnosisOf(SQL_HANDLE_STMT, handle).state;
+    return out;
+}
+
+TEST_F(FetchTest, NumbersInEveryCType) {
+    const SQLHSTMT handle = select("id,weight,price,deceased,cage,ps,dob");
+    EXPECT_EQ(asNumber<SQLINTEGER>(handle, 1, SQL_C_SLONG), "1");
+    EXPECT_EQ(asNumber<SQLCHAR>(handle, 1, SQL_C_UTINYINT), "1");
+    EXPECT_EQ(asNumber<SQLBIGINT>(handle, 1, SQL_C_SBIGINT), "1");
+    EXPECT_EQ(asNumber<SQLDOUBLE>(handle, 2, SQL_C_DOUBLE), "1321.900000");
+    EXPECT_EQ(asNumber<SQLINTEGER>(handle, 2, SQL_C_LONG), "1321 01S07");
+    EXPECT_EQ(asNumber<SQLCHAR>(handle, 2, SQL_C_UTINYINT), "22003");
+    EXPECT_EQ(asNumber<SQLSMALLINT>(handle, 3, SQL_C_SSHORT), "-12 01S07");
+    EXPECT_EQ(asNumber<SQLUINTEGER>(handle, 3, SQL_C_ULONG), "22003");
+    EXPECT_EQ(asNumber<SQLDOUBLE>(handle, 3, SQL_C_DOUBLE), "-12.500000");
+    EXPECT_EQ(asNumber<SQLCHAR>(handle, 4, SQL_C_BIT), "1");
+    EXPECT_EQ(asNumber<SQLINTEGER>(handle, 5, SQL_C_SLONG), "70000");
+    EXPECT_EQ(asNumber<SQLSMALLINT>(handle, 5, SQL_C_SSHORT), "22003");
+    EXPECT_EQ(asNumber<SQLINTEGER>(handle, 6, SQL_C_SLONG), "22018");
+    EXPECT_EQ(asNumber<SQLINTEGER>(handle, 7, SQL_C_SLONG), "07006");
+    EXPECT_EQ(asNumber<SQLINTEGER>(handle, 8, SQL_C_SLONG), "07009");
+}
+
+TEST_F(FetchTest, DatesInEveryCType) {
+    const SQLHSTMT handle = select("dob,ps,weight");
+    SQL_TIMESTAMP_STRUCT stamp{};
+    SQLLEN length = 0;
+    EXPECT_EQ(SQLGetData(handle, 1, SQL_C_TYPE_TIMESTAMP, &stamp, sizeof stamp, &length), SQL_SUCCESS);
+    EXPECT_EQ(length, static_cast<SQLLEN>(sizeof stamp));
+    EXPECT_EQ(stamp.year, 2020);
+    EXPECT_EQ(stamp.day, 29);
+    EXPECT_EQ(stamp.second, 30);
+    SQL_DATE_STRUCT day{};
+    EXPECT_EQ(SQLGetData(handle, 1, SQL_C_TYPE_DATE, &day, sizeof day, &length), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(statement_->diagnosis().state, "01S07") << "the time is lost";
+    EXPECT_EQ(day.month, 2);
+    SQL_TIME_STRUCT time{};
+    EXPECT_EQ(SQLGetData(handle, 1, SQL_C_TYPE_TIME, &time, sizeof time, &length), SQL_SUCCESS);
+    EXPECT_EQ(time.minute, 20);
+    EXPECT_EQ(SQLGetData(handle, 2, SQL_C_TYPE_DATE, &day, sizeof day, &length), SQL_ERROR);
+    EXPECT_EQ(statement_->diagnosis().state, "22007");
+    EXPECT_EQ(SQLGetData(handle, 3, SQL_C_TYPE_DATE, &day, sizeof day, &length), SQL_ERROR);
+    EXPECT_EQ(statement_->diagnosis().state, "07006");
+}
+
+TEST_F(FetchTest, BoundColumnsAreFilledRowByRow) {
+    Statement writer(connection_);
+    writer.outcome("INSERT INTO tree (ps) VALUES ('second with a name too long')");
+    const SQLHSTMT handle = statement_->handle();
+    std::array<char, 12> name{};
+    SQLLEN nameLength = 0;
+    SQLINTEGER id = 0;
+    SQLDOUBLE weight = 0;
+    SQLLEN weightLength = 0;
+    SQLULEN fetched = 99;
+    SQLUSMALLINT status = 99;
+    SQLSetStmtAttr(handle, SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
+    SQLSetStmtAttr(handle, SQL_ATTR_ROW_STATUS_PTR, &status, 0);
+    SQLBindCol(handle, 1, SQL_C_SLONG, &id, 0, nullptr);
+    SQLBindCol(handle, 2, SQL_C_CHAR, name.data(), name.size(), &nameLength);
+    SQLBindCol(handle, 3, SQL_C_DOUBLE, &weight, 0, &weightLength);
+    SQLBindCol(handle, 9, SQL_C_CHAR, name.data(), 1, nullptr);
+    ASSERT_EQ(statement_->run("SELECT id,ps,weight FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle), SQL_SUCCESS);
+    EXPECT_EQ(id, 1);
+    EXPECT_STREQ(name.data(), "Zoë 🐹");
+    EXPECT_EQ(weight, 1321.9);
+    EXPECT_EQ(fetched, 1U);
+    EXPECT_EQ(status, SQL_ROW_SUCCESS);
+    EXPECT_EQ(SQLFetchScroll(handle, SQL_FETCH_NEXT, 0), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(statement_->diagnosis().state, "01004");
+    EXPECT_STREQ(name.data(), "second with");
+    EXPECT_EQ(nameLength, 27);
+    EXPECT_EQ(weightLength, SQL_NULL_DATA);
+    EXPECT_EQ(SQLFetch(handle), SQL_NO_DATA);
+    EXPECT_EQ(fetched, 0U);
+    SQLFreeStmt(handle, SQL_CLOSE);
+    SQLBindCol(handle, 3, SQL_C_DOUBLE, &weight, 0, nullptr);
+    ASSERT_EQ(statement_->run("SELECT id,ps,weight FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle), SQL_ERROR) << "a Null without an indicator";
+    EXPECT_EQ(statement_->diagnosis().state, "22002") << "before the warning of the cut name";
+}
+
+TEST_F(FetchTest, AResultIsDescribedBeforeItRuns) {
+    const SQLHSTMT handle = statement_->handle();
+    ASSERT_EQ(SQLPrepare(handle, chars("SELECT name,dob,price,id,notes FROM tree"), SQL_NTS), SQL_SUCCESS);
+    struct Case {
+        const char* name;
+        SQLSMALLINT type;
+        SQLULEN size;
+        SQLSMALLINT decimals;
+    };
+    const Case cases[] = {{"name", SQL_WVARCHAR, 255, 0},
+                          {"dob", SQL_TYPE_TIMESTAMP, 19, 0},
+                          {"price", SQL_NUMERIC, 19, 4},
+                          {"id", SQL_INTEGER, 10, 0},
+                          {"notes", SQL_WLONGVARCHAR, 0x3FFFFFFF, 0}};
+    SQLUSMALLINT number = 0;
+    for (const Case& c : cases) {
+        std::array<SQLCHAR, 64> name{};
+        SQLSMALLINT length = 0;
+        SQLSMALLINT type = 0;
+        SQLULEN size = 0;
+        SQLSMALLINT decimals = -1;
+        ASSERT_EQ(SQLDescribeCol(handle, ++number, name.data(), name.size(), &length, &type, &size, &decimals, nullptr),
+                  SQL_SUCCESS);
+        EXPECT_STREQ(reinterpret_cast<const char*>(name.data()), c.name);
+        EXPECT_EQ(type, c.type) << c.name;
+        EXPECT_EQ(size, c.size) << c.name;
+        EXPECT_EQ(decimals, c.decimals) << c.name;
+    }
+    std::array<char, 16> label{};
+    SQLSMALLINT length = 0;
+    SQLLEN value = 0;
+    EXPECT_EQ(SQLColAttribute(handle, 4, SQL_DESC_AUTO_UNIQUE_VALUE, nullptr, 0, nullptr, &value), SQL_SUCCESS);
+    EXPECT_EQ(value, SQL_TRUE);
+    EXPECT_EQ(SQLColAttribute(handle, 2, SQL_DESC_TYPE_NAME, label.data(), label.size(), &length, nullptr),
+              SQL_SUCCESS);
+    EXPECT_STREQ(label.data(), "DATETIME");
+    EXPECT_EQ(SQLColAttribute(handle, 2, SQL_DESC_TYPE_NAME, label.data(), 5, &length, nullptr), SQL_SUCCESS_WITH_INFO);
+    EXPECT_STREQ(label.data(), "DATE");
+    EXPECT_EQ(length, 8);
+}
+
+}  // namespace
