@@ -1,0 +1,147 @@
+#include "bench/herd.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <random>
+#include <vector>
+
+namespace bench {
+namespace {
+
+constexpr const char* firstWords[] = {
+    "Amber",  "Astra",   "Bella", "Blue",   "Bramble", "Bracken", "Cedar",   "Chloë",  "Clover", "Copper", "Daisy",
+    "Dusk",   "Echo",    "Elfin", "Émile",  "Fable",   "Fern",    "Flint",   "Frost",  "Ginger", "Gyp",    "Hazel",
+    "Heidi",  "Iris",    "Ivory", "Jasper", "Jet",     "Juno",    "Kestrel", "Laird",  "Lark",   "Linnet", "Lucy",
+    "Maggie", "Meadow",  "Misty", "Moss",   "Nell",    "Noël",    "O'Hara",  "Olive",  "Orion",  "Pansy",  "Pearl",
+    "Poppy",  "Quill",   "Raven", "Roan",   "Rosie",   "Rusty",   "Sable",   "Shadow", "Skye",   "Sorrel", "Storm",
+    "Tansy",  "Thistle", "Topaz", "Umber",  "Velvet",  "Willow",  "Wren",    "Yarrow", "Zoë"};
+constexpr const char* secondWords[] = {
+    "",          "Angel",   "Arrow",   "Beauty",   "Boy",      "Breeze",  "Charm",   "Dancer",  "Dawn",  "Delight",
+    "Dream",     "Duke",    "Ember",   "Fancy",    "Feather",  "Fire",    "Flame",   "Girl",    "Glory", "Heart",
+    "Jewel",     "Joy",     "King",    "Knight",   "Lad",      "Lass",    "Legacy",  "Light",   "Magic", "Melody",
+    "Moonlight", "Music",   "Mystery", "Night",    "Piper",    "Pride",   "Prince",  "Promise", "Queen", "Rainbow",
+    "Ripple",    "River",   "Rose",    "Ruler",    "Señorita", "Shine",   "Silk",    "Song",    "Spark", "Spirit",
+    "Star",      "Sunrise", "Tide",    "Treasure", "Tune",     "Victory", "Whisper", "Wind",    "Wish",  "Wonder"};
+constexpr const char* prefixes[] = {"",         "",           "Glenmore", "Hollybank", "St. Anne's", "Château",
+                                    "Ashdown",  "Brook",      "Ch",       "Kirkby",    "Löwen",      "Northfield",
+                                    "Oakhurst", "Ravenswood", "Thornton", "Wold"};
+constexpr const char* breeds[] = {"Border Collie", "Mini Lop", "Dexter", "Jersey", "Welsh Cob", "Maine Coon"};
+constexpr const char* colours[] = {"Black & White", "Agouti", "Red", "Blue Roan", "Chinchilla", "Sable", "Tricolour"};
+constexpr const char* headings =
+    "ID,Name,Prefix,Post Title,%Breed,Colour,DOB,SireId,DamId,Sire Name,Dam Name,Reg No.,Call Name,Health,Cage,Notes,"
+    "Date Purchased,Bought From,Price,CustomField1,CustomField2,CustomField3,CustomField4,CustomField5,CustomField6,"
+    "CustomField7,CustomField8,CustomField9,CustomField10,CustomField11,CustomField12,CustomField13,CustomField14,"
+    "CustomField15\n";
+
+struct Animal {
+    std::string id;
+    std::string name;
+    std::string prefix;
+};
+
+/// How a line tells of one parent.
+struct Told {
+    std::string id;
+    std::string name;
+};
+
+class Herd {
+  public:
+    explicit Herd(bool withSex) : withSex_(withSex) {}
+
+    std::string make(int animals) {
+        out_ = headings;
+        out_.replace(out_.find('%'), 1, withSex_ ? "Sex," : "");
+        for (int number = 0; number < animals; ++number) addAnimal(number);
+        return std::move(out_);
+    }
+
+  private:
+    std::uint32_t below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
+
+    template <std::size_t n>
+    const char* oneOf(const char* const (&words)[n]) {
+        return words[below(n)];
+    }
+
+    std::string makeName() {
+        std::string name = oneOf(firstWords);
+        const std::string second = oneOf(secondWords);
+        if (!second.empty()) name += (below(12) == 0 ? " o' " : " ") + second;
+        if (below(3) != 0) name += " " + std::to_string(below(2000));
+        return name;
+    }
+
+    std::string date(int number) {
+        std::string text = std::to_string(1 + below(28)) + "/" + std::to_string(1 + below(12)) + "/";
+        return text + std::to_string(2000 + number % 24);
+    }
+
+    Told tell(const std::vector<Animal>& parents) {
+        if (parents.empty() || below(20) == 0) return {};
+        const Animal& parent = parents[below(parents.size())];
+        switch (below(10)) {
+            case 0:
+                return {"X" + std::to_string(below(5000)), ""};
+            case 1:
+                return {"", makeName() + " of Elsewhere"};
+            case 2:
+            case 3:
+                return {parent.id, parent.name};
+            case 4:
+                return {"", parent.name};
+            case 5:
+                return {"", parent.prefix + (parent.prefix.empty() ? "" : " ") + parent.name};
+            case 6:
+                return {"", below(4) == 0 ? "Unknown" : parent.name};
+            default:
+                return {parent.id, ""};
+        }
+    }
+
+    void cell(const std::string& text) { out_.append(text).append(","); }
+
+    void addAnimal(int number) {
+        const int id = 10001 + number;
+        const Animal animal{(below(10) == 0 ? "K" : "") + std::to_string(id), makeName(), oneOf(prefixes)};
+        const Told sire = tell(sires_);
+        const Told dam = tell(dams_);
+        cell(animal.id);
+        cell(animal.name);
+        cell(animal.prefix);
+        cell(below(9) == 0 ? "Ch" : "");
+        if (withSex_) cell(number % 2 == 0 ? "male" : "f");
+        cell(oneOf(breeds));
+        cell(oneOf(colours));
+        cell(date(number));
+        cell(sire.id);
+        cell(dam.id);
+        cell(sire.name);
+        cell(dam.name);
+        cell("REG" + std::to_string(id));
+        cell(animal.name.substr(0, animal.name.find(' ')));
+        cell(below(4) == 0 ? "Vaccinated on arrival" : "");
+        cell("C-" + std::to_string(below(400)));
+        cell(below(3) == 0 ? "Best in class at the county show; kind with children" : "");
+        cell(below(8) == 0 ? date(number) : "");
+        cell(below(8) == 0 ? "Mrs. R. Dunn" : "");
+        cell(below(8) == 0 ? "$" + std::to_string(100 + below(900)) : "");
+        for (int field = 1; field < 15; ++field) cell(below(3) == 0 ? "v" + std::to_string(below(1000)) : "");
+        out_.append("end\n");
+        if (number % 30 == 0) sires_.push_back(animal);
+        if (number % 8 == 1) dams_.push_back(animal);
+    }
+
+    bool withSex_;
+    std::mt19937 random_{20240229};
+    std::string out_;
+    std::vector<Animal> sires_;
+    std::vector<Animal> dams_;
+};
+
+}  // namespace
+
+std::string makeHerd(int animals, bool withSex) { return Herd(withSex).make(animals); }
+
+}  // namespace bench
