@@ -112,6 +112,7 @@ class TableCheck {
         const dataPage::Slot slot = dataPage::slot(page, row);
         if (slot.flags == dataPage::skipFlag) targets_.insert(id);
         if (!slot.pointer()) return;
+        if (slot.size < rowPointerSize) return report_.say(rowName(id) + " is too short for a pointer");
         const RowPointer target = getRowPointer(dataPage::bytesOf(page, slot), 0);
         if (!pointed_.insert({target.page, target.row}).second) {
             report_.say(rowName({target.page, target.row}) + " is pointed at twice");

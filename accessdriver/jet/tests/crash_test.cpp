@@ -80,7 +80,7 @@ TEST_F(CrashTest, everyWriteMayBeTheLast) {
     for (const std::size_t cache : {std::size_t{5000}, std::size_t{70}}) {
         SharedFile::setCacheCapacity(cache);
         const int groupSize = cache < 100 ? 60 : 7;
-        for (int last = 1; last < 90; ++last) {
+        for (int last = 1; last < 60; ++last) {
             makeFile(path, {"", {everyType()}});
             const std::size_t commits = commitsOf(
                 [&](int pipe) {

@@ -1,7 +1,9 @@
 // What we wrote, read by mdbtools.
 
 #include <algorithm>
-#include <map>
+#include <cmath>
+#include <cstdio>
+#include <ctime>
 
 #include "accessdriver/jet/cav_tables.h"
 #include "accessdriver/jet/tests/fixture.h"
@@ -29,6 +31,22 @@ std::string jsonText(const std::string& text) {
 
 bool holds(const std::string& json, const std::string& column, const std::string& value) {
     return json.find("\"" + column + "\":" + value) != std::string::npos;
+}
+
+double numberIn(const std::string& json, const std::string& column) {
+    const std::string name = "\"" + column + "\":";
+    const std::size_t at = json.find(name);
+    return at == std::string::npos ? std::nan("") : std::strtod(json.c_str() + at + name.size(), nullptr);
+}
+
+std::string hexOf(const Bytes& bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        char digits[4];
+        std::snprintf(digits, sizeof digits, "%02X", byte);
+        text += digits;
+    }
+    return text;
 }
 
 std::vector<std::string> linesOf(const std::string& text) {
@@ -67,10 +85,12 @@ TEST_F(OutsideReader, readsEveryValueBack) {
         }
         database->commit();
     }
-    const auto output = outputOf("mdb-json -D %Y-%m-%d " + path + " everything");
+    const auto output = outputOf("mdb-json -T %Y-%m-%d " + path + " everything");
     if (!output) GTEST_SKIP() << "mdbtools is not installed";
     const std::vector<std::string> lines = linesOf(*output);
     ASSERT_EQ(lines.size(), rows.size());
+    const std::vector<std::string> exported = linesOf(*outputOf("mdb-export -H -b hex " + path + " everything"));
+    ASSERT_EQ(exported.size(), rows.size());
     const std::vector<std::string> names = {"id",    "yes",  "tiny", "small", "whole", "money",
                                             "rough", "fine", "day",  "word",  "plain", "story"};
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -82,6 +102,29 @@ TEST_F(OutsideReader, readsEveryValueBack) {
             } else {
                 EXPECT_FALSE(holds(line, names[column], "")) << line;
             }
+        }
+        EXPECT_TRUE(holds(line, "yes", std::get<bool>(rows[i][1]) ? "1" : "0")) << line;
+        const std::int64_t money = std::get<Currency>(rows[i][5]).tenThousandths;
+        char amount[40];
+        std::snprintf(amount, sizeof amount, "%s%lld.%04lld", money < 0 ? "-" : "",
+                      static_cast<long long>(std::abs(money) / 10000), static_cast<long long>(std::abs(money) % 10000));
+        EXPECT_TRUE(holds(line, "money", amount)) << amount << " in " << line;
+        for (const std::size_t column : {6, 7}) {
+            const double number = std::get<double>(rows[i][column]);
+            EXPECT_NEAR(numberIn(line, names[column]), number, std::abs(number) * (column == 6 ? 1e-6 : 1e-14)) << line;
+        }
+        // Of dates before 1900 it knows nothing.
+        if (const auto* day = std::get_if<DateTime>(&rows[i][8]); day && day->days > 366) {
+            const auto moment = static_cast<std::time_t>((std::floor(day->days) - 25569) * 86400);
+            char date[16];
+            std::strftime(date, sizeof date, "%Y-%m-%d", std::gmtime(&moment));
+            EXPECT_TRUE(holds(line, "day", jsonText(date))) << date << " in " << line;
+        }
+        for (const std::size_t column : {12, 13}) {
+            const auto* bytes = std::get_if<Bytes>(&rows[i][column]);
+            const std::string digits = bytes ? hexOf(*bytes) : "";
+            EXPECT_TRUE(digits.empty() || exported[i].find(digits) != std::string::npos)
+                << digits << " in " << exported[i];
         }
         for (const std::size_t column : {9, 10, 11}) {
             const auto* text = std::get_if<std::string>(&rows[i][column]);
