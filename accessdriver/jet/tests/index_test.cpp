@@ -171,5 +171,61 @@ TEST_F(IndexTest, uniqueNullAndCompositeRules) {
     EXPECT_EQ(findings(*database), "");
 }
 
+// Changes one byte of the file behind the first place where pattern stands after the catalog's definition.
+void patch(const std::string& path, const std::string& pattern, std::size_t at, char byte) {
+    std::string bytes = readWhole(path);
+    const std::size_t found = bytes.find(pattern, 3 * pageSize);
+    ASSERT_NE(found, std::string::npos);
+    bytes[found + at] = byte;
+    writeWhole(path, bytes);
+}
+
+TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
+    const TableSpec table{"t",
+                          {{"a", ColumnType::text, 50, false, true}, {"b", ColumnType::numeric, 0, false, true}},
+                          {{"i", {"a"}, false, false, false, false, {}}}};
+    const std::string path = folder.file("foreign.mdb");
+    const auto expectReadOnly = [&](const std::string& words) {
+        const auto database = Database::open(path, "");
+        const TableInfo& info = database->table("t");
+        EXPECT_EQ(rowsOf(*database, "t").size(), 1U);
+        const Assignment value[] = {{0, std::string("y")}};
+        const RowId row = [&] {
+            const auto cursor = database->scan(info);
+            cursor->next();
+            return cursor->rowId();
+        }();
+        for (const Refusal& refusal : {refusalOf([&] { database->insert(info, value); }),
+                                       refusalOf([&] { database->update(info, row, value); })}) {
+            EXPECT_EQ(refusal.fault, Fault::notWritable);
+            EXPECT_NE(refusal.text.find(words), std::string::npos) << refusal.text;
+        }
+    };
+    const auto make = [&](TableSpec spec) {
+        makeFile(path, {"", {std::move(spec)}});
+        const auto database = Database::open(path, "");
+        insert(*database, "t", {std::string("x")});
+        database->commit();
+    };
+    make(table);
+    patch(path, std::string("\xFF\xFF\xFF\xFF\0\0\0\0\4\4\0", 11), 10, 2);
+    expectReadOnly("relationship");
+
+    make(table);
+    patch(path, std::string("\x09\x04\0\0\x02", 5), 0, 7);
+    expectReadOnly("sort order");
+
+    make(table);
+    patch(path, std::string("\x09\x04\0\0\x02", 5), 3, 1);
+    expectReadOnly("sort order");
+
+    TableSpec numeric = table;
+    numeric.indexes[0].columns = {"a"};
+    make(numeric);
+    // The index moves from the text to the number.
+    patch(path, std::string("\x83\x07\0\0\0\0\1\xFF\xFF", 9), 4, 1);
+    expectReadOnly("type");
+}
+
 }  // namespace
 }  // namespace jet::test
