@@ -121,6 +121,13 @@ TEST_P(StatementTest, WalkingTheTreeWhileItsRowsAreUpdated) {
     EXPECT_EQ(writer.changed(), 0);
 }
 
+// A file of an older program, whose bytes the converter passes on as they came.
+TEST_P(StatementTest, BytesOfWindows1252ArriveAsTheirCharacters) {
+    Statement statement(connection_);
+    EXPECT_EQ(statement.outcome("INSERT INTO tree (name,ps) VALUES ('Zo\xEB','\x80 5')"), "ok");
+    EXPECT_EQ(statement.rows("SELECT name,ps FROM tree WHERE name='ZO\xCB'"), Texts{"Zoë|€ 5"});
+}
+
 TEST_P(StatementTest, RefusalsNameTheCase) {
     Statement statement(connection_);
     const std::pair<const char*, const char*> cases[] = {
