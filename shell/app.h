@@ -5,12 +5,13 @@
 /// The application object.
 class App : public Application {
   public:
-    App(int& argumentCount, char** arguments);
+    void Event_Open() override;
 
     /// Makes the folder "Export" inside sourceFilepath and keeps it in exportFolder. No failure leaves this routine.
     void createExportFolder();
 
+    App(int& argumentCount, char** arguments);
+
   protected:
-    void Event_Open() override;
     void openDefaultWindow() override;
 };
