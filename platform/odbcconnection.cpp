@@ -103,7 +103,7 @@ class OdbcLink {
 
 namespace {
 
-class OdbcRecordSet : public RecordSet {
+class OdbcRecordSet final : public RecordSet {
   public:
     OdbcRecordSet(std::shared_ptr<OdbcLink> link, Handle<SQL_HANDLE_STMT> statement, std::string sql)
         : link_(std::move(link)), statement_(std::move(statement)), sql_(std::move(sql)) {
@@ -117,38 +117,54 @@ class OdbcRecordSet : public RecordSet {
             names.emplace_back(reinterpret_cast<const char*>(name.data()));
         }
         setColumns(names);
-        values_.resize(names.size());
-        moveNext();
+        // Texts that were handed out must stay where they are while columns further right are read.
+        values_.reserve(names.size());
+        fetch();
+        empty_ = atEnd_;
     }
 
-    bool atEnd() const override { return atEnd_ || !link_->isOpen(); }
+    bool atEnd() const override { return (rewound_ ? empty_ : atEnd_) || !link_->isOpen(); }
 
-    /// A result is read forward only, so the first row is reached by asking again.
-    void moveFirst() override {
-        if (!link_->isOpen()) return;
-        SQLFreeStmt(statement_.get(), SQL_CLOSE);
-        const SQLRETURN result = SQLExecDirect(statement_.get(), sqlText(sql_), static_cast<SQLINTEGER>(sql_.size()));
-        atEnd_ = !SQL_SUCCEEDED(result);
-        moveNext();
-    }
+    /// A result is read forward only, so the first row is reached by asking again; but not before a row is wanted, for
+    /// a walk that only counts ends with going back.
+    void moveFirst() override { rewound_ = rewound_ || !onFirst_; }
 
     void moveNext() override {
-        for (auto& value : values_) value.reset();
-        if (!atEnd()) atEnd_ = !SQL_SUCCEEDED(SQLFetch(statement_.get()));
+        reopenIfRewound();
+        onFirst_ = false;
+        fetch();
     }
 
     std::int64_t recordCount() override { return 0; }
 
   protected:
-    /// Read when asked for and kept until the next row, as a driver may give a column's data but once.
+    /// Read when asked for and kept until the next row, as a driver may give a column's data but once, and only from
+    /// left to right.
     std::string_view columnText(int column) override {
+        reopenIfRewound();
         if (atEnd()) return {};
-        auto& value = values_[static_cast<std::size_t>(column)];
-        if (!value) value = read(static_cast<SQLUSMALLINT>(column + 1));
-        return *value;
+        while (values_.size() <= static_cast<std::size_t>(column)) {
+            values_.push_back(read(static_cast<SQLUSMALLINT>(values_.size() + 1)));
+        }
+        return values_[static_cast<std::size_t>(column)];
     }
 
   private:
+    void fetch() {
+        values_.clear();
+        if (!atEnd()) atEnd_ = !SQL_SUCCEEDED(SQLFetch(statement_.get()));
+    }
+
+    void reopenIfRewound() {
+        if (!rewound_ || !link_->isOpen()) return;
+        rewound_ = false;
+        SQLFreeStmt(statement_.get(), SQL_CLOSE);
+        const SQLRETURN result = SQLExecDirect(statement_.get(), sqlText(sql_), static_cast<SQLINTEGER>(sql_.size()));
+        atEnd_ = !SQL_SUCCEEDED(result);
+        onFirst_ = true;
+        fetch();
+    }
+
     std::string read(SQLUSMALLINT column) {
         std::string value;
         for (;;) {
@@ -167,8 +183,11 @@ class OdbcRecordSet : public RecordSet {
     std::shared_ptr<OdbcLink> link_;
     Handle<SQL_HANDLE_STMT> statement_;
     std::string sql_;
-    std::vector<std::optional<std::string>> values_;
+    std::vector<std::string> values_;
     bool atEnd_ = false;
+    bool empty_ = false;
+    bool onFirst_ = true;
+    bool rewound_ = false;
 };
 
 }  // namespace
