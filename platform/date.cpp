@@ -69,6 +69,12 @@ class Reader {
         return size > 0;
     }
 
+    bool skipDigits() {
+        const std::size_t size = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
+        rest_.remove_prefix(size);
+        return size > 0;
+    }
+
     bool take(char wanted) {
         if (rest_.empty() || rest_.front() != wanted) return false;
         rest_.remove_prefix(1);
@@ -99,8 +105,7 @@ bool isTimeOrEnd(Reader reader) {
     if (reader.take(':')) {
         if (!isSixtieth(reader.group())) return false;
         if (reader.take('.')) {
-            const auto fraction = reader.group();
-            if (!fraction || !fraction->number) return false;
+            if (!reader.skipDigits()) return false;
         }
     }
     reader.skipBlanks();

@@ -46,13 +46,22 @@ std::string getRsdCustomHeading(std::string_view field) {
 }  // namespace appSystem
 
 namespace convertCsvToRsd {
+namespace {
+
+/// The record set is gone when this returns: one that stands on a row would lock the file against the connection that
+/// saves a new row.
+std::int64_t firstId(SQLiteDatabase& database) {
+    const auto records = database.select("SELECT id FROM settings");
+    if (!records) throw NullReference("the settings");
+    return records->requiredField("id").integer();
+}
+
+}  // namespace
 
 void saveToSettings(const std::string& field, std::string_view value) {
     appSystem::connectData();
     if (!appSystem::db) throw NullReference("the database");
-    const auto records = appSystem::db->select("SELECT id FROM settings");
-    if (!records) throw NullReference("the settings");
-    if (records->requiredField("id").integer() == 1) {
+    if (firstId(*appSystem::db) == 1) {
         appSystem::db->execute("Update settings SET " + field + " = '" + appSystem::rma(value) + "' WHERE id = 1");
         appSystem::db->commit();
         return;
