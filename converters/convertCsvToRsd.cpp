@@ -145,6 +145,9 @@ Outcome inferSexes(SQLiteDatabase& database) {
     return Outcome::goOn;
 }
 
+/// Whether the new file still has its name: Cancel may have deleted it, and then no second connection can open it.
+bool isThere() { return FileReference(appSystem::destinationFilePath).exists(); }
+
 }  // namespace
 
 void convertCSV() {
@@ -162,7 +165,7 @@ void convertCSV() {
     csvAudit::Extent extent;
     if (csvAudit::run(extent, [](std::string&) {}) == Outcome::endConversion) return;
     const columnRecognition::Route route{.saveHeading = [](int number, const std::string& heading) {
-        saveToSettings("CustomName" + std::to_string(number), heading);
+        if (isThere()) saveToSettings("CustomName" + std::to_string(number), heading);
     }};
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
     if (writeRows(database, columnMap, extent) == Outcome::endConversion) return;
@@ -170,8 +173,10 @@ void convertCSV() {
     appSystem::convertNameRecordToNewId(database, "tree", "ps", "fatherId");
     appSystem::convertNameRecordToNewId(database, "tree", "pd", "motherId");
     if (inferSexes(database) == Outcome::endConversion) return;
-    appSystem::connectData();
-    appSystem::UpdateVersion();
+    if (isThere()) {
+        appSystem::connectData();
+        appSystem::UpdateVersion();
+    }
     frmWait().close();
     showMessage("Operation completed");
 }

@@ -81,6 +81,8 @@ class SQLiteConnection {
             run("PRAGMA synchronous = OFF");
             wrote_ = true;
         }
+        // The journal's file goes with the database's name; a file deleted while it is open is written on all the same.
+        if (hasMoved()) run("PRAGMA journal_mode = MEMORY");
         run("BEGIN");
     }
 
@@ -109,6 +111,12 @@ class SQLiteConnection {
         const int kind = result & 0xFF;
         broken_ = broken_ || kind == SQLITE_FULL || kind == SQLITE_IOERR || kind == SQLITE_CORRUPT ||
                   kind == SQLITE_NOTADB || kind == SQLITE_READONLY;
+    }
+
+    bool hasMoved() {
+        int moved = 0;
+        sqlite3_file_control(get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+        return moved != 0;
     }
 
     /// Through the library's own handle: opening the file once more would drop its locks.
