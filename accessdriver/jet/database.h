@@ -107,7 +107,8 @@ class Cursor {
     /// Moves to the next row; false at the end.
     virtual bool next() = 0;
     virtual RowId rowId() const = 0;
-    /// Decodes one column of the current row.
+    /// Decodes one column of the current row, as it is now, also if it was changed since next().
+    /// Throws Error(corrupt) if a rollback took the row away.
     virtual Value value(std::size_t column) const = 0;
 };
 
@@ -116,8 +117,12 @@ class Cursor {
 /// Every call that refuses leaves the file and the open transaction as they were before that call.
 class Database {
   public:
-    /// Opens an existing file; plays back a rollback journal that a crash left beside it.
-    /// password is UTF-8; it is ignored where the file has none. Throws Error.
+    /// Opens an existing file for reading and writing; plays back a rollback journal (the file's name with
+    /// "-jetjournal" behind it) that a crash left beside it. password is UTF-8; it is ignored where the file has none.
+    /// Throws Error. A file or folder that can't be written is noPermission. A lock file of Access (.ldb) beside the
+    /// file is inUse, even if it was left over: nothing tells, and the message says what to do. The file stays locked
+    /// against other processes, and against another copy of this library in the same one, until the last connection
+    /// is gone.
     static std::unique_ptr<Database> open(const std::string& path, const std::string& password);
 
     /// Rolls back what was not committed; the last connection of the process syncs the file to the disk.
@@ -130,10 +135,12 @@ class Database {
     /// connection. Throws Error(noSuchTable).
     virtual const TableInfo& table(std::string_view name) = 0;
 
-    /// Adds a row; columns without an assignment are Null (No for yes/no, the next number for an AutoNumber).
+    /// Adds a row; columns without an assignment, or with Null, are Null (No for yes/no, the next number for an
+    /// AutoNumber). A greater number given to an AutoNumber is the one that counting goes on from.
     virtual RowId insert(const TableInfo& table, std::span<const Assignment> values) = 0;
 
-    /// Changes columns of the row.
+    /// Changes columns of the row. An AutoNumber takes a number, no Null. Throws Error(corrupt) for a row that is not
+    /// there.
     virtual void update(const TableInfo& table, RowId row, std::span<const Assignment> values) = 0;
 
     /// All rows of the table.

@@ -82,17 +82,16 @@ std::uint64_t File::size() const {
 }
 
 bool File::tryLock() {
-    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
-        // A file system without locks of this kind can't tell us of others; the second kind may still do.
-        if (errno == EWOULDBLOCK) return false;
-    }
+    // A file system without locks of one kind can't tell us of others; the second kind may still do.
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+    bool free = true;
 #ifdef F_OFD_SETLK
     struct flock whole = {};
     whole.l_type = F_WRLCK;
     whole.l_whence = SEEK_SET;
-    if (::fcntl(descriptor_, F_OFD_SETLK, &whole) != 0 && (errno == EAGAIN || errno == EACCES)) return false;
+    free = ::fcntl(descriptor_, F_OFD_SETLK, &whole) == 0 || (errno != EAGAIN && errno != EACCES);
 #endif
-    return true;
+    return free;
 }
 
 bool File::readAt(std::uint64_t at, std::span<std::uint8_t> to) const {

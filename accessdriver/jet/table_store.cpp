@@ -23,16 +23,14 @@ constexpr int maxMoves = 8;
 }  // namespace
 
 struct TableStore::Draft {
-    explicit Draft(std::size_t columns) : fields(columns), changed(columns), longAt(columns) {
-        bytes.reserve(512);
+    explicit Draft(std::size_t columns) : fields(columns), changed(columns), isLong(columns) {
         pieces.assign(columns, {});
     }
 
     std::vector<Field> fields;
     std::vector<bool> changed;
-    std::vector<std::uint8_t> longAt;               // 1: bytes of a long value that are not stored yet
+    std::vector<bool> isLong;                       // changed long values whose bytes are not stored yet
     std::vector<std::vector<std::uint8_t>> pieces;  // the stored form of changed columns
-    std::vector<std::uint8_t> bytes;
     std::vector<std::uint8_t> row;
 };
 
@@ -119,20 +117,21 @@ void TableStore::encodeAssignments(std::span<const Assignment> values, Draft& dr
         const std::size_t i = assignment.column;
         const Column& column = table_.columns[i];
         draft.changed[i] = true;
-        draft.longAt[i] = 0;
+        draft.isLong[i] = false;
         std::vector<std::uint8_t>& bytes = draft.pieces[i];
         bytes.clear();
         if (std::holds_alternative<std::monostate>(assignment.value)) {
             draft.fields[i] = {};
         } else if (column.type == ColumnType::boolean) {
             const bool* yes = std::get_if<bool>(&assignment.value);
-            if (!yes)
+            if (!yes) {
                 throw Error(Fault::badValue, "The value for the column " + column.name + " of the table " +
                                                  table_.name + " is neither yes nor no.");
+            }
             draft.fields[i] = {*yes, {}};
         } else {
             encodeValue(table_, column, assignment.value, bytes);
-            draft.longAt[i] = column.longValue() ? 1 : 0;
+            draft.isLong[i] = column.longValue();
             draft.fields[i] = {true, bytes};
         }
     }
@@ -140,7 +139,7 @@ void TableStore::encodeAssignments(std::span<const Assignment> values, Draft& dr
 
 void TableStore::storeLongValues(Draft& draft) {
     for (std::size_t i = 0; i < draft.fields.size(); ++i) {
-        if (draft.longAt[i] == 0) continue;
+        if (!draft.isLong[i]) continue;
         std::vector<std::uint8_t> definition;
         writeLongValue(pages_, table_.columns[i], draft.pieces[i], true, definition);
         draft.pieces[i] = std::move(definition);

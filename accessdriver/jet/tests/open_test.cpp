@@ -52,11 +52,14 @@ TEST_F(OpenTest, tellsOtherFilesApart) {
     expectRefusal(good.substr(0, 3 * 4096), Fault::corrupt, "beyond the end");
 }
 
-TEST_F(OpenTest, refusesWhatIsNoFileOrMayNotBeUsed) {
+TEST_F(OpenTest, refusesWhatIsNoFile) {
     EXPECT_EQ(refusalOfOpen(folder.file("none.cav")).fault, Fault::noSuchFile);
     EXPECT_EQ(refusalOfOpen(folder.file("none/none.cav")).fault, Fault::noSuchFile);
     EXPECT_EQ(refusalOfOpen(folder.file("")).fault, Fault::notAccess);
     EXPECT_EQ(refusalOfOpen("/dev/null").fault, Fault::notAccess);
+}
+
+TEST_F(OpenTest, refusesWhatMayNotBeWritten) {
     if (::geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to the superuser";
     ::chmod(path.c_str(), 0444);
     EXPECT_EQ(refusalOfOpen(path, cavPassword).fault, Fault::noPermission);
