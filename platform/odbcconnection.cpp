@@ -2,6 +2,9 @@
 
 #include <array>
 #include <optional>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include <sql.h>
 #include <sqlext.h>
@@ -51,6 +54,13 @@ Diagnosis diagnose(SQLSMALLINT type, SQLHANDLE handle) {
 /// One live connection, shared with the record sets that read from it.
 class OdbcLink {
   public:
+    struct FreeStatement {
+        OdbcLink* link;
+        void operator()(void* statement) const noexcept { link->free(statement); }
+    };
+    /// Good only while the link lives.
+    using Statement = std::unique_ptr<void, FreeStatement>;
+
     OdbcLink() : environment_(allocate<SQL_HANDLE_ENV>(SQL_NULL_HANDLE)) {
         // An integer attribute travels in the pointer argument (ODBC reference, SQLSetEnvAttr).
         SQLSetEnvAttr(environment_.get(), SQL_ATTR_ODBC_VERSION, reinterpret_cast<SQLPOINTER>(SQL_OV_ODBC3), 0);
@@ -81,7 +91,11 @@ class OdbcLink {
         return SQL_SUCCEEDED(result) && dead == SQL_CD_TRUE;
     }
 
-    Handle<SQL_HANDLE_STMT> statement() const { return allocate<SQL_HANDLE_STMT>(connection_.get()); }
+    Statement statement() {
+        auto handle = allocate<SQL_HANDLE_STMT>(connection_.get());
+        if (handle) statements_.insert(handle.get());
+        return {handle.release(), FreeStatement{this}};
+    }
 
     std::optional<Diagnosis> end(SQLSMALLINT completion) const {
         if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_.get(), completion))) return std::nullopt;
@@ -91,13 +105,20 @@ class OdbcLink {
     void close() {
         if (!open_) return;
         open_ = false;
+        // A disconnect frees the statements that are left, after which their handles may be anything.
+        for (void* statement : std::exchange(statements_, {})) SQLFreeHandle(SQL_HANDLE_STMT, statement);
         end(SQL_ROLLBACK);
         SQLDisconnect(connection_.get());
     }
 
   private:
+    void free(void* statement) noexcept {
+        if (statements_.erase(statement) > 0) SQLFreeHandle(SQL_HANDLE_STMT, statement);
+    }
+
     Handle<SQL_HANDLE_ENV> environment_;
     Handle<SQL_HANDLE_DBC> connection_;
+    std::unordered_set<void*> statements_;
     bool open_ = false;
 };
 
@@ -105,7 +126,7 @@ namespace {
 
 class OdbcRecordSet final : public RecordSet {
   public:
-    OdbcRecordSet(std::shared_ptr<OdbcLink> link, Handle<SQL_HANDLE_STMT> statement, std::string sql)
+    OdbcRecordSet(std::shared_ptr<OdbcLink> link, OdbcLink::Statement statement, std::string sql)
         : link_(std::move(link)), statement_(std::move(statement)), sql_(std::move(sql)) {
         SQLSMALLINT count = 0;
         SQLNumResultCols(statement_.get(), &count);
@@ -181,7 +202,7 @@ class OdbcRecordSet final : public RecordSet {
     }
 
     std::shared_ptr<OdbcLink> link_;
-    Handle<SQL_HANDLE_STMT> statement_;
+    OdbcLink::Statement statement_;
     std::string sql_;
     std::vector<std::string> values_;
     bool atEnd_ = false;
