@@ -1,5 +1,7 @@
 #include "linking/linking.h"
+#include "linking/parentnames.h"
 #include "linking/progress.h"
+#include "linking/quickstore.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
@@ -7,33 +9,53 @@
 namespace appSystem {
 namespace {
 
-/// Gives the parent's name to all rows that have this parent. Names went through rma on their way in; ids go into the
-/// statements as they stand. Both updates have two blanks before their last equals sign.
-void fillName(Database& db, RecordSet& records, const std::string& idColumn, const std::string& nameColumn) {
-    const std::string id(records.requiredField(idColumn).text());
-    if (id.empty()) return;
-    const auto parent = db.select("SELECT name FROM tree WHERE oldId = '" + id + "'");
-    if (!parent) throw NullReference("the parent's record set");
-    const std::string name(parent->requiredField("name").text());
-    db.execute("UPDATE tree SET " + nameColumn + " = '" + name + "' WHERE " + idColumn + "  = '" + id + "'");
+template <typename Fill>
+void walk(Database& db, std::string_view databaseKind, RecordSet& records, Fill fill) {
+    const double total = linking::recordTotal(db, databaseKind, records);
+    for (int index = 0; !records.atEnd(); ++index) {
+        fill(std::string(records.requiredField("fatherId").text()),
+             std::string(records.requiredField("motherId").text()));
+        linking::showBar(total);
+        if (index % 20 == 0) linking::report("Getting name from id  #" + std::to_string(index), index, total);
+        records.moveNext();
+        RuntimeBackgroundTask();
+    }
+}
+
+void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
+    linking::ParentNames names(db);
+    const auto records = db.select("Select id,oldId,fatherId,motherId From tree");
+    if (!records) return;
+    try {
+        walk(db, databaseKind, *records, [&](const std::string& fatherId, const std::string& motherId) {
+            names.fill(records->requiredField("id").integer(), fatherId, motherId);
+        });
+        names.finish();
+    } catch (...) {
+        // What stands so far stays on the connection, for whoever commits next.
+        names.settle();
+        throw;
+    }
+    db.commit();
+}
+
+/// Names went through rma on their way in; ids go into the statements as they stand.
+void fillLiterally(Database& db, std::string_view databaseKind) {
+    const auto records = db.select("Select oldId,fatherId,motherId From tree");
+    if (!records) return;
+    walk(db, databaseKind, *records, [&](const std::string& fatherId, const std::string& motherId) {
+        if (!fatherId.empty()) linking::fillNameLiterally(db, "fatherId", "ps", fatherId);
+        if (!motherId.empty()) linking::fillNameLiterally(db, "motherId", "pd", motherId);
+    });
+    db.commit();
 }
 
 }  // namespace
 
 void convertIdRecordToName(Database& db, std::string_view databaseKind) {
     guarded([&] {
-        const auto records = db.select("Select oldId,fatherId,motherId From tree");
-        if (!records) return;
-        const double total = linking::recordTotal(db, databaseKind, *records);
-        for (int index = 0; !records->atEnd(); ++index) {
-            fillName(db, *records, "fatherId", "ps");
-            fillName(db, *records, "motherId", "pd");
-            linking::showBar(total);
-            if (index % 20 == 0) linking::report("Getting name from id  #" + std::to_string(index), index, total);
-            records->moveNext();
-            RuntimeBackgroundTask();
-        }
-        db.commit();
+        SQLiteDatabase* store = linking::quickStore(db);
+        store != nullptr ? fillQuickly(*store, databaseKind) : fillLiterally(db, databaseKind);
     });
 }
 

@@ -1,6 +1,10 @@
+#include <memory>
+
 #include "fieldtext/texthelpers.h"
+#include "linking/animalsearch.h"
 #include "linking/linking.h"
 #include "linking/progress.h"
+#include "linking/quickstore.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "platform/text.h"
@@ -10,24 +14,39 @@
 namespace appSystem {
 namespace {
 
+using linking::AnimalSearch;
+
 /// The id of the oldest animal whose full name contains the text; empty if there is none.
-std::string findAnimal(Database& db, std::string_view name) {
-    const auto found =
-        db.select("Select id from tree Where trim(coalesce(prefix, '' ) || ' ' || coalesce(name, '')) LIKE  '%" +
-                  rma(name) + "%'");
+std::string findAnimal(Database& db, const std::string& name) {
+    const auto found = db.select(
+        "Select id from tree Where trim(coalesce(prefix, '' ) || ' ' || coalesce(name, '')) LIKE  '%" + name + "%'");
     if (!found || found->atEnd()) return {};
     return std::string(found->requiredField("id").text());
 }
 
+/// The same by way of the search, where there is one that can tell.
+std::string findAnimal(Database& db, AnimalSearch* search, const std::string& name) {
+    const auto found = search != nullptr ? search->find(name) : std::nullopt;
+    return found ? *found : findAnimal(db, name);
+}
+
+/// Nothing where the search would not be quick, or the links change what is searched.
+std::unique_ptr<AnimalSearch> makeSearch(Database& db, const std::string& idColumn) {
+    SQLiteDatabase* store = linking::quickStore(db);
+    if (store == nullptr || (idColumn != "fatherId" && idColumn != "motherId")) return nullptr;
+    return std::make_unique<AnimalSearch>(*store);
+}
+
 void link(Database& db, RecordSet& records, const std::string& tableName, const std::string& nameColumn,
           const std::string& idColumn) {
+    const auto search = makeSearch(db, idColumn);
     const auto total = static_cast<double>(records.recordCount());
     int linkCount = 0;
     while (!records.atEnd()) {
         records.edit();
         const std::string name(records.requiredField(nameColumn).text());
         const bool known = !name.empty() && !text::equals(name, "unknown");
-        const std::string id = known ? findAnimal(db, name) : std::string();
+        const std::string id = known ? findAnimal(db, search.get(), rma(name)) : std::string();
         if (!id.empty()) {
             records.requiredField(idColumn).setText(id);
             records.update();

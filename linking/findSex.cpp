@@ -1,6 +1,10 @@
+#include <optional>
+
 #include "fieldtext/texthelpers.h"
 #include "linking/linking.h"
+#include "linking/parentsexes.h"
 #include "linking/progress.h"
+#include "linking/quickstore.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
@@ -8,21 +12,39 @@
 namespace appSystem {
 namespace {
 
-/// One sex that a row tells of one of its parents.
-struct Parent {
-    const char* idColumn;
-    const char* sex;
-};
+class SexFinder {
+  public:
+    SexFinder(Database& db, RecordSet& records, double total) : db_(db), records_(records), total_(total) {
+        if (SQLiteDatabase* store = linking::quickStore(db)) quick_.emplace(*store);
+    }
 
-void findSexOf(const Parent& parent, Database& db, RecordSet& records, double index, double total) {
-    const std::string id(records.requiredField(parent.idColumn).text());
-    if (id.empty()) return;
-    db.execute(std::string("UPDATE tree SET sex = '") + parent.sex + "' WHERE oldId = '" + id + "'");
-    db.commit();
-    linking::showBar(total);
-    // The name is that of the offspring, the row being read.
-    linking::report("Found sex  of " + rpa(records.requiredField("name").text()) + " - " + parent.sex, index, total);
-}
+    void walk() {
+        for (; !records_.atEnd(); ++index_) {
+            tell("fatherId", "male");
+            tell("motherId", "female");
+            records_.moveNext();
+            RuntimeBackgroundTask();
+        }
+    }
+
+  private:
+    /// Gives the parent the sex that this row tells of it.
+    void tell(const char* idColumn, const std::string& sex) {
+        const std::string id(records_.requiredField(idColumn).text());
+        if (id.empty()) return;
+        quick_ ? quick_->set(id, sex) : linking::setSexLiterally(db_, id, sex);
+        db_.commit();
+        linking::showBar(total_);
+        // The name is that of the offspring, the row being read.
+        linking::report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + sex, index_, total_);
+    }
+
+    Database& db_;
+    RecordSet& records_;
+    double total_;
+    double index_ = 0;
+    std::optional<linking::ParentSexes> quick_;
+};
 
 }  // namespace
 
@@ -30,13 +52,7 @@ void findSex(Database& db, std::string_view databaseKind) {
     guarded([&] {
         const auto records = db.select("Select name,fatherId,motherId,ps,pd From tree");
         if (!records) return;
-        const double total = linking::recordTotal(db, databaseKind, *records);
-        for (double index = 0; !records->atEnd(); ++index) {
-            findSexOf({"fatherId", "male"}, db, *records, index, total);
-            findSexOf({"motherId", "female"}, db, *records, index, total);
-            records->moveNext();
-            RuntimeBackgroundTask();
-        }
+        SexFinder(db, *records, linking::recordTotal(db, databaseKind, *records)).walk();
     });
 }
 

@@ -76,19 +76,31 @@ class SQLiteConnection {
 
     void beginIfNeeded() {
         if (sqlite3_get_autocommit(get()) == 0) return;
-        if (!wrote_) {
-            // The flush comes once, at the end; the journal still makes each commit whole or absent.
-            run("PRAGMA synchronous = OFF");
-            wrote_ = true;
-        }
+        flushAtEnd();
         // The journal's file goes with the database's name; a file deleted while it is open is written on all the same.
         if (hasMoved()) run("PRAGMA journal_mode = MEMORY");
         run("BEGIN");
     }
 
+    /// The flush comes once, at the end; the journal still makes each commit whole or absent.
+    void flushAtEnd() {
+        if (wrote_) return;
+        run("PRAGMA synchronous = OFF");
+        wrote_ = true;
+    }
+
     void commit() {
         refused_.clear();
         if (isOpen() && sqlite3_get_autocommit(get()) == 0) run("COMMIT");
+    }
+
+    void setManyCommits(bool many) {
+        if (many == manyCommits_ || sqlite3_get_autocommit(get()) == 0) return;
+        manyCommits_ = many;
+        run(many ? "PRAGMA locking_mode = EXCLUSIVE" : "PRAGMA locking_mode = NORMAL");
+        // A lock that was kept goes back at the end of the next access to the file, and only then can the journal go.
+        if (!many) run("SELECT count(*) FROM sqlite_master");
+        run(many ? "PRAGMA journal_mode = PERSIST" : "PRAGMA journal_mode = DELETE");
     }
 
     bool usable() const { return isOpen() && !broken_; }
@@ -97,6 +109,7 @@ class SQLiteConnection {
         if (closed_) return;
         closed_ = true;
         if (sqlite3_get_autocommit(get()) == 0) run("ROLLBACK");
+        setManyCommits(false);
         if (!wrote_) return;
         flush();
     }
@@ -132,6 +145,7 @@ class SQLiteConnection {
     bool closed_ = false;
     bool broken_ = false;
     bool wrote_ = false;
+    bool manyCommits_ = false;
 };
 
 namespace {
@@ -262,6 +276,8 @@ void SQLiteStatement::bind(int parameter, std::int64_t number) {
     sqlite3_bind_int64(statement_.get(), parameter, number);
 }
 
+void SQLiteStatement::bindNull(int parameter) { sqlite3_bind_null(statement_.get(), parameter); }
+
 bool SQLiteStatement::step() { return connection_->isOpen() && connection_->step(statement_.get()) == SQLITE_ROW; }
 
 void SQLiteStatement::run() {
@@ -279,14 +295,30 @@ std::string_view SQLiteStatement::text(int column) { return detail::columnOf(sta
 
 std::int64_t SQLiteStatement::integer(int column) { return sqlite3_column_int64(statement_.get(), column); }
 
-bool SQLiteStatement::isNull(int column) { return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL; }
+double SQLiteStatement::real(int column) { return sqlite3_column_double(statement_.get(), column); }
+
+SQLiteStatement::Type SQLiteStatement::type(int column) {
+    switch (sqlite3_column_type(statement_.get(), column)) {
+        case SQLITE_INTEGER:
+            return Type::integer;
+        case SQLITE_FLOAT:
+            return Type::real;
+        case SQLITE_TEXT:
+            return Type::text;
+        case SQLITE_BLOB:
+            return Type::blob;
+        default:
+            return Type::null;
+    }
+}
 
 SQLiteDatabase::SQLiteDatabase() = default;
 SQLiteDatabase::~SQLiteDatabase() = default;
 
 bool SQLiteDatabase::open(int flags) {
     sqlite3* raw = nullptr;
-    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags, nullptr);
+    // There is one thread, so the library need not guard its objects.
+    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags | SQLITE_OPEN_NOMUTEX, nullptr);
     auto opened = std::make_shared<detail::SQLiteConnection>(raw);
     openError_ = result;
     openMessage_ = raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result);
@@ -302,6 +334,7 @@ bool SQLiteDatabase::createDatabaseFile() {
     if (!EncryptionKey.empty()) {
         sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
     }
+    connection_->flushAtEnd();
     // Writes the file's header, so that the file exists and a folder that cannot be written shows now.
     if (connection_->run("PRAGMA user_version = 0")) return true;
     openError_ = connection_->errorCode();
@@ -390,4 +423,10 @@ void SQLiteDatabase::close() {
 SQLiteStatement SQLiteDatabase::prepare(std::string_view sql) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
     return {connection_, sql};
+}
+
+int SQLiteDatabase::changeCount() const { return connection_ ? sqlite3_total_changes(connection_->get()) : 0; }
+
+void SQLiteDatabase::setManyCommits(bool many) {
+    if (connection_ && connection_->isOpen()) connection_->setManyCommits(many);
 }

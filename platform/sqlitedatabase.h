@@ -28,9 +28,12 @@ class SQLiteStatement {
   public:
     SQLiteStatement(std::shared_ptr<detail::SQLiteConnection> connection, std::string_view sql);
 
+    enum class Type { integer, real, text, blob, null };
+
     /// Parameters are numbered from 1. A text must stay in place until the next step.
     void bind(int parameter, std::string_view text);
     void bind(int parameter, std::int64_t number);
+    void bindNull(int parameter);
 
     /// Runs up to the next row; false at the end or if the statement fails.
     bool step();
@@ -45,7 +48,8 @@ class SQLiteStatement {
     /// Columns are numbered from 0. The view is good until the next step or reset.
     std::string_view text(int column);
     std::int64_t integer(int column);
-    bool isNull(int column);
+    double real(int column);
+    Type type(int column);
 
   private:
     std::shared_ptr<detail::SQLiteConnection> connection_;
@@ -87,6 +91,14 @@ class SQLiteDatabase : public Database {
 
     /// Raises DatabaseFailure without a connection, or if the statement does not compile.
     SQLiteStatement prepare(std::string_view sql);
+
+    /// Rows inserted, changed and deleted on this connection so far; 0 without one.
+    int changeCount() const;
+
+    /// Makes commits cheap for a loop of many small ones: the lock and the journal file are kept from one commit to the
+    /// next, so nobody else gets at the file meanwhile, and a crash is still made good by the next reader. Switching it
+    /// off, or closing, gives back the lock and removes the journal. Does nothing inside a transaction.
+    void setManyCommits(bool many);
 
   private:
     bool open(int flags);
