@@ -13,7 +13,7 @@ namespace {
 // Takes the value at the start of rest, and the semicolon behind it.
 std::string takePlain(std::string_view& rest) {
     const std::size_t end = std::min(rest.find(';'), rest.size());
-    const std::string value(sql::trimmed(rest.substr(0, end)));
+    std::string value(sql::trimmed(rest.substr(0, end)));
     rest.remove_prefix(std::min(end + 1, rest.size()));
     return value;
 }

@@ -40,7 +40,7 @@ class Unpacker {
     std::size_t at() const { return at_; }
 
     void value(jet::Value& out) {
-        const auto type = static_cast<std::size_t>(chunk_[at_++]);
+        const std::size_t type = static_cast<unsigned char>(chunk_[at_++]);
         valueOf<0>(type, out);
     }
 

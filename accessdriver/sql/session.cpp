@@ -1,7 +1,6 @@
 #include "accessdriver/sql/session.h"
 
 #include <algorithm>
-#include <ranges>
 
 #include "accessdriver/sql/convert.h"
 #include "accessdriver/sql/error.h"
@@ -109,9 +108,8 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
             rollback();
         } else {
             changes.resize(done);
-            for (const Change& change : std::views::reverse(changes)) {
-                database_->update(*plan.table, change.row, change.before);
-            }
+            std::for_each(changes.rbegin(), changes.rend(),
+                          [&](const Change& change) { database_->update(*plan.table, change.row, change.before); });
         }
         throw;
     }
