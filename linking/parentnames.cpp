@@ -67,7 +67,7 @@ void ParentNames::runLiterally(const Parents& parents, const std::string& id) {
     fathers_.named.clear();
     mothers_.named.clear();
     readNames();
-    behind_ = true;
+    startedAnew_ = true;
 }
 
 bool ParentNames::compiles(const std::string& sql) {
@@ -95,11 +95,10 @@ void ParentNames::settle() {
         write(rows.integer(0), std::string(rows.text(1)), std::string(rows.text(2)));
         RuntimeBackgroundTask();
     }
-    behind_ = false;
 }
 
 void ParentNames::finish() {
-    if (behind_) settle();
+    if (startedAnew_) settle();
 }
 
 }  // namespace linking

@@ -53,8 +53,8 @@ class ParentNames {
     Parents fathers_{"fatherId", "ps", {}};
     Parents mothers_{"motherId", "pd", {}};
     SQLiteStatement writer_;
-    /// Whether rows that the walk has passed may lack a name.
-    bool behind_ = false;
+    /// Whether the maps were emptied on the way; statements that stand since then reach back to rows already passed.
+    bool startedAnew_ = false;
 };
 
 /// The two statements of a parent id as they are worded: the id and the name go into them as they stand. Raises

@@ -106,8 +106,8 @@ const std::vector<std::string> pieces{"a",
                                       "abc",
                                       "bca"};
 const std::vector<std::string> oddPieces{"%", "_", "\0"s, "'", "''", "a_c", "b%b"};
-const std::vector<Cell> oddNames{"', sex='q"s,    "', oldId='2"s, "', fatherId='1"s,      "' || pd || '"s,
-                                 "', name='Bob"s, "', id='77"s,   std::string(1200, 'b'), std::string(60000, 'b')};
+const std::vector<Cell> oddNames{"', sex='q"s,    "', oldId='2"s, "', fatherId='1"s,     "' || pd || '"s,
+                                 "', name='Bob"s, "', id='77"s,   std::string(1200, 'b')};
 
 /// Herds of a few values each, so that they meet.
 class Maker {
@@ -138,6 +138,8 @@ class Maker {
 
     Cell makeName() {
         if (below(8) == 0) return {};
+        // Too long for a pattern.
+        if (odd_ && below(200) == 0) return std::string(50000, 'b');
         if (odd_ && below(6) == 0) return one(oddNames);
         std::string name;
         for (std::size_t count = below(4); count > 0; --count) name += below(10) == 0 ? one(oddPieces) : one(pieces);
@@ -164,13 +166,15 @@ std::string shown(const Herd& herd) {
 
 /// Selects every cell of a table with its type and its bytes, a text for each row.
 std::string cellsOf(SqlFile& file, const std::string& table) {
-    std::string sql = "''";
+    std::string form;
+    std::string values;
     for (const std::string& column : file.rows("PRAGMA table_info(" + table + ")")) {
         const std::size_t begin = column.find('|') + 1;
         const std::string name = column.substr(begin, column.find('|', begin) - begin);
-        sql += " || ' " + name + " ' || typeof(" + name + ") || ' ' || hex(" + name + ")";
+        form += name + " %s %s ";
+        values += ", typeof(" + name + "), hex(" + name + ")";
     }
-    return "SELECT " + sql + " FROM " + table + " ORDER BY id";
+    return "SELECT printf('" + form + "'" + values + ") FROM " + table + " ORDER BY id";
 }
 
 class Passes : public ProgramTest {
@@ -184,7 +188,8 @@ class Passes : public ProgramTest {
         empty.close();
         SqlFile file(path("empty.cax"));
         file.run("INSERT INTO settings(Version) VALUES ('1')");
-        content_ = {cellsOf(file, "tree"), cellsOf(file, "settings")};
+        tree_ = cellsOf(file, "tree");
+        settings_ = cellsOf(file, "settings");
     }
 
     void layOut(const Herd& herd) {
@@ -214,14 +219,13 @@ class Passes : public ProgramTest {
         SqlFile literal(path("literal.cax"));
         literal.run("PRAGMA synchronous = OFF");
         sqlite3* handle = literal.handle();
+        // Fresh readers, which see only what was committed.
+        SqlFile quickFile(path("quick.cax"));
+        SqlFile literalFile(path("literal.cax"));
         const auto compare = [&](const char* pass) {
             SCOPED_TRACE(pass);
-            SqlFile quickFile(path("quick.cax"));
-            SqlFile literalFile(path("literal.cax"));
-            for (const std::string& sql : content_) {
-                EXPECT_EQ(rows(quick, sql), literal.rows(sql));
-                EXPECT_EQ(quickFile.rows(sql), literalFile.rows(sql));
-            }
+            EXPECT_EQ(rows(quick, tree_), literal.rows(tree_));
+            EXPECT_EQ(quickFile.rows(tree_), literalFile.rows(tree_));
             EXPECT_EQ(std::filesystem::exists(path("quick.cax-journal")),
                       std::filesystem::exists(path("literal.cax-journal")));
         };
@@ -237,6 +241,7 @@ class Passes : public ProgramTest {
         appSystem::findSex(quick, "rsd");
         literal::findSex(handle);
         compare("sexes");
+        EXPECT_EQ(quickFile.rows(settings_), literalFile.rows(settings_));
     }
 
     /// Only findSex, which in an import hardly meets an id of the file any more.
@@ -249,7 +254,7 @@ class Passes : public ProgramTest {
         appSystem::findSex(quick, "rsd");
         literal::findSex(literal.handle());
         SqlFile quickFile(path("quick.cax"));
-        EXPECT_EQ(quickFile.rows(content_[0]), literal.rows(content_[0]));
+        EXPECT_EQ(quickFile.rows(tree_), literal.rows(tree_));
         EXPECT_FALSE(std::filesystem::exists(path("quick.cax-journal")));
     }
 
@@ -261,11 +266,12 @@ class Passes : public ProgramTest {
         return found;
     }
 
-    std::vector<std::string> content_;
+    std::string tree_;
+    std::string settings_;
 };
 
 TEST_F(Passes, LeaveWhatTheStatementsWouldInHerdsBuiltToCollide) {
-    for (unsigned seed = 0; seed < 3000 && !HasFailure(); ++seed) {
+    for (unsigned seed = 0; seed < 2000 && !HasFailure(); ++seed) {
         const Herd herd = Maker(seed).make();
         SCOPED_TRACE("herd " + std::to_string(seed) + "\n" + shown(herd));
         layOut(herd);
