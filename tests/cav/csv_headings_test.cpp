@@ -1,5 +1,7 @@
 // CSV to CAV: the heading row, and the custom headings that go to `cavyUser` on connections of their own.
 
+#include "shell/appSystem.h"
+#include "stores/cavstore.h"
 #include "tests/cav/beepcounter.h"
 #include "tests/cav/cavfixture.h"
 
@@ -79,6 +81,16 @@ TEST_F(CsvToCavHeadings, RowOneIsUpdatedAndElseTheRefusedInsertSavesNothing) {
     }
     EXPECT_EQ(boxes(), Lines(5, "Operation completed"));
     EXPECT_EQ(rowStatements(), 5);
+}
+
+TEST_F(CsvToCavHeadings, OnlyTheUpdateSwapsApostrophes) {
+    appSystem::destinationFilePath = "x.cav";
+    headingRows({{"1"}});
+    convertCsvToCav::saveToSettings("fldCustomName4", "judge's");
+    headingRows({});
+    convertCsvToCav::saveToSettings("fldCustomName15", "judge's");
+    EXPECT_EQ(headingStatements(), (Lines{"Update cavyUser SET fldCustomName4 = 'judge`s' WHERE id = 1",
+                                          "INSERT INTOcavyUser(fldCustomName15) VALUES (judge's)"}));
 }
 
 TEST_F(CsvToCavHeadings, FileWithoutTheTableOrItsIdKeepsNoHeadingAndNoWordIsSaid) {
