@@ -6,6 +6,7 @@
 #include <QtCore/QTimer>
 
 #include "platform/control.h"
+#include "platform/failure.h"
 #include "platform/window.h"
 
 namespace {
@@ -33,6 +34,14 @@ std::string describe(const std::exception_ptr& failure) {
     }
 }
 
+/// Tells the failure that nothing took. What else fails while the report is on the screen is not told.
+void report() {
+    const auto failure = std::exchange(state().pending, nullptr);
+    if (!failure || !state().reporter) return;
+    guarded([&] { state().reporter(describe(failure)); });
+    state().pending = nullptr;
+}
+
 void settle() {
     if (state().depth > 0) return;
     state().retired.clear();
@@ -51,13 +60,11 @@ void run(const std::function<void()>& handler) {
         // The first failure is the cause; what follows from it while it waits is not told.
         if (!state().pending) state().pending = std::current_exception();
     }
+    // Before the depth goes down: what lies underneath must live until the report has been read.
+    if (state().depth == 1) report();
     --state().depth;
     Control::applyChanges();
     if (state().depth > 0) return;
-    if (state().pending) {
-        const auto failure = std::exchange(state().pending, nullptr);
-        if (state().reporter) state().reporter(describe(failure));
-    }
     // Not here: the control whose event this is may belong to a closed window.
     QTimer::singleShot(0, settle);
 }

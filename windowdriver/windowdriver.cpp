@@ -116,7 +116,8 @@ bool WindowDriver::isVisible(const std::string& windowName, const std::string& c
 }
 
 void WindowDriver::turn() {
-    if (observer_) observer_();
+    // A copy: the observer may put another in its place.
+    if (const auto observer = observer_) observer();
 }
 
 void WindowDriver::answerBox(QWidget* widget) {
@@ -134,7 +135,7 @@ void WindowDriver::answerBox(QWidget* widget) {
         answers.pop_front();
     }
     boxes.push_back(box);
-    if (boxObserver_) boxObserver_(box);
+    if (const auto observer = boxObserver_) observer(box);
     for (QAbstractButton* button : shown->buttons()) {
         if (caption(button) != box.answer) continue;
         QTest::mouseClick(button, Qt::LeftButton);
@@ -159,6 +160,8 @@ void WindowDriver::answerDialog(QWidget* widget) {
     name->setText(QString::fromStdString(file));
     QTest::keyClick(name, Qt::Key_Return);
 }
+
+void WindowDriver::later(std::function<void()> action) { QTimer::singleShot(0, qApp, std::move(action)); }
 
 void WindowDriver::settle() {
     for (int i = 0; i < 5; ++i) QApplication::processEvents();

@@ -74,6 +74,9 @@ class WindowDriver {
     /// Called at every opportunity while events are handled, also in the middle of a conversion.
     void onEveryTurn(std::function<void()> observer) { observer_ = std::move(observer); }
 
+    /// Runs the action once the event loop is reached, as for a program that has not begun to handle events.
+    void later(std::function<void()> action);
+
     /// Called when a box stands on the screen, before it is answered.
     void onBox(std::function<void(const Box&)> observer) { boxObserver_ = std::move(observer); }
 
