@@ -1,5 +1,7 @@
 #include "converters/convertRsdToCsv.h"
 
+#include <array>
+
 #include "fieldtext/texthelpers.h"
 #include "platform/failure.h"
 #include "platform/messagebox.h"
@@ -27,11 +29,19 @@ std::string headingRow() {
     return row;
 }
 
+/// A table of this program's own layout has no columns of these names, so its custom values stay out.
+std::array<std::string, 15> customFields() {
+    std::array<std::string, 15> names;
+    for (std::size_t i = 0; i < names.size(); ++i) names[i] = "fldCustomField" + std::to_string(i + 1);
+    return names;
+}
+
 /// The parents' names are the only values that no comma or line end rule touches.
 std::string animalRow(RecordSet& records) {
+    static const std::array<std::string, 15> customs = customFields();
     std::string row;
     const auto add = [&](std::string_view value) { row.append(value).append(","); };
-    const auto addField = [&](const char* field) { add(GetFieldString(&records, field)); };
+    const auto addField = [&](std::string_view field) { add(GetFieldString(&records, field)); };
     const auto addParent = [&](const char* idField) {
         add(appSystem::getNameFromId(appSystem::db.get(), GetFieldString(&records, idField)));
     };
@@ -48,9 +58,9 @@ std::string animalRow(RecordSet& records) {
     addField("Prefix");
     addField("Suffix");
     addField("CallName");
-    // A table of this program's own layout has no columns of these names, so its custom values stay out.
-    for (int number = 1; number < 15; ++number) addField(("fldCustomField" + std::to_string(number)).c_str());
-    return row + GetFieldString(&records, "fldCustomField15");
+    for (const std::string& custom : customs) addField(custom);
+    row.pop_back();
+    return row;
 }
 
 void report(int recordIndex, std::int64_t recordCount) {
@@ -74,6 +84,8 @@ void exportTree() {
     frmMain().lblDestination().refresh();
     TextOutputStream file(appSystem::destinationFilePath);
     file.writeLine(headingRow());
+    // While these rows are open, the connection keeps its lock on the file from one parent's look-up to the next.
+    const auto lock = appSystem::db ? appSystem::db->select("SELECT name FROM sqlite_master") : nullptr;
     for (int recordIndex = 0; !records->atEnd(); ++recordIndex) {
         frmWait().ProgressBar1().setMaximum(static_cast<double>(recordCount));
         if (recordIndex % 50 == 0) report(recordIndex, recordCount);

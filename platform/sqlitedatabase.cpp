@@ -1,5 +1,6 @@
 #include "platform/sqlitedatabase.h"
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 
@@ -18,6 +19,15 @@ struct CloseHandle {
     // v2: record sets may still hold statements of this connection.
     void operator()(sqlite3* handle) const noexcept { sqlite3_close_v2(handle); }
 };
+
+/// There is one thread, so the library need not guard its objects, and nobody asks it how much memory it has in use.
+void configureLibrary() {
+    [[maybe_unused]] static const bool once = [] {
+        sqlite3_config(SQLITE_CONFIG_SINGLETHREAD);
+        sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+        return true;
+    }();
+}
 
 constexpr std::string_view blanks = " \t\r\n";
 
@@ -316,9 +326,9 @@ SQLiteDatabase::SQLiteDatabase() = default;
 SQLiteDatabase::~SQLiteDatabase() = default;
 
 bool SQLiteDatabase::open(int flags) {
+    detail::configureLibrary();
     sqlite3* raw = nullptr;
-    // There is one thread, so the library need not guard its objects.
-    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags, nullptr);
     auto opened = std::make_shared<detail::SQLiteConnection>(raw);
     openError_ = result;
     openMessage_ = raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result);
@@ -345,7 +355,7 @@ bool SQLiteDatabase::createDatabaseFile() {
 
 bool SQLiteDatabase::connect() {
     if (connection_ && connection_->isOpen()) return connection_->usable();
-    insert_.reset();
+    forgetStatements();
     connection_.reset();
     const bool plain = detail::isPlain(DatabaseFile.nativePath());
     if (plain && !EncryptionKey.empty()) {
@@ -363,7 +373,11 @@ bool SQLiteDatabase::connect() {
             sqlite3_key(handle, EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
             sqlite3_exec(handle, settings[attempt], nullptr, nullptr, nullptr);
         }
-        if (detail::isReadable(handle)) return true;
+        if (detail::isReadable(handle)) {
+            // Parents are looked up all over the file: 64 MiB hold a large herd.
+            connection_->run("PRAGMA cache_size = -65536");
+            return true;
+        }
         openError_ = sqlite3_errcode(handle);
         openMessage_ = sqlite3_errmsg(handle);
         connection_.reset();
@@ -389,22 +403,34 @@ void SQLiteDatabase::execute(std::string_view sql) {
     }
 }
 
+SQLiteDatabase::Insert& SQLiteDatabase::insertFor(std::string_view table, const DatabaseRecord& record) {
+    constexpr std::size_t mostKept = 8;
+    const auto sameName = [](const std::string& name, const auto& column) { return name == column.first; };
+    for (Insert& insert : inserts_) {
+        if (insert.table == table && std::equal(insert.columns.begin(), insert.columns.end(), record.columns().begin(),
+                                                record.columns().end(), sameName)) {
+            return insert;
+        }
+    }
+    if (inserts_.size() == mostKept) inserts_.clear();
+    std::vector<std::string> names;
+    std::string columns;
+    std::string values;
+    for (const auto& column : record.columns()) {
+        columns += (names.empty() ? "" : ",") + detail::quoted(column.first);
+        values += names.empty() ? "?" : ",?";
+        names.push_back(column.first);
+    }
+    const std::string sql = "INSERT INTO " + detail::quoted(table) + " (" + columns + ") VALUES (" + values + ")";
+    return inserts_.emplace_back(Insert{std::string(table), std::move(names), {connection_, sql}});
+}
+
 void SQLiteDatabase::insertRecord(std::string_view table, const DatabaseRecord& record) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
-    std::string sql = "INSERT INTO " + detail::quoted(table) + " (";
-    std::string values;
-    for (const auto& [name, value] : record.columns()) {
-        sql += (values.empty() ? "" : ",") + detail::quoted(name);
-        values += values.empty() ? "?" : ",?";
-    }
-    sql += ") VALUES (" + values + ")";
-    if (!insert_ || sql != insertSql_) {
-        insert_ = std::make_unique<SQLiteStatement>(connection_, sql);
-        insertSql_ = sql;
-    }
+    SQLiteStatement& statement = insertFor(table, record).statement;
     int parameter = 0;
-    for (const auto& column : record.columns()) insert_->bind(++parameter, column.second);
-    guarded([&] { insert_->run(); });
+    for (const auto& column : record.columns()) statement.bind(++parameter, column.second);
+    guarded([&] { statement.run(); });
 }
 
 void SQLiteDatabase::commit() {
@@ -416,13 +442,27 @@ int SQLiteDatabase::errorCode() const { return connection_ ? connection_->errorC
 std::string SQLiteDatabase::errorMessage() const { return connection_ ? connection_->errorMessage() : openMessage_; }
 
 void SQLiteDatabase::close() {
-    insert_.reset();
+    forgetStatements();
     if (connection_) connection_->close();
 }
 
 SQLiteStatement SQLiteDatabase::prepare(std::string_view sql) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
     return {connection_, sql};
+}
+
+void SQLiteDatabase::forgetStatements() {
+    inserts_.clear();
+    kept_.reset();
+}
+
+SQLiteStatement& SQLiteDatabase::prepareOnce(std::string_view sql) {
+    if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
+    if (!kept_ || sql != keptSql_) {
+        kept_ = std::make_unique<SQLiteStatement>(connection_, sql);
+        keptSql_ = sql;
+    }
+    return *kept_;
 }
 
 int SQLiteDatabase::changeCount() const { return connection_ ? sqlite3_total_changes(connection_->get()) : 0; }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/database.h"
 #include "platform/files.h"
@@ -92,6 +93,10 @@ class SQLiteDatabase : public Database {
     /// Raises DatabaseFailure without a connection, or if the statement does not compile.
     SQLiteStatement prepare(std::string_view sql);
 
+    /// The same for a statement that runs again and again: it is prepared at its first call and kept until another one
+    /// is asked for.
+    SQLiteStatement& prepareOnce(std::string_view sql);
+
     /// Rows inserted, changed and deleted on this connection so far; 0 without one.
     int changeCount() const;
 
@@ -102,12 +107,23 @@ class SQLiteDatabase : public Database {
 
   private:
     bool open(int flags);
+    void forgetStatements();
 
     std::shared_ptr<detail::SQLiteConnection> connection_;
     int openError_ = 0;
     std::string openMessage_;
 
-    /// The last insert's table and column names, and its statement: rows of one table have the same columns.
-    std::string insertSql_;
-    std::unique_ptr<SQLiteStatement> insert_;
+    /// An insert into a table, and the columns that it fills.
+    struct Insert {
+        std::string table;
+        std::vector<std::string> columns;
+        SQLiteStatement statement;
+    };
+    Insert& insertFor(std::string_view table, const DatabaseRecord& record);
+
+    /// Rows of one table have the same columns, but for the few that a row may leave out.
+    std::vector<Insert> inserts_;
+
+    std::string keptSql_;
+    std::unique_ptr<SQLiteStatement> kept_;
 };

@@ -1,5 +1,8 @@
 #include "stores/rsdaccess.h"
 
+#include <charconv>
+#include <optional>
+
 #include "fieldtext/texthelpers.h"
 #include "platform/failure.h"
 #include "platform/messagebox.h"
@@ -16,6 +19,20 @@ constexpr const char* key = "mbtfwqzkhl";
 std::string dateText(const Field& field) {
     const auto date = field.date();
     return date ? std::string(text::trim(text::left(date->sqlFormWithTime(), 10))) : std::string();
+}
+
+/// An id of digits alone, which means the same as a parameter as in the text of a statement. Most ids are.
+std::optional<std::int64_t> plainNumber(std::string_view id) {
+    std::int64_t number = 0;
+    const auto [end, failed] = std::from_chars(id.data(), id.data() + id.size(), number);
+    const bool isNumber = failed == std::errc() && end == id.data() + id.size() && id.front() != '-';
+    return isNumber ? std::optional(number) : std::nullopt;
+}
+
+/// A text without commas and line ends. Most texts have none, and are copied as they are.
+std::string lineText(std::string_view value) {
+    const bool hasComma = value.find(',') != std::string_view::npos;
+    return rcr(hasComma ? text::replaceAll(value, ",", " ") : std::string(value));
 }
 
 }  // namespace
@@ -74,8 +91,7 @@ std::string GetFieldString(RecordSet* recordSet, std::string_view fieldName) {
         if (!field) return;
         const std::string_view value = field->text();
         if (value.empty()) return;
-        result =
-            value.find("0:00") != std::string_view::npos ? dateText(*field) : rcr(text::replaceAll(value, ",", " "));
+        result = value.find("0:00") != std::string_view::npos ? dateText(*field) : lineText(value);
     });
     return result;
 }
@@ -97,6 +113,13 @@ std::string getNameFromId(SQLiteDatabase* db, std::string_view id) {
     std::string result;
     guarded([&] {
         if (db == nullptr) throw NullReference("the database");
+        if (const auto number = plainNumber(id)) {
+            SQLiteStatement& statement = db->prepareOnce("SELECT name FROM tree WHERE id =?1");
+            statement.bind(1, *number);
+            if (statement.step()) result = statement.text(0);
+            statement.reset();
+            return;
+        }
         const auto records = db->select("SELECT name FROM tree WHERE id =" + std::string(id));
         if (!records) return;
         result = records->requiredField("name").text();
