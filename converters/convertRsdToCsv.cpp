@@ -82,6 +82,9 @@ void exportTree() {
     const std::int64_t recordCount = records->recordCount();
     frmMain().lblDestinationFilePath().setText(appSystem::destinationFilePath);
     frmMain().lblDestination().refresh();
+    if (appSystem::isSameFile(appSystem::sourceFilepath, appSystem::destinationFilePath)) {
+        throw FileFailure(appSystem::destinationFilePath + ": leads to the file to convert");
+    }
     TextOutputStream file(appSystem::destinationFilePath);
     file.writeLine(headingRow());
     // While these rows are open, the connection keeps its lock on the file from one parent's look-up to the next.
