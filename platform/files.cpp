@@ -38,7 +38,9 @@ bool FileReference::exists() const {
 
 bool FileReference::remove() const {
     std::error_code failed;
-    return !path_.empty() && std::filesystem::remove(path_, failed) && !failed;
+    // A folder of that name, were it empty, would go without a word.
+    if (path_.empty() || std::filesystem::is_directory(std::filesystem::symlink_status(path_, failed))) return false;
+    return std::filesystem::remove(path_, failed) && !failed;
 }
 
 FileReference FileReference::parent() const {
