@@ -77,13 +77,30 @@ TEST_F(Process, EndsByItselfWhenItsLastWindowCloses) {
 }
 
 TEST_F(Process, TellsAFailureThatNothingStoppedAndEndsWithOne) {
-    const End end = run("missing source");
-    EXPECT_EQ(end.code, 1);
-    EXPECT_EQ(end.said, Texts{report + path("missing.csv") + ": No such file or directory"});
-    EXPECT_EQ(animals("missing.cax"), "0") << "the new file stays as it stands";
+    fs::create_directory(path("folder.csv"));
+    fs::create_symlink(path("nowhere"), path("dangling.csv"));
+    fs::create_symlink("/dev/zero", path("device.csv"));
+    struct Source {
+        std::string name;
+        const char* reason;
+    };
+    for (const Source& source : {Source{"missing", "No such file or directory"},
+                                 {"folder", "a folder or device, not a file"},
+                                 {"dangling", "No such file or directory"},
+                                 {"device", "a folder or device, not a file"}}) {
+        const End end = run("import " + source.name + ".csv");
+        EXPECT_EQ(end.code, 1);
+        EXPECT_EQ(end.said, Texts{report + path(source.name + ".csv") + ": " + source.reason});
+        EXPECT_EQ(animals(source.name + ".cax"), "0") << "the new file stays as it stands";
+    }
+    fs::create_directories(path("Desktop/Converter Errors.txt"));
+    write("bad.csv", "name,sex\nAda\n");
+    const End unreported = run("import bad.csv");
+    EXPECT_EQ(unreported.code, 1);
+    EXPECT_EQ(unreported.said.back(), report + path("Desktop/Converter Errors.txt") + ": Is a directory");
 
     makeCsv(99001);
-    const End full = run("too many lines");
+    const End full = run("import herd.csv");
     EXPECT_EQ(full.code, 1);
     ASSERT_EQ(full.said.size(), 1U);
     EXPECT_TRUE(full.said.front().starts_with(report + "Out of bounds: row 99001")) << full.said.front();
