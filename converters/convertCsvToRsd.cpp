@@ -34,7 +34,9 @@ struct Mapping {
     Treatment treatment;
 };
 
-/// In the order in which a record is filled. The custom fields follow, all through rma.
+constexpr Key customfield(int number) { return static_cast<Key>(columnRecognition::customfield1 + number - 1); }
+
+/// In the order in which a record is filled.
 constexpr Mapping mappings[] = {
     {"name", columnRecognition::name, Treatment::rma},
     {"colour", columnRecognition::colour, Treatment::rma},
@@ -56,6 +58,21 @@ constexpr Mapping mappings[] = {
     {"BoughtFrom", columnRecognition::BoughtFrom, Treatment::rma},
     {"dateBought", columnRecognition::dateBought, Treatment::date},
     {"purchasePrice", columnRecognition::purchasePrice, Treatment::asItStands},
+    {"customfield1", customfield(1), Treatment::rma},
+    {"customfield2", customfield(2), Treatment::rma},
+    {"customfield3", customfield(3), Treatment::rma},
+    {"customfield4", customfield(4), Treatment::rma},
+    {"customfield5", customfield(5), Treatment::rma},
+    {"customfield6", customfield(6), Treatment::rma},
+    {"customfield7", customfield(7), Treatment::rma},
+    {"customfield8", customfield(8), Treatment::rma},
+    {"customfield9", customfield(9), Treatment::rma},
+    {"customfield10", customfield(10), Treatment::rma},
+    {"customfield11", customfield(11), Treatment::rma},
+    {"customfield12", customfield(12), Treatment::rma},
+    {"customfield13", customfield(13), Treatment::rma},
+    {"customfield14", customfield(14), Treatment::rma},
+    {"customfield15", customfield(15), Treatment::rma},
 };
 
 void setColumn(DatabaseRecord& record, const Mapping& mapping, std::string_view cell) {
@@ -83,11 +100,6 @@ DatabaseRecord makeRecord(int row, const ColumnMap& columnMap) {
     DatabaseRecord record;
     for (const Mapping& mapping : mappings) {
         setColumn(record, mapping, appSystem::CSVa.cell(row, columnMap[mapping.key]));
-    }
-    for (int number = 1; number <= 15; ++number) {
-        const auto key = static_cast<Key>(columnRecognition::customfield1 + number - 1);
-        record.setColumn("customfield" + std::to_string(number),
-                         appSystem::rma(appSystem::CSVa.cell(row, columnMap[key])));
     }
     return record;
 }

@@ -30,23 +30,21 @@ std::string findAnimal(Database& db, AnimalSearch* search, const std::string& na
     return found ? *found : findAnimal(db, name);
 }
 
-/// Nothing where the search would not be quick, or the links change what is searched.
-std::unique_ptr<AnimalSearch> makeSearch(Database& db, const std::string& idColumn) {
-    SQLiteDatabase* store = linking::quickStore(db);
-    if (store == nullptr || (idColumn != "fatherId" && idColumn != "motherId")) return nullptr;
-    return std::make_unique<AnimalSearch>(*store);
+/// Whether these are columns whose change leaves the names as they are, and which the table surely has.
+bool linksQuickly(const std::string& tableName, const std::string& nameColumn, const std::string& idColumn) {
+    return tableName == "tree" && (nameColumn == "ps" || nameColumn == "pd") &&
+           (idColumn == "fatherId" || idColumn == "motherId");
 }
 
-void link(Database& db, RecordSet& records, const std::string& tableName, const std::string& nameColumn,
-          const std::string& idColumn) {
-    const auto search = makeSearch(db, idColumn);
+void link(Database& db, AnimalSearch* search, RecordSet& records, const std::string& tableName,
+          const std::string& nameColumn, const std::string& idColumn) {
     const auto total = static_cast<double>(records.recordCount());
     int linkCount = 0;
     while (!records.atEnd()) {
         records.edit();
         const std::string name(records.requiredField(nameColumn).text());
         const bool known = !name.empty() && !text::equals(name, "unknown");
-        const std::string id = known ? findAnimal(db, search.get(), rma(name)) : std::string();
+        const std::string id = known ? findAnimal(db, search, rma(name)) : std::string();
         if (!id.empty()) {
             records.requiredField(idColumn).setText(id);
             records.update();
@@ -68,9 +66,12 @@ void link(Database& db, RecordSet& records, const std::string& tableName, const 
 void convertNameRecordToNewId(Database& db, const std::string& tableName, const std::string& nameColumn,
                               const std::string& idColumn) {
     guarded([&] {
-        const auto records = db.select("Select * From " + tableName + " Where " + nameColumn + " <> ''");
+        SQLiteDatabase* store = linksQuickly(tableName, nameColumn, idColumn) ? linking::quickStore(db) : nullptr;
+        const std::string columns = store != nullptr ? "id," + nameColumn + "," + idColumn : "*";
+        const auto records = db.select("Select " + columns + " From " + tableName + " Where " + nameColumn + " <> ''");
         if (!records || records->recordCount() <= 0) return;
-        link(db, *records, tableName, nameColumn, idColumn);
+        const auto search = store != nullptr ? std::make_unique<AnimalSearch>(*store) : nullptr;
+        link(db, search.get(), *records, tableName, nameColumn, idColumn);
         db.commit();
     });
     frmWait().close();

@@ -20,8 +20,8 @@ class SexFinder {
 
     void walk() {
         for (; !records_.atEnd(); ++index_) {
-            tell("fatherId", "male");
-            tell("motherId", "female");
+            tell("fatherId", linking::male);
+            tell("motherId", linking::female);
             records_.moveNext();
             RuntimeBackgroundTask();
         }
@@ -29,14 +29,15 @@ class SexFinder {
 
   private:
     /// Gives the parent the sex that this row tells of it.
-    void tell(const char* idColumn, const std::string& sex) {
+    void tell(const char* idColumn, std::string_view sex) {
         const std::string id(records_.requiredField(idColumn).text());
         if (id.empty()) return;
         quick_ ? quick_->set(id, sex) : linking::setSexLiterally(db_, id, sex);
         db_.commit();
         linking::showBar(total_);
         // The name is that of the offspring, the row being read.
-        linking::report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + sex, index_, total_);
+        linking::report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + std::string(sex),
+                        index_, total_);
     }
 
     Database& db_;

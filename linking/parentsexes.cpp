@@ -5,8 +5,8 @@
 
 namespace linking {
 
-void setSexLiterally(Database& db, const std::string& id, const std::string& sex) {
-    db.execute("UPDATE tree SET sex = '" + sex + "' WHERE oldId = '" + id + "'");
+void setSexLiterally(Database& db, const std::string& id, std::string_view sex) {
+    db.execute("UPDATE tree SET sex = '" + std::string(sex) + "' WHERE oldId = '" + id + "'");
 }
 
 ParentSexes::ParentSexes(SQLiteDatabase& db) : db_(db), writer_(db.prepare("UPDATE tree SET sex = ?1 WHERE id = ?2")) {
@@ -20,21 +20,24 @@ void ParentSexes::read() {
     animals_.clear();
     auto rows = db_.prepare("SELECT id, oldId, sex FROM tree WHERE oldId IS NOT NULL");
     while (rows.step()) {
-        animals_[IdKeys::ofColumn(rows, 1)].push_back({rows.integer(0), std::string(rows.text(2))});
+        const std::string_view sex = rows.text(2);
+        animals_.emplace(IdKeys::ofColumn(rows, 1), Animal{rows.integer(0), sex == male     ? male
+                                                                            : sex == female ? female
+                                                                                            : ""});
         RuntimeBackgroundTask();
     }
 }
 
-void ParentSexes::set(const std::string& id, const std::string& sex) {
+void ParentSexes::set(const std::string& id, std::string_view sex) {
     if (!isPlain(id)) {
         const int before = db_.changeCount();
         setSexLiterally(db_, id, sex);
         if (db_.changeCount() != before) read();
         return;
     }
-    const auto found = animals_.find(keys_.of(id));
-    if (found == animals_.end()) return;
-    for (Animal& animal : found->second) {
+    const auto [begin, end] = animals_.equal_range(keys_.of(id));
+    for (auto found = begin; found != end; ++found) {
+        Animal& animal = found->second;
         if (animal.sex == sex) continue;
         writer_.bind(1, sex);
         writer_.bind(2, animal.row);

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "linking/idkeys.h"
 #include "platform/sqlitedatabase.h"
@@ -21,24 +21,27 @@ class ParentSexes {
     ParentSexes(const ParentSexes&) = delete;
     ParentSexes& operator=(const ParentSexes&) = delete;
 
-    /// Does what setSexLiterally does.
-    void set(const std::string& id, const std::string& sex);
+    /// Does what setSexLiterally does; the sex is one of the two below.
+    void set(const std::string& id, std::string_view sex);
 
   private:
     struct Animal {
         std::int64_t row;
-        std::string sex;
+        std::string_view sex;  ///< empty for any other than the two
     };
 
     void read();
 
     SQLiteDatabase& db_;
     IdKeys keys_;
-    std::unordered_map<std::string, std::vector<Animal>> animals_;
+    std::unordered_multimap<std::string, Animal> animals_;  ///< by oldId
     SQLiteStatement writer_;
 };
 
 /// The statement as it is worded; the id goes into it as it stands.
-void setSexLiterally(Database& db, const std::string& id, const std::string& sex);
+void setSexLiterally(Database& db, const std::string& id, std::string_view sex);
+
+inline constexpr std::string_view male = "male";
+inline constexpr std::string_view female = "female";
 
 }  // namespace linking

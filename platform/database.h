@@ -113,9 +113,13 @@ class Database {
 /// Named text values for one new row of a table.
 class DatabaseRecord {
   public:
+    DatabaseRecord() { columns_.reserve(usualColumns); }
+
     void setColumn(std::string name, std::string value) { columns_.emplace_back(std::move(name), std::move(value)); }
     const std::vector<std::pair<std::string, std::string>>& columns() const { return columns_; }
 
   private:
+    static constexpr std::size_t usualColumns = 36;
+
     std::vector<std::pair<std::string, std::string>> columns_;
 };

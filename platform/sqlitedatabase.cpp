@@ -42,6 +42,10 @@ bool changesRows(std::string_view sql) {
 
 }  // namespace
 
+/// The library keeps 2 MiB of a file in memory. A conversion goes over the whole file many times, and looks up parents
+/// all over it: 32 MiB hold a large herd.
+constexpr const char* roomForAHerd = "PRAGMA cache_size = -32768";
+
 /// The open file behind a SQLiteDatabase, shared with the record sets and statements that read from it.
 class SQLiteConnection {
   public:
@@ -345,6 +349,7 @@ bool SQLiteDatabase::createDatabaseFile() {
         sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
     }
     connection_->flushAtEnd();
+    connection_->run(detail::roomForAHerd);
     // Writes the file's header, so that the file exists and a folder that cannot be written shows now.
     if (connection_->run("PRAGMA user_version = 0")) return true;
     openError_ = connection_->errorCode();
@@ -374,8 +379,7 @@ bool SQLiteDatabase::connect() {
             sqlite3_exec(handle, settings[attempt], nullptr, nullptr, nullptr);
         }
         if (detail::isReadable(handle)) {
-            // Parents are looked up all over the file: 64 MiB hold a large herd.
-            connection_->run("PRAGMA cache_size = -65536");
+            connection_->run(detail::roomForAHerd);
             return true;
         }
         openError_ = sqlite3_errcode(handle);

@@ -24,6 +24,11 @@ void TextGrid::setCell(int row, int column, std::string_view text) {
     const auto c = static_cast<std::size_t>(column);
     if (r >= rows_.size()) rows_.resize(r + 1);
     auto& [cells, ends] = rows_[r];
+    if (ends.empty() && r > 0) {
+        // Rows are much of a size.
+        cells.reserve(rows_[r - 1].cells.size());
+        ends.reserve(rows_[r - 1].ends.size());
+    }
     if (c >= ends.size()) {
         // The usual case: rows fill from the left.
         ends.resize(c, static_cast<std::uint32_t>(cells.size()));
