@@ -37,6 +37,9 @@ void ProgramTest::SetUp() {
 }
 
 void ProgramTest::TearDown() {
+    // What the test's observers referred to is gone by now.
+    driver.onEveryTurn(nullptr);
+    driver.onBox(nullptr);
     yielding::setPump(yielding::Pump::onTime);
     Window::closeAll();
     driver.settle();
