@@ -157,8 +157,12 @@ Outcome inferSexes(SQLiteDatabase& database) {
     return Outcome::goOn;
 }
 
-/// Whether the new file still has its name: Cancel may have deleted it, and then no second connection can open it.
-bool isThere() { return FileReference(appSystem::destinationFilePath).exists(); }
+/// Before a second connection is made: points connectData at the new file again, for a conversion that was started
+/// inside this one has other paths. False if Cancel deleted the file, so that no second connection can open it.
+bool isThere(const SQLiteDatabase& database) {
+    appSystem::dataPath = database.DatabaseFile.nativePath();
+    return database.DatabaseFile.exists();
+}
 
 }  // namespace
 
@@ -176,8 +180,8 @@ void convertCSV() {
     ColumnMap columnMap;
     csvAudit::Extent extent;
     if (csvAudit::run(extent, [](std::string&) {}) == Outcome::endConversion) return;
-    const columnRecognition::Route route{.saveHeading = [](int number, const std::string& heading) {
-        if (isThere()) saveToSettings("CustomName" + std::to_string(number), heading);
+    const columnRecognition::Route route{.saveHeading = [&](int number, const std::string& heading) {
+        if (isThere(database)) saveToSettings("CustomName" + std::to_string(number), heading);
     }};
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
     if (writeRows(database, columnMap, extent) == Outcome::endConversion) return;
@@ -185,7 +189,7 @@ void convertCSV() {
     appSystem::convertNameRecordToNewId(database, "tree", "ps", "fatherId");
     appSystem::convertNameRecordToNewId(database, "tree", "pd", "motherId");
     if (inferSexes(database) == Outcome::endConversion) return;
-    if (isThere()) {
+    if (isThere(database)) {
         appSystem::connectData();
         appSystem::UpdateVersion();
     }
