@@ -3,6 +3,8 @@
 
 #include "platform/yield.h"
 #include "shell/appSystem.h"
+#include "shell/frmMain.h"
+#include "shell/frmWait.h"
 #include "stores/rsdaccess.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/sqlfile.h"
@@ -139,5 +141,45 @@ constexpr Point points[] = {
     {"Csv", "Rsd", "Found  - animal 40", "Close"},
 };
 INSTANTIATE_TEST_SUITE_P(AtEachPoint, Cancel, testing::ValuesIn(points));
+
+class CancelAlone : public ProgramTest {};
+
+TEST_F(CancelAlone, WithoutAConnectionOrAFileThereIsNothingToClearButItStillAsks) {
+    frmMain().lblDestination().setVisible(true);
+    frmMain().lblDestinationFilePath().setText("earlier");
+    for (const std::string& destination : {std::string(), path("not yet.cax")}) {
+        appSystem::destinationFilePath = destination;
+        frmWait();
+        driver.answers = {"Yes"};
+        driver.click("frmWait", "cmdCancel");
+        EXPECT_EQ(driver.boxes.back().text, deleteQuestion);
+        EXPECT_FALSE(driver.isOpen("frmWait"));
+    }
+    EXPECT_TRUE(driver.isVisible("frmMain", "lblDestination"));
+    EXPECT_EQ(driver.text("frmMain", "lblDestinationFilePath"), "earlier");
+}
+
+TEST_F(CancelAlone, ParentsComeOutEmptyOnceTheExportsConnectionIsClosed) {
+    std::string sql = "CREATE TABLE tree(id integer PRIMARY KEY, name, fatherId);";
+    for (int i = 1; i <= 60; ++i) sql += "INSERT INTO tree(name, fatherId) VALUES ('n', 1);";
+    SqlFile(path("herd.rsd")).run(sql);
+    yielding::setPump(yielding::Pump::everyCall);
+    bool pressed = false;
+    driver.onEveryTurn([&] {
+        if (pressed || !driver.isOpen("frmWait")) return;
+        if (driver.text("frmWait", "lblMessage").find("Record: 50") == std::string::npos) return;
+        pressed = true;
+        driver.click("frmWait", "cmdCancel");
+    });
+    driver.answers = {"No"};
+    convert("Rsd", "Csv", path("herd.rsd"));
+    ASSERT_TRUE(pressed);
+    const std::string with = "n,,,,,,n,,,,,,,,,,,,,,,,,,,,,\n", without = "n,,,,,,,,,,,,,,,,,,,,,,,,,,,\n";
+    std::string rows = read(path("herd( tree ).csv"));
+    rows.erase(0, rows.find('\n') + 1);
+    std::string expected;
+    for (int i = 0; i < 60; ++i) expected += i <= 50 ? with : without;
+    EXPECT_EQ(rows, expected);
+}
 
 }  // namespace

@@ -118,6 +118,15 @@ const std::map<std::string, Scenario>& scenarios() {
              user.convert("Rsd", "Csv", "herd.rsd");
              user.driver.closeWindow("frmMain");
          }},
+        {"an export in the middle of an import",
+         [](User& user) {
+             user.during("animal 20", [&user] {
+                 user.cancel("No");
+                 user.convert("Rsd", "Csv", "herd.rsd");
+             });
+             user.convert("Csv", "Rsd", "herd.csv");
+             user.driver.closeWindow("frmMain");
+         }},
         {"a failure in the middle of an export",
          [](User& user) {
              user.during("Record: 0", [&user] {

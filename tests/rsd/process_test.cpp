@@ -144,6 +144,14 @@ TEST_F(Process, RunsAConversionInsideAnother) {
     EXPECT_EQ(other.said, (Texts{"at Record: 50", question, completed, completed}));
     EXPECT_EQ(animals("herd.cax"), "60");
     EXPECT_EQ(lines("herd( tree ).csv"), 121);
+
+    fs::remove(path("herd.cax"));
+    SqlFile(path("herd.rsd")).run("CREATE TABLE settings(id integer PRIMARY KEY, Version)");
+    const std::string before = read(path("herd.rsd"));
+    const End inner = run("an export in the middle of an import");
+    EXPECT_EQ(inner.said, (Texts{"at animal 20", question, completed, completed}));
+    EXPECT_EQ(read(path("herd.rsd")), before) << "the import stamped the other conversion's source";
+    EXPECT_EQ(SqlFile(path("herd.cax")).value("SELECT Version FROM settings"), "20402");
 }
 
 TEST_F(Process, AFailureInsideAConversionFollowsTheConversionsRule) {
