@@ -25,7 +25,9 @@ void fillNameLiterally(Database& db, const std::string& idColumn, const std::str
 }
 
 ParentNames::ParentNames(SQLiteDatabase& db)
-    : db_(db), writer_(db.prepare("UPDATE tree SET ps = coalesce(?1, ps), pd = coalesce(?2, pd) WHERE id = ?3")) {
+    : db_(db),
+      writer_(db.prepare("UPDATE tree SET ps = coalesce(?1, ps), pd = coalesce(?2, pd) "
+                         "WHERE id = ?3 AND (ps IS NOT coalesce(?1, ps) OR pd IS NOT coalesce(?2, pd))")) {
     readNames();
 }
 
