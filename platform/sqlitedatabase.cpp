@@ -42,8 +42,9 @@ bool changesRows(std::string_view sql) {
 
 }  // namespace
 
-/// The library keeps 2 MiB of a file in memory. A conversion goes over the whole file many times, and looks up parents
-/// all over it: 32 MiB hold a large herd.
+/// The library keeps 2 MiB of a file in memory. An export looks up parents all over the file, and 32 MiB hold a large
+/// herd. A file that is made here keeps to the 2 MiB: its passes go from row to row, and what is written little by
+/// little on the way makes no long wait at the commit.
 constexpr const char* roomForAHerd = "PRAGMA cache_size = -32768";
 
 /// The open file behind a SQLiteDatabase, shared with the record sets and statements that read from it.
@@ -349,7 +350,6 @@ bool SQLiteDatabase::createDatabaseFile() {
         sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
     }
     connection_->flushAtEnd();
-    connection_->run(detail::roomForAHerd);
     // Writes the file's header, so that the file exists and a folder that cannot be written shows now.
     if (connection_->run("PRAGMA user_version = 0")) return true;
     openError_ = connection_->errorCode();
