@@ -4,6 +4,7 @@
 #include <QtWidgets/QMessageBox>
 
 #include "platform/control.h"
+#include "platform/dialogparent.h"
 #include "platform/eventhandler.h"
 #include "platform/text.h"
 
@@ -24,7 +25,7 @@ int run(QMessageBox& box, const std::string& text) {
 }  // namespace
 
 void showMessage(const std::string& text) {
-    QMessageBox box(QApplication::activeWindow());
+    QMessageBox box(dialogParent());
     box.setObjectName("message");
     // For an empty title the toolkit puts the program's file name.
     box.setWindowTitle(" ");
@@ -32,7 +33,7 @@ void showMessage(const std::string& text) {
 }
 
 bool askYesNo(const std::string& title, const std::string& text) {
-    QMessageBox box(QApplication::activeWindow());
+    QMessageBox box(dialogParent());
     box.setObjectName("question");
     box.setWindowTitle(QString::fromStdString(title));
     box.setIcon(QMessageBox::Question);

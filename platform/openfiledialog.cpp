@@ -1,9 +1,9 @@
 #include "platform/openfiledialog.h"
 
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 
 #include "platform/control.h"
+#include "platform/dialogparent.h"
 #include "platform/eventhandler.h"
 #include "platform/filetype.h"
 
@@ -20,7 +20,7 @@ QString filterText(const FileType& type) {
 }  // namespace
 
 std::optional<FileReference> OpenFileDialog::showModal() const {
-    QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(title));
+    QFileDialog dialog(dialogParent(), QString::fromStdString(title));
     dialog.setFileMode(QFileDialog::ExistingFile);
     if (const FileType* type = FileType::named(filter)) dialog.setNameFilter(filterText(*type));
     if (initialFolder.exists()) dialog.setDirectory(QString::fromStdString(initialFolder.nativePath()));

@@ -34,6 +34,7 @@ void ProgramTest::SetUp() {
     forgetState();
     frmSplash();
     driver.click("frmSplash", "cmdStart");
+    driver.settle();
 }
 
 void ProgramTest::TearDown() {
