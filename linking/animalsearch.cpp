@@ -11,7 +11,7 @@ AnimalSearch::AnimalSearch(SQLiteDatabase& db) : db_(db) {
     auto rows = db.prepare("SELECT id, trim(coalesce(prefix, '') || ' ' || coalesce(name, '')) FROM tree");
     while (rows.step()) {
         names_.add(rows.integer(0), rows.text(1));
-        RuntimeBackgroundTask();
+        RuntimeBackgroundTask(yielding::character);
     }
     names_.finish();
 }

@@ -36,7 +36,7 @@ void ParentNames::readNames() {
     auto rows = db_.prepare("SELECT oldId, name FROM tree WHERE oldId IS NOT NULL");
     while (rows.step()) {
         names_.try_emplace(IdKeys::ofColumn(rows, 0), rows.text(1));
-        RuntimeBackgroundTask();
+        RuntimeBackgroundTask(yielding::character);
     }
 }
 
@@ -95,7 +95,7 @@ void ParentNames::settle() {
     auto rows = db_.prepare("SELECT id, fatherId, motherId FROM tree");
     while (rows.step()) {
         write(rows.integer(0), std::string(rows.text(1)), std::string(rows.text(2)));
-        RuntimeBackgroundTask();
+        RuntimeBackgroundTask(yielding::character);
     }
 }
 

@@ -24,7 +24,7 @@ void ParentSexes::read() {
         animals_.emplace(IdKeys::ofColumn(rows, 1), Animal{rows.integer(0), sex == male     ? male
                                                                             : sex == female ? female
                                                                                             : ""});
-        RuntimeBackgroundTask();
+        RuntimeBackgroundTask(yielding::character);
     }
 }
 
