@@ -345,6 +345,11 @@ bool SQLiteDatabase::open(int flags) {
 
 bool SQLiteDatabase::createDatabaseFile() {
     connection_.reset();
+    if (DatabaseFile.exists()) {
+        openError_ = SQLITE_CANTOPEN;
+        openMessage_ = "there is a file of that name already";
+        return false;
+    }
     if (DatabaseFile.nativePath().empty() || !open(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return false;
     if (!EncryptionKey.empty()) {
         sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
@@ -431,10 +436,13 @@ SQLiteDatabase::Insert& SQLiteDatabase::insertFor(std::string_view table, const 
 
 void SQLiteDatabase::insertRecord(std::string_view table, const DatabaseRecord& record) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
-    SQLiteStatement& statement = insertFor(table, record).statement;
-    int parameter = 0;
-    for (const auto& column : record.columns()) statement.bind(++parameter, column.second);
-    guarded([&] { statement.run(); });
+    // A refused row sets the error and no more, also where its table is missing.
+    guarded([&] {
+        SQLiteStatement& statement = insertFor(table, record).statement;
+        int parameter = 0;
+        for (const auto& column : record.columns()) statement.bind(++parameter, column.second);
+        statement.run();
+    });
 }
 
 void SQLiteDatabase::commit() {

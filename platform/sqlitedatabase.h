@@ -72,7 +72,8 @@ class SQLiteDatabase : public Database {
     FileReference DatabaseFile;
     std::string EncryptionKey;
 
-    /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails.
+    /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails or if there is a
+    /// file of that name already.
     bool createDatabaseFile();
 
     /// Opens an existing file; false, with the error set, if there is none or the key does not fit. On an open

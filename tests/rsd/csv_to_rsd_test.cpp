@@ -163,7 +163,7 @@ TEST_F(CsvToRsd, ADestinationThatCannotBeMadeIsTold) {
     write("herd.cax/kept", "x");
     import("name,sex\nAda,f\n", {"Yes"});
     ASSERT_EQ(driver.boxes.size(), 2U);
-    EXPECT_EQ(driver.boxes[1].text, "Database Error: 14\n\nunable to open database file");
+    EXPECT_EQ(driver.boxes[1].text, "Database Error: 14\n\nthere is a file of that name already");
     EXPECT_EQ(read(path("herd.cax/kept")), "x");
     fs::remove_all(path("herd.cax"));
     fs::create_directory(path("herd.cax"));
