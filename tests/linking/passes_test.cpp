@@ -226,7 +226,9 @@ class Passes : public ProgramTest {
             SCOPED_TRACE(pass);
             EXPECT_EQ(rows(quick, tree_), literal.rows(tree_));
             EXPECT_EQ(quickFile.rows(tree_), literalFile.rows(tree_));
-            EXPECT_EQ(std::filesystem::exists(path("quick.cax-journal")),
+            // A transaction is open at most where the statements leave one open too; they open one for a row that
+            // keeps its values as well.
+            EXPECT_LE(std::filesystem::exists(path("quick.cax-journal")),
                       std::filesystem::exists(path("literal.cax-journal")));
         };
         appSystem::convertIdRecordToName(quick, "rsd");
