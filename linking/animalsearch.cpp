@@ -8,6 +8,8 @@
 namespace linking {
 
 AnimalSearch::AnimalSearch(SQLiteDatabase& db) : db_(db) {
+    // The rows have just been counted, which takes a while.
+    RuntimeBackgroundTask();
     auto rows = db.prepare("SELECT id, trim(coalesce(prefix, '') || ' ' || coalesce(name, '')) FROM tree");
     while (rows.step()) {
         names_.add(rows.integer(0), rows.text(1));

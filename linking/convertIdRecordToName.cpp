@@ -37,6 +37,8 @@ void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
         throw;
     }
     db.commit();
+    // Between the commit and letting go of the look-up, which takes a while too.
+    RuntimeBackgroundTask();
 }
 
 /// Names went through rma on their way in; ids go into the statements as they stand.
