@@ -52,9 +52,9 @@ std::string sentenceOfOpen(Fault fault, const std::string& path, int error) {
 
 }  // namespace
 
-File::File(std::string path, Mode mode) : path_(std::move(path)) {
-    const int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK | (mode == Mode::createIfMissing ? O_CREAT : 0);
-    descriptor_ = ::open(path_.c_str(), flags, 0666);
+File::File(std::string path, Mode mode, unsigned permissions) : path_(std::move(path)) {
+    const int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK | (mode == Mode::createIfMissing ? O_CREAT | O_NOFOLLOW : 0);
+    descriptor_ = ::open(path_.c_str(), flags, permissions);
     if (descriptor_ < 0) {
         const int error = errno;
         const Fault fault = faultOfOpen(error);
@@ -79,6 +79,12 @@ std::uint64_t File::size() const {
     struct stat info = {};
     if (::fstat(descriptor_, &info) != 0) fail("looked at");
     return static_cast<std::uint64_t>(info.st_size);
+}
+
+unsigned File::permissions() const {
+    struct stat info = {};
+    if (::fstat(descriptor_, &info) != 0) fail("looked at");
+    return info.st_mode & 0777;
 }
 
 bool File::tryLock() {

@@ -18,7 +18,8 @@ class File {
   public:
     enum class Mode { existing, createIfMissing };
 
-    File(std::string path, Mode mode);
+    /// permissions are those of a file that is made. Such a one is never made, or found, behind a symbolic link.
+    File(std::string path, Mode mode, unsigned permissions = 0666);
     ~File();
     File(const File&) = delete;
     File& operator=(const File&) = delete;
@@ -26,6 +27,8 @@ class File {
     const std::string& path() const { return path_; }
     FileIdentity identity() const;
     std::uint64_t size() const;
+    /// Who may read and write it, as in File().
+    unsigned permissions() const;
 
     /// Takes the lock that keeps other processes out until the file is closed; false if another one holds it.
     /// Both kinds of lock that programs use are taken, since they do not see each other.

@@ -22,11 +22,14 @@ struct OriginalPage {
 ///    has therefore touched nothing, and neither has one after it.
 /// 3. Batches of one transaction follow each other, numbered from 0, with the same salt; the next transaction has
 ///    another salt, so what an earlier one left behind is never taken for its own.
-/// 4. A transaction ends when the signature of batch 0 is overwritten with zeroes. Before that the file belongs to
+/// 4. A batch names its file by the file's first page, which is never changed, and by its length. A journal that
+///    lies beside another file, or beside an earlier copy of its own, is refused and changes nothing.
+/// 5. A transaction ends when the signature of batch 0 is overwritten with zeroes. Before that the file belongs to
 ///    the state before the transaction, after it to the one after it.
 class Journal {
   public:
-    explicit Journal(std::string path);
+    /// For file, which must outlive this; made with the first batch, and as private as the file is.
+    Journal(std::string path, const File& file);
     /// Removes the journal's file if the transaction in it has ended.
     ~Journal();
     Journal(const Journal&) = delete;
@@ -42,6 +45,7 @@ class Journal {
     bool active() const { return batches_ > 0; }
 
     /// Brings file back to its last committed state if a journal lies at path, and removes the journal.
+    /// Throws Error: corrupt for a journal that can't be this file's, io, noPermission.
     static void playBack(const std::string& path, File& file);
 
   private:
@@ -49,6 +53,8 @@ class Journal {
                      std::vector<std::uint64_t>& places);
 
     std::string path_;
+    const File& owner_;
+    std::uint32_t mark_;          // of the owner
     std::unique_ptr<File> file_;  // made with the first batch
     std::uint64_t salt_;
     std::uint32_t batches_ = 0;

@@ -18,7 +18,7 @@ std::uint32_t pagesOf(const File& file) {
 }  // namespace
 
 Pager::Pager(File& file, const std::string& journalPath, std::size_t capacity)
-    : file_(file), journal_(journalPath), capacity_(capacity), pageCount_(pagesOf(file)) {
+    : file_(file), journal_(journalPath, file), capacity_(capacity), pageCount_(pagesOf(file)) {
     committedCount_ = fileCount_ = pageCount_;
     current_.resize(pageCount_);
 }

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "accessdriver/jet/file.h"
+#include "accessdriver/jet/journal.h"
 #include "accessdriver/jet/shared_file.h"
 #include "accessdriver/jet/tests/fixture.h"
 
@@ -150,6 +151,51 @@ TEST_F(CrashTest, restoringMayBeInterrupted) {
         if (last == 1) restored = readWhole(path);
         EXPECT_TRUE(readWhole(path) == restored) << last;
     }
+}
+
+// After a crash the file was replaced, or the journal lies: playing it back would destroy a sound file.
+TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {
+    const std::string journalPath = path + "-jetjournal", otherPath = folder.file("other.mdb");
+    makeFile(otherPath, {"secret", {everyType()}});
+    const std::string file = readWhole(path);
+    const auto pages = static_cast<std::uint32_t>(file.size() / pageSize);
+    const std::vector<std::uint8_t> bytes(pageSize, 0xEE);
+    const struct {
+        const char* what;
+        std::string owner;
+        std::uint32_t length;
+        std::uint32_t page;
+    } cases[] = {{"of another file", otherPath, pages, 2},
+                 {"of a longer copy", path, pages + 1, 2},
+                 {"of a file without pages", path, 0, 0},
+                 {"with a page beyond the end", path, pages, pages},
+                 {"with a page far beyond the end", path, pages, 0xFFFFFFFF}};
+    for (const auto& lie : cases) {
+        {
+            const File owner(lie.owner, File::Mode::existing);
+            Journal(journalPath, owner).append(lie.length, {{lie.page, ConstPageBytes(bytes.data(), pageSize)}});
+        }
+        const Refusal refusal = refusalOfOpen(path);
+        EXPECT_EQ(refusal.fault, Fault::corrupt) << lie.what;
+        EXPECT_NE(refusal.text.find(journalPath), std::string::npos) << refusal.text;
+        EXPECT_TRUE(readWhole(path) == file) << lie.what;
+        ASSERT_TRUE(std::filesystem::remove(journalPath)) << lie.what;
+        EXPECT_EQ(findings(*Database::open(path, "")), "") << lie.what;
+    }
+}
+
+TEST_F(CrashTest, aJournalIsAsPrivateAsItsFileAndFollowsNoLink) {
+    std::filesystem::permissions(path, std::filesystem::perms(0600));
+    const std::string journalPath = path + "-jetjournal", victim = folder.file("victim.txt");
+    const auto database = Database::open(path, "");
+    insert(*database, "everything", everyTypeRow(1));
+    writeWhole(victim, "precious");
+    std::filesystem::create_symlink(victim, journalPath);
+    EXPECT_EQ(refusalOf([&] { database->commit(); }).fault, Fault::io);
+    EXPECT_EQ(readWhole(victim), "precious");
+    std::filesystem::remove(journalPath);
+    database->commit();
+    EXPECT_EQ(std::filesystem::status(journalPath).permissions(), std::filesystem::perms(0600));
 }
 
 TEST_F(CrashTest, aJournalThatWasCutShortHasTouchedNothing) {
