@@ -107,8 +107,10 @@ void encodeRow(const TableDefinition& table, const std::vector<Field>& fields, s
         }
         putU16(row, row.size() - offsetSize, table.rowVariables);
     }
-    const std::size_t maskAt = row.size();
-    row.resize(maskAt + maskSize(table.rowColumns));
+    // The mask is found from the end, so what a short row lacks comes before it.
+    const std::size_t mask = maskSize(table.rowColumns);
+    const std::size_t maskAt = std::max(row.size() + mask, rowPointerSize) - mask;
+    row.resize(maskAt + mask);
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const std::uint16_t number = table.columns[i].number;
         if (fields[i].present) row[maskAt + number / 8] |= static_cast<std::uint8_t>(1 << (number % 8));

@@ -21,7 +21,8 @@ inline constexpr std::size_t maxRowSize = 4060;
 /// place names the row in messages. Throws Error(corrupt).
 void decodeRow(const TableDefinition& table, ByteSpan row, RowId place, std::vector<Field>& fields);
 
-/// Builds a row of the table's full column count from one field for each column.
+/// Builds a row of the table's full column count from one field for each column. It is never shorter than the pointer
+/// that may have to stand in its place one day.
 void encodeRow(const TableDefinition& table, const std::vector<Field>& fields, std::vector<std::uint8_t>& row);
 
 }  // namespace jet

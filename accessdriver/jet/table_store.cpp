@@ -282,9 +282,8 @@ void TableStore::update(RowId row, std::span<const Assignment> values) {
 // Gives a row new bytes without a change of its identity: in its place, grown or shrunk there, or moved away.
 void TableStore::replaceBody(RowId row, ByteSpan bytes) {
     const RowId body = bodyOf(row);
-    // A row never gets too short for the pointer that it may have to hold one day.
     PageRef page = pages_.write(body.page);
-    if (dataPage::resize(page, body.slot, std::max(bytes.size(), rowPointerSize))) {
+    if (dataPage::resize(page, body.slot, bytes.size())) {
         const dataPage::Slot slot = dataPage::slot(page, body.slot);
         std::copy(bytes.begin(), bytes.end(), page.writable().begin() + static_cast<std::ptrdiff_t>(slot.start));
         return;
@@ -295,7 +294,9 @@ void TableStore::replaceBody(RowId row, ByteSpan bytes) {
         dataPage::setFlags(page, body.slot, dataPage::deletedFlags);
     }
     PageRef original = pages_.write(row.page);
-    dataPage::resize(original, row.slot, rowPointerSize);
+    if (!dataPage::resize(original, row.slot, rowPointerSize)) {
+        failCorrupt(rowName(row) + " of the table " + table_.name + " has no room for the pointer to its new place");
+    }
     const dataPage::Slot slot = dataPage::slot(original, row.slot);
     putRowPointer(original.writable(), slot.start, {target.slot, target.page});
     dataPage::setFlags(original, row.slot, dataPage::pointerFlag);

@@ -61,6 +61,7 @@ std::span<std::uint8_t> bitmapOf(PageRef& page) { return page.writable().subspan
 bool addInline(PageRef& ref, const dataPage::Slot& row, std::uint32_t page) {
     const std::span<std::uint8_t> bits = inlineBits(ref, row);
     const std::uint64_t capacity = bits.size() * 8;
+    if (capacity == 0) return false;
     const std::uint32_t start = getU32(ref.bytes(), row.start + startAt);
     if (page >= start && page - start < capacity) {
         bitmap::set(bits, page - start);

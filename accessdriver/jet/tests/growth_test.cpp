@@ -1,5 +1,6 @@
 // Files grow past the sizes at which usage maps change their form.
 
+#include "accessdriver/jet/connection.h"
 #include "accessdriver/jet/data_page.h"
 #include "accessdriver/jet/tests/fixture.h"
 #include "accessdriver/jet/usage_map_row.h"
@@ -57,6 +58,26 @@ TEST_F(GrowthTest, past2And16MiB) {
     if (count) {
         EXPECT_EQ(*count, std::to_string(rows_) + "\n");
     }
+}
+
+// The map is the last row of bytes on its page, so that a bit set beyond it would lie outside of the page.
+TEST_F(GrowthTest, aMapWithRoomForNoPageAtAll) {
+    RowPointer owned;
+    {
+        const auto database = Database::open(path, "");
+        owned = dynamic_cast<Connection&>(*database).store(database->table("t")).definition().owned;
+    }
+    ASSERT_EQ(owned.row, 0);
+    std::string file = readWhole(path);
+    const std::span bytes(reinterpret_cast<std::uint8_t*>(file.data()) + owned.page * pageSize, pageSize);
+    const std::size_t start = pageSize - usageMapRow::inlineBitsAt;
+    putU16(bytes, dataPage::slotsAt, start);
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(start), bytes.end(), std::uint8_t{0});
+    writeWhole(path, file);
+    const auto database = Database::open(path, "");
+    for (int n = 0; n < 100; ++n) insert(*database, "t", {Value{}, longText(200, n), Value{}});
+    EXPECT_EQ(rowsOf(*database, "t").size(), 100U);
+    EXPECT_EQ(findings(*database), "");
 }
 
 // A hole in the file stands for what was in it, so that the end of the format is reached at once.

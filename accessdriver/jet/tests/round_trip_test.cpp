@@ -207,6 +207,25 @@ TEST_F(RoundTrip, updatesThatOutgrowTheirPageMoveAndComeBack) {
     EXPECT_EQ(database->fetch(info, {0xFFFFFF, 255}), nullptr);
 }
 
+// Such a row is shorter than the pointer that takes the place of a row that moves.
+TEST_F(RoundTrip, rowsOfNothingButYesAndNo) {
+    const std::string path = folder.file("flags.mdb");
+    const auto flag = [](const char* name) { return ColumnSpec{name, ColumnType::boolean, 0, false, true}; };
+    makeFile(path, {"", {{"flags", {flag("a"), flag("b"), flag("c")}, {}}}});
+    const auto database = Database::open(path, "");
+    std::vector<Row> expected;
+    for (int i = 0; i < 700; ++i) {
+        expected.push_back({i % 2 == 0, i % 3 == 0, false});
+        const RowId row = insert(*database, "flags", expected.back());
+        const Assignment change[] = {{2, true}};
+        if (i % 5 != 0) continue;
+        database->update(database->table("flags"), row, change);
+        expected.back()[2] = true;
+    }
+    EXPECT_EQ(rowsOf(*database, "flags"), expected);
+    EXPECT_EQ(findings(*database), "");
+}
+
 TEST_F(RoundTrip, theFilledSampleReadsAsItsList) {
     const std::string path = copyOfShared(folder, "filled.cav");
     if (path.empty()) GTEST_SKIP() << "the sample CAV files are not on this machine";
