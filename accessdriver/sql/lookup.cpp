@@ -25,6 +25,14 @@ std::vector<jet::RowId> Lookup::find(const Key& key) const {
     return rows;
 }
 
+std::size_t Lookup::count(const Key& key, std::size_t limit) const {
+    if (heads_.empty()) return 0;
+    std::size_t count = 0;
+    const std::uint32_t head = heads_[hashOf(key) & (heads_.size() - 1)];
+    for (std::uint32_t at = head; at != none && count < limit; at = entries_[at].next) ++count;
+    return count;
+}
+
 void Lookup::grow() {
     constexpr std::size_t smallest = 64;
     heads_.assign(std::max(smallest, heads_.size() * 2), none);
@@ -38,6 +46,11 @@ void Lookup::grow() {
 std::vector<jet::RowId> Lookups::candidates(const jet::TableInfo& table, std::size_t column, const Key& key) {
     dropIfForeign();
     return over(table, column).find(key);
+}
+
+std::size_t Lookups::count(const jet::TableInfo& table, std::size_t column, const Key& key, std::size_t limit) {
+    dropIfForeign();
+    return over(table, column).count(key, limit);
 }
 
 Lookup& Lookups::over(const jet::TableInfo& table, std::size_t column) {

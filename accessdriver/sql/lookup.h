@@ -21,6 +21,9 @@ class Lookup {
     /// Rows that may hold the key, each once, in storage order.
     std::vector<jet::RowId> find(const Key& key) const;
 
+    /// How many entries find() would go through, counted no further than limit.
+    std::size_t count(const Key& key, std::size_t limit) const;
+
     /// Notes that a row got another key, which leaves an entry behind that proposes it in vain.
     void noteOutdated() { ++outdated_; }
 
@@ -54,6 +57,9 @@ class Lookups {
 
     /// Rows whose column may hold the key, in storage order. The first call for a column scans the table.
     std::vector<jet::RowId> candidates(const jet::TableInfo& table, std::size_t column, const Key& key);
+
+    /// How many rows candidates() would give, about, and counted no further than limit.
+    std::size_t count(const jet::TableInfo& table, std::size_t column, const Key& key, std::size_t limit);
 
     void noteInsert(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values);
     void noteUpdate(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values);

@@ -57,6 +57,18 @@ std::int64_t Session::insert(const Plan& plan, std::span<const Literal> paramete
     return 1;
 }
 
+// The condition that the fewest rows may meet. Columns behind one that is rare enough are not looked at, so that no
+// lookup is built over them.
+const Session::Condition& Session::rarest(const jet::TableInfo& table, const std::vector<Condition>& conditions) {
+    if (conditions.size() == 1) return conditions.front();
+    constexpr std::size_t few = 16;
+    for (std::size_t limit = few;; limit *= 4) {
+        for (const Condition& condition : conditions) {
+            if (lookups_.count(table, condition.column, condition.key, limit) < limit) return condition;
+        }
+    }
+}
+
 // Calls visit with a cursor on each row that meets the plan's conditions.
 template <class Visit>
 void Session::eachMatch(const Plan& plan, std::span<const Literal> parameters, const Visit& visit) {
@@ -76,7 +88,8 @@ void Session::eachMatch(const Plan& plan, std::span<const Literal> parameters, c
             return matches(condition.key, keyOf(cursor.value(condition.column), table.columns[condition.column]));
         });
     };
-    for (const jet::RowId row : lookups_.candidates(table, conditions.front().column, conditions.front().key)) {
+    const Condition& asked = rarest(table, conditions);
+    for (const jet::RowId row : lookups_.candidates(table, asked.column, asked.key)) {
         const auto cursor = database_->fetch(table, row);
         if (cursor && holds(*cursor)) visit(*cursor);
     }

@@ -57,6 +57,7 @@ class Session {
     std::vector<jet::Assignment> assignments(const Plan& plan, std::span<const Literal> parameters) const;
     template <class Visit>
     void eachMatch(const Plan& plan, std::span<const Literal> parameters, const Visit& visit);
+    const Condition& rarest(const jet::TableInfo& table, const std::vector<Condition>& conditions);
     void settle();
 
     std::unique_ptr<jet::Database> database_;

@@ -152,6 +152,21 @@ TEST_F(SessionTest, UpdatesByKeyDoNotScanTheTableEachTime) {
     EXPECT_LT(fake_->fetches - before, 100);
 }
 
+// Whichever condition comes first, the one that few rows meet is the one that finds them.
+TEST_F(SessionTest, ACommonConditionBeforeARareOneDoesNotFetchAllThatMeetIt) {
+    constexpr int animals = 2000;
+    session_->setAutocommit(false);
+    for (int i = 0; i < animals; ++i) {
+        changed("INSERT INTO animals (name,oldId) VALUES ('a','R" + std::to_string(i) + "')");
+    }
+    for (int i = 0; i < animals; ++i) {
+        ASSERT_EQ(changed("UPDATE animals SET litter=2 WHERE name='a' AND oldId='R" + std::to_string(i) + "'"), 1);
+    }
+    EXPECT_EQ(fake_->scans, 2) << "a lookup over each of the two columns";
+    EXPECT_LT(fake_->fetches, animals + 100);
+    EXPECT_EQ(rows("SELECT COUNT(*) FROM animals WHERE name='a' AND litter=2"), Texts{"2000"});
+}
+
 TEST_F(SessionTest, AnUpdateThatChangesNothingIsNotWritten) {
     changed("INSERT INTO animals (name,oldId) VALUES ('a','1')");
     EXPECT_EQ(changed("UPDATE animals SET name='A' WHERE oldId='1'"), 1) << "another case is another value";
