@@ -56,6 +56,7 @@ Literal readNarrow(const Source& source, Texts& texts) {
 
 // The units are copied first: a wide buffer need not lie at an even address.
 Literal readWide(const Source& source, Texts& texts) {
+    if (source.length < 0 && source.length != SQL_NTS) throw sql::Error("HY090", "The length of a text is negative.");
     std::u16string units;
     for (SQLLEN at = 0; source.length == SQL_NTS || at + 1 < source.length; at += 2) {
         const auto unit = Source{source.data + at, 0}.as<char16_t>();

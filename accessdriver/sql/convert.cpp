@@ -112,7 +112,9 @@ Value fitDate(const Literal& literal, const ColumnInfo& column, DateOrder order)
         case Kind::date:
             return literal.date;
         case Kind::number: {
-            const jet::DateTime date{readNumber(literal.text).value_or(0)};
+            const auto days = readNumber(literal.text);
+            if (!days) refuseRange(literal, column);
+            const jet::DateTime date{*days};
             toMoment(date);  // refuses what lies outside the calendar
             return date;
         }

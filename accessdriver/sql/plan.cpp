@@ -13,6 +13,10 @@ const jet::TableInfo& findTable(jet::Database& database, std::string_view name) 
     return database.table(name);
 } catch (const jet::Error& error) {
     if (error.fault() != jet::Fault::noSuchTable) throw;
+    // The file's own search knows the letter cases of western alphabets only.
+    for (const std::string& known : database.tableNames()) {
+        if (sameName(known, name)) return database.table(known);
+    }
     throw Error("42S02", "There is no table '" + std::string(name) + "'.");
 }
 

@@ -139,6 +139,8 @@ TEST(Conversion, IntoNumberColumns) {
         {text("--1"), ColumnType::longInteger, "22018"},
         {text("+-1"), ColumnType::longInteger, "22018"},
         {text("1e400"), ColumnType::doubleFloat, "22018"},
+        {number("1e400"), ColumnType::dateTime, "22003"},
+        {number("nan"), ColumnType::dateTime, "22003"},
         {text("1321.9"), ColumnType::doubleFloat, "1321.9"},
         {text("1e3"), ColumnType::doubleFloat, "1000"},
         {text("0.1"), ColumnType::single, "0.1"},
