@@ -24,7 +24,7 @@ void walk(Database& db, std::string_view databaseKind, RecordSet& records, Fill 
 
 void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
     linking::ParentNames names(db);
-    const auto records = db.select("Select id,oldId,fatherId,motherId From tree");
+    const auto records = db.select("Select id,fatherId,motherId From tree");
     if (!records) return;
     try {
         walk(db, databaseKind, *records, [&](const std::string& fatherId, const std::string& motherId) {

@@ -22,12 +22,7 @@ std::size_t hashOf(std::string_view name) {
 
 std::string_view Field::text() const { return records_->columnText(column_); }
 
-std::int64_t Field::integer() const {
-    const std::string_view value = text();
-    std::int64_t number = 0;
-    std::from_chars(value.data(), value.data() + value.size(), number);
-    return number;
-}
+std::int64_t Field::integer() const { return records_->columnInteger(column_); }
 
 std::optional<Date> Field::date() const {
     const auto date = dates::parseSql(text());
@@ -60,6 +55,13 @@ void RecordSet::setColumns(const std::vector<std::string>& names) {
         while (slots_[at].column >= 0 && !text::equals(slots_[at].name, names[column])) at = (at + 1) & (size - 1);
         if (slots_[at].column < 0) slots_[at] = Slot{names[column], static_cast<int>(column)};
     }
+}
+
+std::int64_t RecordSet::columnInteger(int column) {
+    const std::string_view value = columnText(column);
+    std::int64_t number = 0;
+    std::from_chars(value.data(), value.data() + value.size(), number);
+    return number;
 }
 
 void RecordSet::edit() { throw DatabaseFailure("The rows of this result cannot be changed."); }

@@ -69,6 +69,8 @@ class RecordSet {
     void setColumns(const std::vector<std::string>& names);
 
     virtual std::string_view columnText(int column) = 0;
+    /// A store that holds numbers need not go by way of the text.
+    virtual std::int64_t columnInteger(int column);
     virtual void setColumnText(int column, std::string_view value);
 
   private:

@@ -219,6 +219,11 @@ class SQLiteRecordSet : public RecordSet {
         return atEnd() ? std::string_view{} : columnOf(statement_.get(), column);
     }
 
+    std::int64_t columnInteger(int column) override {
+        const bool isInteger = !atEnd() && sqlite3_column_type(statement_.get(), column) == SQLITE_INTEGER;
+        return isInteger ? sqlite3_column_int64(statement_.get(), column) : RecordSet::columnInteger(column);
+    }
+
     void setColumnText(int column, std::string_view value) override { changes_.emplace_back(column, value); }
 
   private:
