@@ -39,7 +39,7 @@ struct MakeOptions {
     std::vector<TableSpec> tables;
 };
 
-/// Writes a new file, in place of one that may be there. Throws Error: badValue for a specification that makes no
+/// Writes a new file, in place of one that may be there. Throws Error: badValue for a description that makes no
 /// sense, io, noPermission.
 void makeFile(const std::string& path, const MakeOptions& options);
 
