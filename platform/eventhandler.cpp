@@ -69,8 +69,6 @@ void run(const std::function<void()>& handler) {
     QTimer::singleShot(0, settle);
 }
 
-bool isHandling() { return state().depth > 0; }
-
 void rethrowPending() {
     if (state().pending) std::rethrow_exception(std::exchange(state().pending, nullptr));
 }

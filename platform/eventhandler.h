@@ -15,9 +15,6 @@ namespace events {
 /// Runs a handler of a control, menu or window.
 void run(const std::function<void()>& handler);
 
-/// Whether a handler is on the stack.
-bool isHandling();
-
 /// Throws a failure that a nested handler left behind, if there is one.
 void rethrowPending();
 
