@@ -1,5 +1,6 @@
 #include "linking/parentnames.h"
 
+#include "linking/quickstore.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
 
@@ -33,6 +34,7 @@ ParentNames::ParentNames(SQLiteDatabase& db)
 
 void ParentNames::readNames() {
     names_.clear();
+    names_.reserve(rowCount(db_));
     auto rows = db_.prepare("SELECT oldId, name FROM tree WHERE oldId IS NOT NULL");
     while (rows.step()) {
         names_.try_emplace(IdKeys::ofColumn(rows, 0), rows.text(1));

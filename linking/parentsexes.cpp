@@ -1,5 +1,6 @@
 #include "linking/parentsexes.h"
 
+#include "linking/quickstore.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
 
@@ -18,12 +19,13 @@ ParentSexes::~ParentSexes() { db_.setManyCommits(false); }
 
 void ParentSexes::read() {
     animals_.clear();
+    animals_.reserve(rowCount(db_));
     auto rows = db_.prepare("SELECT id, oldId, sex FROM tree WHERE oldId IS NOT NULL");
     while (rows.step()) {
         const std::string_view sex = rows.text(2);
-        animals_.emplace(IdKeys::ofColumn(rows, 1), Animal{rows.integer(0), sex == male     ? male
-                                                                            : sex == female ? female
-                                                                                            : ""});
+        const Animal animal{rows.integer(0), sex == male ? male : sex == female ? female : ""};
+        const auto [place, isFirst] = animals_.try_emplace(IdKeys::ofColumn(rows, 1), Animals{animal, {}});
+        if (!isFirst) place->second.others.push_back(animal);
         RuntimeBackgroundTask(yielding::character);
     }
 }
@@ -35,16 +37,19 @@ void ParentSexes::set(const std::string& id, std::string_view sex) {
         if (db_.changeCount() != before) read();
         return;
     }
-    const auto [begin, end] = animals_.equal_range(keys_.of(id));
-    for (auto found = begin; found != end; ++found) {
-        Animal& animal = found->second;
-        if (animal.sex == sex) continue;
-        writer_.bind(1, sex);
-        writer_.bind(2, animal.row);
-        // A refused statement is not noticed.
-        guarded([&] { writer_.run(); });
-        animal.sex = sex;
-    }
+    const auto found = animals_.find(keys_.of(id));
+    if (found == animals_.end()) return;
+    set(found->second.first, sex);
+    for (Animal& animal : found->second.others) set(animal, sex);
+}
+
+void ParentSexes::set(Animal& animal, std::string_view sex) {
+    if (animal.sex == sex) return;
+    writer_.bind(1, sex);
+    writer_.bind(2, animal.row);
+    // A refused statement is not noticed.
+    guarded([&] { writer_.run(); });
+    animal.sex = sex;
 }
 
 }  // namespace linking

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "linking/idkeys.h"
 #include "platform/sqlitedatabase.h"
@@ -30,11 +31,18 @@ class ParentSexes {
         std::string_view sex;  ///< empty for any other than the two
     };
 
+    /// All rows of one oldId; hardly ever more than one.
+    struct Animals {
+        Animal first;
+        std::vector<Animal> others;
+    };
+
     void read();
+    void set(Animal& animal, std::string_view sex);
 
     SQLiteDatabase& db_;
     IdKeys keys_;
-    std::unordered_multimap<std::string, Animal> animals_;  ///< by oldId
+    std::unordered_map<std::string, Animals> animals_;  ///< by oldId
     SQLiteStatement writer_;
 };
 
