@@ -49,9 +49,9 @@ TEST_F(EntryPoint, HandlesThatAreNotAliveAreInvalid) {
         EXPECT_EQ(release(SQL_HANDLE_STMT, wrong), SQL_INVALID_HANDLE);
         EXPECT_EQ(record(SQL_HANDLE_STMT, wrong, 1, nullptr, nullptr, nullptr, 0, nullptr), SQL_INVALID_HANDLE);
     }
-    EXPECT_EQ(allocate(SQL_HANDLE_STMT, environment, &statement), SQL_INVALID_HANDLE);
-    EXPECT_EQ(allocate(SQL_HANDLE_DBC, nullptr, &statement), SQL_INVALID_HANDLE);
-    ASSERT_EQ(allocate(SQL_HANDLE_STMT, connection, &statement), SQL_SUCCESS);
+    SQLHANDLE none = nullptr;
+    EXPECT_EQ(allocate(SQL_HANDLE_STMT, environment, &none), SQL_INVALID_HANDLE);
+    EXPECT_EQ(allocate(SQL_HANDLE_DBC, nullptr, &none), SQL_INVALID_HANDLE);
 
     // In the wrong order, too: a statement outlives nothing that it needs.
     EXPECT_EQ(disconnect(connection), SQL_ERROR);
