@@ -1,4 +1,5 @@
-#include <memory>
+#include <optional>
+#include <string>
 
 #include "fieldtext/texthelpers.h"
 #include "linking/animalsearch.h"
@@ -7,14 +8,13 @@
 #include "linking/quickstore.h"
 #include "platform/database.h"
 #include "platform/failure.h"
+#include "platform/sqlitedatabase.h"
 #include "platform/text.h"
 #include "platform/yield.h"
 #include "shell/frmWait.h"
 
 namespace appSystem {
 namespace {
-
-using linking::AnimalSearch;
 
 /// The id of the oldest animal whose full name contains the text; empty if there is none.
 std::string findAnimal(Database& db, const std::string& name) {
@@ -24,9 +24,15 @@ std::string findAnimal(Database& db, const std::string& name) {
     return std::string(found->requiredField("id").text());
 }
 
+/// What the quick way goes by.
+struct QuickWay {
+    linking::AnimalSearch search;
+    SQLiteRowUpdates ids;
+};
+
 /// The same by way of the search, where there is one that can tell.
-std::string findAnimal(Database& db, AnimalSearch* search, const std::string& name) {
-    const auto found = search != nullptr ? search->find(name) : std::nullopt;
+std::string findAnimal(Database& db, QuickWay* quick, const std::string& name) {
+    const auto found = quick != nullptr ? quick->search.find(name) : std::nullopt;
     return found ? *found : findAnimal(db, name);
 }
 
@@ -36,7 +42,7 @@ bool linksQuickly(const std::string& tableName, const std::string& nameColumn, c
            (idColumn == "fatherId" || idColumn == "motherId");
 }
 
-void link(Database& db, AnimalSearch* search, RecordSet& records, const std::string& tableName,
+void link(Database& db, QuickWay* quick, RecordSet& records, const std::string& tableName,
           const std::string& nameColumn, const std::string& idColumn) {
     const auto total = static_cast<double>(records.recordCount());
     int linkCount = 0;
@@ -44,10 +50,14 @@ void link(Database& db, AnimalSearch* search, RecordSet& records, const std::str
         records.edit();
         const std::string name(records.requiredField(nameColumn).text());
         const bool known = !name.empty() && !text::equals(name, "unknown");
-        const std::string id = known ? findAnimal(db, search, rma(name)) : std::string();
+        const std::string id = known ? findAnimal(db, quick, rma(name)) : std::string();
         if (!id.empty()) {
-            records.requiredField(idColumn).setText(id);
-            records.update();
+            if (quick != nullptr) {
+                quick->ids.set(records.requiredField("id").integer(), 0, id);
+            } else {
+                records.requiredField(idColumn).setText(id);
+                records.update();
+            }
             ++linkCount;
             linking::showBar(total);
             if (linkCount % 20 == 0) {
@@ -61,6 +71,18 @@ void link(Database& db, AnimalSearch* search, RecordSet& records, const std::str
     }
 }
 
+void linkQuickly(SQLiteDatabase& db, RecordSet& records, const std::string& nameColumn, const std::string& idColumn) {
+    QuickWay quick{linking::AnimalSearch(db), db.updateRows("tree", {idColumn})};
+    try {
+        link(db, &quick, records, "tree", nameColumn, idColumn);
+    } catch (...) {
+        // Links made so far stay on the connection, for whoever commits next.
+        quick.ids.write();
+        throw;
+    }
+    quick.ids.write();
+}
+
 }  // namespace
 
 void convertNameRecordToNewId(Database& db, const std::string& tableName, const std::string& nameColumn,
@@ -70,8 +92,8 @@ void convertNameRecordToNewId(Database& db, const std::string& tableName, const 
         const std::string columns = store != nullptr ? "id," + nameColumn + "," + idColumn : "*";
         const auto records = db.select("Select " + columns + " From " + tableName + " Where " + nameColumn + " <> ''");
         if (!records || records->recordCount() <= 0) return;
-        const auto search = store != nullptr ? std::make_unique<AnimalSearch>(*store) : nullptr;
-        link(db, search.get(), *records, tableName, nameColumn, idColumn);
+        store != nullptr ? linkQuickly(*store, *records, nameColumn, idColumn)
+                         : link(db, nullptr, *records, tableName, nameColumn, idColumn);
         db.commit();
     });
     frmWait().close();

@@ -25,12 +25,7 @@ void fillNameLiterally(Database& db, const std::string& idColumn, const std::str
     db.execute(updateName(idColumn, nameColumn, name, id));
 }
 
-ParentNames::ParentNames(SQLiteDatabase& db)
-    : db_(db),
-      writer_(db.prepare("UPDATE tree SET ps = coalesce(?1, ps), pd = coalesce(?2, pd) "
-                         "WHERE id = ?3 AND (ps IS NOT coalesce(?1, ps) OR pd IS NOT coalesce(?2, pd))")) {
-    readNames();
-}
+ParentNames::ParentNames(SQLiteDatabase& db) : db_(db), updates_(db.updateRows("tree", {"ps", "pd"})) { readNames(); }
 
 void ParentNames::readNames() {
     names_.clear();
@@ -79,18 +74,13 @@ bool ParentNames::compiles(const std::string& sql) {
 }
 
 void ParentNames::write(std::int64_t row, const std::string& fatherId, const std::string& motherId) {
-    const auto bind = [this](int parameter, const Parents& parents, const std::string& id) {
+    const auto set = [&](int column, const Parents& parents, const std::string& id) {
         const auto found = parents.named.find(id);
-        const bool isNamed = found != parents.named.end() && found->second;
-        isNamed ? writer_.bind(parameter, *found->second) : writer_.bindNull(parameter);
-        return isNamed;
+        // A refused statement is not noticed.
+        if (found != parents.named.end() && found->second) guarded([&] { updates_.set(row, column, *found->second); });
     };
-    const bool hasFather = bind(1, fathers_, fatherId);
-    const bool hasMother = bind(2, mothers_, motherId);
-    if (!hasFather && !hasMother) return;
-    writer_.bind(3, row);
-    // A refused statement is not noticed.
-    guarded([&] { writer_.run(); });
+    set(0, fathers_, fatherId);
+    set(1, mothers_, motherId);
 }
 
 void ParentNames::settle() {
@@ -99,10 +89,12 @@ void ParentNames::settle() {
         write(rows.integer(0), std::string(rows.text(1)), std::string(rows.text(2)));
         RuntimeBackgroundTask(yielding::character);
     }
+    guarded([&] { updates_.write(); });
 }
 
 void ParentNames::finish() {
     if (startedAnew_) settle();
+    guarded([&] { updates_.write(); });
 }
 
 }  // namespace linking

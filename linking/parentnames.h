@@ -52,7 +52,7 @@ class ParentNames {
     std::unordered_map<std::string, std::string> names_;
     Parents fathers_{"fatherId", "ps", {}};
     Parents mothers_{"motherId", "pd", {}};
-    SQLiteStatement writer_;
+    SQLiteRowUpdates updates_;  ///< of ps and pd
     /// Whether the maps were emptied on the way; statements that stand since then reach back to rows already passed.
     bool startedAnew_ = false;
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -8,54 +7,8 @@
 
 #include "platform/database.h"
 #include "platform/files.h"
-
-struct sqlite3;
-struct sqlite3_stmt;
-
-namespace detail {
-
-struct FinalizeStatement {
-    void operator()(sqlite3_stmt* statement) const noexcept;
-};
-using StatementHandle = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
-
-class SQLiteConnection;
-
-}  // namespace detail
-
-/// A statement with parameters, prepared once and run many times. It keeps its connection alive. After its connection
-/// was closed it yields no rows and changes nothing.
-class SQLiteStatement {
-  public:
-    SQLiteStatement(std::shared_ptr<detail::SQLiteConnection> connection, std::string_view sql);
-
-    enum class Type { integer, real, text, blob, null };
-
-    /// Parameters are numbered from 1. A text must stay in place until the next step.
-    void bind(int parameter, std::string_view text);
-    void bind(int parameter, std::int64_t number);
-    void bindNull(int parameter);
-
-    /// Runs up to the next row; false at the end or if the statement fails.
-    bool step();
-
-    /// Runs a statement without rows from its start. A change of rows opens a transaction if none is open. Raises
-    /// DatabaseFailure if the database refuses.
-    void run();
-
-    /// Makes the statement ready to run again.
-    void reset();
-
-    /// Columns are numbered from 0. The view is good until the next step or reset.
-    std::string_view text(int column);
-    std::int64_t integer(int column);
-    double real(int column);
-    Type type(int column);
-
-  private:
-    std::shared_ptr<detail::SQLiteConnection> connection_;
-    detail::StatementHandle statement_;
-};
+#include "platform/sqliterowupdates.h"
+#include "platform/sqlitestatement.h"
 
 /// A connection to an SQLite file, plain or encrypted by SQLCipher with a text key.
 ///
@@ -97,6 +50,9 @@ class SQLiteDatabase : public Database {
     /// The same for a statement that runs again and again: it is prepared at its first call and kept until another one
     /// is asked for.
     SQLiteStatement& prepareOnce(std::string_view sql);
+
+    /// Gathers new texts for columns of a table. Raises DatabaseFailure without a connection, or if one is missing.
+    SQLiteRowUpdates updateRows(std::string_view table, const std::vector<std::string>& columns);
 
     /// Rows inserted, changed and deleted on this connection so far; 0 without one.
     int changeCount() const;

@@ -9,7 +9,10 @@
 
 #include "bench/herd.h"
 #include "linking/linking.h"
+#include "platform/eventhandler.h"
+#include "platform/failure.h"
 #include "platform/sqlitedatabase.h"
+#include "platform/yield.h"
 #include "stores/rsdschema.h"
 #include "tests/support/literal_linking.h"
 #include "tests/support/programfixture.h"
@@ -260,7 +263,16 @@ class Passes : public ProgramTest {
         EXPECT_FALSE(std::filesystem::exists(path("quick.cax-journal")));
     }
 
-  private:
+    /// From now on a handler of an event fails once frmWait shows the text.
+    void failAt(const std::string& text) {
+        yielding::setPump(yielding::Pump::everyCall);
+        driver.onEveryTurn([this, text] {
+            if (!driver.isOpen("frmWait") || driver.text("frmWait", "lblMessage") != text) return;
+            driver.onEveryTurn(nullptr);
+            events::run([] { throw OutOfBounds("in a handler"); });
+        });
+    }
+
     static std::vector<std::string> rows(SQLiteDatabase& db, const std::string& sql) {
         std::vector<std::string> found;
         auto statement = db.prepare(sql);
@@ -268,6 +280,7 @@ class Passes : public ProgramTest {
         return found;
     }
 
+  private:
     std::string tree_;
     std::string settings_;
 };
@@ -296,6 +309,37 @@ TEST_F(Passes, LeaveWhatTheStatementsWouldInAHerdAsBreedersKeepIt) {
     }
     layOut(herd);
     expectTheSame();
+}
+
+TEST_F(Passes, AFailureOnTheWayLeavesWhatThePassCameToOnTheConnection) {
+    constexpr int animals = 60;
+    Herd herd;
+    for (int i = 1; i <= animals; ++i) {
+        const std::string own = std::to_string(i);
+        herd.push_back({"n" + own, {}, own, own, {}, {}, "n1", {}});
+    }
+    // The last one has the first one's father, so its name comes early.
+    herd.back()[3] = "1";
+    layOut(herd);
+    SQLiteDatabase db;
+    db.DatabaseFile = FileReference(path("quick.cax"));
+    ASSERT_TRUE(db.connect());
+    const auto rowsWhere = [&](const std::string& condition) {
+        return rows(db, "SELECT coalesce(group_concat(id, ' '), '') FROM tree WHERE " + condition)[0];
+    };
+    const std::string first21 = "1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21";
+    const std::string first20 = first21.substr(0, first21.rfind(' '));
+
+    failAt("Getting name from id  #20");
+    events::run([&] { appSystem::convertIdRecordToName(db, "rsd"); });
+    EXPECT_EQ(rowsWhere("ps <> ''"), first21 + " 60");
+    EXPECT_EQ(rowsWhere("ps = 'n1'"), "1 60");
+
+    failAt("Linked 20 motherId records for Table TREE");
+    events::run([&] { appSystem::convertNameRecordToNewId(db, "tree", "pd", "motherId"); });
+    EXPECT_EQ(rowsWhere("motherId = 1"), first20);
+    EXPECT_EQ(SqlFile(path("quick.cax")).rows("SELECT count(*) FROM tree WHERE ps <> '' OR motherId <> ''"),
+              std::vector<std::string>{"0"});
 }
 
 }  // namespace

@@ -124,6 +124,26 @@ TEST_F(RsdStore, FilesWithTheKeyWithoutItAndNoneAtAll) {
     EXPECT_EQ(read(cut).size(), 22U);
 }
 
+TEST_F(RsdStore, FilesOfEarlierGenerationsOfTheCipherOpenInAnyOrder) {
+    const bool third = SqlFile(path("a")).value("PRAGMA cipher_version").starts_with("3.");
+    const Texts generations =
+        third ? Texts{"kdf_iter = 64000", "kdf_iter = 4000", "cipher_use_hmac = OFF"}
+              : Texts{"cipher_compatibility = 3", "cipher_compatibility = 2", "cipher_compatibility = 1"};
+    for (const std::string& generation : generations) {
+        SqlFile file(path(generation), programsKey);
+        file.run("PRAGMA " + generation);
+        if (generation == "cipher_use_hmac = OFF") file.run("PRAGMA kdf_iter = 4000");
+        file.run("CREATE TABLE tree(name); INSERT INTO tree VALUES ('" + generation + "')");
+    }
+    for (const int which : {2, 0, 1, 1, 0, 2}) {
+        dataPath = path(generations[which]);
+        const auto records = GetRecordset("SELECT name FROM tree");
+        ASSERT_NE(records, nullptr) << dataPath;
+        EXPECT_EQ(records->requiredField("name").text(), generations[which]);
+    }
+    EXPECT_EQ(boxTexts(), Texts{});
+}
+
 TEST_F(RsdStore, RecordSetsOutliveTheirConnectionObjectButNotItsClosing) {
     SqlFile(makeFile("a.rsd")).run("INSERT INTO tree(name) VALUES ('Ada'), ('Bob'), ('Cid')");
     const auto replaced = GetRecordset("SELECT * FROM tree");
@@ -224,6 +244,48 @@ TEST_F(RsdStore, StatementsCommitRollBackAndComeOneAtATime) {
     EXPECT_NE(db->select("SELECT 1 ; ; "), nullptr);
     db->commit();
     EXPECT_EQ(count(), "1");
+}
+
+TEST_F(RsdStore, GatheredTextsReachTheirRowsInAnyOrderAndOnlyTheirs) {
+    makeFile("a.rsd");
+    connectData();
+    // Ids with gaps wider than what one statement spans, and below 0.
+    for (const char* id : {"-3", "1", "2", "700", "701"}) {
+        db->execute(std::string("INSERT INTO tree(id, ps, oldId) VALUES (") + id + ", 'p', 5)");
+    }
+    db->commit();
+    const auto rowsInFile = [&] {
+        return SqlFile(dataPath).rows("SELECT id, ps, oldId, typeof(oldId) FROM tree ORDER BY id");
+    };
+    auto updates = db->updateRows("tree", {"ps", "oldId"});
+    updates.write();
+    updates.set(701, 1, "12");
+    updates.set(-3, 0, "");
+    updates.set(1, 0, std::string("a\0b", 3));
+    updates.set(1, 1, "X9");
+    updates.set(1, 1, "X10");
+    updates.set(5, 0, "no such row");
+    updates.set(700, 1, "7.0");
+    const int before = db->changeCount();
+    updates.set(700, 1, "5");
+    updates.write();
+    EXPECT_EQ(db->changeCount(), before + 2) << "7 for 5, and 5 for 7";
+    EXPECT_EQ(rowsInFile()[1], "1|p|5|integer") << "not committed";
+    db->commit();
+    EXPECT_EQ(rowsInFile(), (Texts{"-3||5|integer", std::string("1|a\0b|X10|text", 14), "2|p|5|integer",
+                                   "700|p|5|integer", "701|p|12|integer"}));
+
+    // The function is no way in for a value that turns a statement into another one.
+    updates.set(2, 0, "gathered");
+    db->execute("UPDATE tree SET ps = gathered_text(2, 0, 'old')");
+    EXPECT_NE(db->errorCode(), 0);
+    db->commit();
+    SqlFile(dataPath).run("CREATE TRIGGER refuse BEFORE UPDATE ON tree BEGIN SELECT raise(ABORT, 'no'); END");
+    EXPECT_THROW(updates.write(), DatabaseFailure);
+    updates.write();
+    db->commit();
+    EXPECT_EQ(rowsInFile()[2], "2|p|5|integer");
+    EXPECT_THROW(db->updateRows("tree", {"none"}), DatabaseFailure);
 }
 
 TEST_F(RsdStore, ARecordIsSavedOrItsFailureIsTold) {
