@@ -2,7 +2,8 @@
 // and prints what the process saw of itself. What it took as a whole is measured from outside.
 //
 // Arguments: the moment of the start (nanoseconds of the monotonic clock), the form of the source and of the result
-// ("Csv", "Rsd"), the source's path, and the answers to questions, if any ("Yes", "No").
+// ("Csv", "Rsd", "Cav"), the source's path, the path of the empty CAV file that a result of that form goes into, and
+// the answers to questions, if any ("Yes", "No").
 
 #include <algorithm>
 #include <chrono>
@@ -55,7 +56,7 @@ class Gap {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount < 5) return 2;
+    if (argumentCount < 6) return 2;
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("LC_ALL", "en_GB.UTF-8", 1);
     // The offscreen platform tells of each thing that it cannot do.
@@ -71,7 +72,8 @@ int main(int argumentCount, char** arguments) {
     driver.click("frmMain", "optFrom" + std::string(arguments[2]));
     driver.click("frmMain", "optTo" + std::string(arguments[3]));
     driver.type("frmMain", "txtFilePath", arguments[4]);
-    for (int i = 5; i < argumentCount; ++i) driver.answers.emplace_back(arguments[i]);
+    driver.files.emplace_back(arguments[5]);
+    for (int i = 6; i < argumentCount; ++i) driver.answers.emplace_back(arguments[i]);
     driver.settle();
     const long idle = memory("VmRSS");
 
@@ -82,5 +84,7 @@ int main(int argumentCount, char** arguments) {
     gap.turn();
 
     std::cout << firstWindow << ' ' << idle << ' ' << memory("VmHWM") - idle << ' ' << gap.longest() << '\n';
-    return driver.boxes.empty() || driver.boxes.back().text != "Operation completed" ? 1 : 0;
+    if (!driver.boxes.empty() && driver.boxes.back().text == "Operation completed") return 0;
+    for (const Box& box : driver.boxes) std::cerr << box.title << ": " << box.text << '\n';
+    return 1;
 }

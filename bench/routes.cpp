@@ -1,6 +1,7 @@
 // Measures whole routes beside the sqlite3 command line on the same files, and prints the table of bench/README.md.
 //
-// Arguments: the program of route.cpp, a folder to work in, and the number of runs; of each figure the best one counts.
+// Arguments: the folder of the build, a folder to work in, and the number of runs; of each figure the best one counts.
+// The Access driver is registered.
 
 #include <algorithm>
 #include <cstdio>
@@ -27,14 +28,25 @@ struct Result {
 };
 
 struct Figures {
-    Result toRsd, toRsdNoSex, toCsv;
+    Result toRsd, toRsdNoSex, toCsv, toCav, toCavNoSex, rsdToCav;
     double import = 1e9, importNoSex = 1e9, select = 1e9;
 };
 
+struct Route {
+    const char* name;
+    Result Figures::*result;
+};
+constexpr Route routes[] = {{"CSV to RSD", &Figures::toRsd},
+                            {"CSV to RSD without a sex column", &Figures::toRsdNoSex},
+                            {"RSD to CSV", &Figures::toCsv},
+                            {"CSV to CAV", &Figures::toCav},
+                            {"CSV to CAV without a sex column", &Figures::toCavNoSex},
+                            {"RSD to CAV", &Figures::rsdToCav}};
+
 class Bench {
   public:
-    Bench(std::string program, std::filesystem::path folder)
-        : program_(std::move(program)), folder_(std::move(folder)) {}
+    Bench(std::filesystem::path build, std::filesystem::path folder)
+        : build_(std::move(build)), folder_(std::move(folder)) {}
 
     void measure(int animals) {
         Figures& figures = figures_[animals];
@@ -42,11 +54,13 @@ class Bench {
             const std::string csv = herd(animals, withSex);
             (withSex ? figures.import : figures.importNoSex) =
                 std::min(withSex ? figures.import : figures.importNoSex, import(csv));
-            route(withSex ? figures.toRsd : figures.toRsdNoSex, "Csv", "Rsd", csv, withSex ? "" : "Yes");
+            route(withSex ? figures.toRsd : figures.toRsdNoSex, "Csv", "Rsd", csv);
+            route(withSex ? figures.toCav : figures.toCavNoSex, "Csv", "Cav", csv);
         }
         const std::string rsd = path("herd-" + std::to_string(animals) + "-sex.cax");
         figures.select = std::min(figures.select, select(rsd));
-        route(figures.toCsv, "Rsd", "Csv", rsd, "");
+        route(figures.toCsv, "Rsd", "Csv", rsd);
+        route(figures.rsdToCav, "Rsd", "Cav", rsd);
     }
 
     void print() const;
@@ -86,11 +100,12 @@ class Bench {
         return bench::run({"sqlite3", "-csv", rsd, sql}, path("sqlite3.csv"));
     }
 
-    void route(Result& best, const std::string& from, const std::string& to, const std::string& file,
-               const std::string& answer) {
-        std::vector<std::string> command{program_, "@start", from, to, file};
-        if (!answer.empty()) command.push_back(answer);
-        const double seconds = bench::run(command, path("route.txt"));
+    /// Every question is answered Yes.
+    void route(Result& best, const std::string& from, const std::string& to, const std::string& file) {
+        const std::string cav = path("herd.cav");
+        if (to == "Cav") bench::run({build_ / "makecav", cav}, path("makecav.txt"));
+        const double seconds =
+            bench::run({build_ / "bench_route", "@start", from, to, file, cav, "Yes", "Yes", "Yes"}, path("route.txt"));
         double firstWindow = 0;
         double idle = 0;
         double memory = 0;
@@ -103,7 +118,7 @@ class Bench {
         idle_ = std::max(idle_, idle / 1024);
     }
 
-    std::string program_;
+    std::filesystem::path build_;
     std::filesystem::path folder_;
     std::map<int, Figures> figures_;
     double firstWindow_ = 1e9;
@@ -146,17 +161,27 @@ void Bench::print() const {
         "sqlite3 -csv, s", [](const Figures& f) { return f.select; }, "%.3f", "");
     rowOf(
         "ratio", [](const Figures& f) { return f.toCsv.seconds / f.select; }, "%.2f", "1.5 at 98,999");
-    const auto peak = [](const Figures& f) { return std::max({f.toRsd.memory, f.toRsdNoSex.memory, f.toCsv.memory}); };
-    rowOf("peak memory above idle, MiB", peak, "%.1f", "150");
-    const auto gap = [](const Figures& f) { return std::max({f.toRsd.gap, f.toRsdNoSex.gap, f.toCsv.gap}); };
-    rowOf("longest time without a pump, ms", gap, "%.1f", "50");
-    const auto growth = [&](Result Figures::*route) {
-        return (figures_.at(98999).*route).seconds / (figures_.at(9899).*route).seconds;
+    rowOf(
+        "CSV to CAV, s", [](const Figures& f) { return f.toCav.seconds; }, "%.3f", "");
+    rowOf(
+        "CSV to CAV without a sex column, s", [](const Figures& f) { return f.toCavNoSex.seconds; }, "%.3f", "");
+    rowOf(
+        "RSD to CAV, s", [](const Figures& f) { return f.rsdToCav.seconds; }, "%.3f", "");
+    const auto most = [](const Figures& f, double Result::*figure) {
+        double greatest = 0;
+        for (const Route& route : routes) greatest = std::max(greatest, f.*(route.result).*figure);
+        return greatest;
     };
-    std::printf(
-        "\n98,999 against 9,899 animals, not above 11: CSV to RSD %.2f, without a sex column %.2f, RSD to CSV %.2f\n",
-        growth(&Figures::toRsd), growth(&Figures::toRsdNoSex), growth(&Figures::toCsv));
-    std::printf("Idle program, not above 90 MiB: %.1f\nStart to the first window, not above 0.3 s: %.3f\n", idle_,
+    rowOf(
+        "peak memory above idle, MiB", [&](const Figures& f) { return most(f, &Result::memory); }, "%.1f", "150");
+    rowOf(
+        "longest time without a pump, ms", [&](const Figures& f) { return most(f, &Result::gap); }, "%.1f", "50");
+    std::printf("\n98,999 against 9,899 animals, not above 11: ");
+    for (const Route& route : routes) {
+        const double growth = (figures_.at(98999).*route.result).seconds / (figures_.at(9899).*route.result).seconds;
+        std::printf("%s%s %.2f", route.result == routes[0].result ? "" : ", ", route.name, growth);
+    }
+    std::printf("\nIdle program, not above 90 MiB: %.1f\nStart to the first window, not above 0.3 s: %.3f\n", idle_,
                 firstWindow_);
 }
 
@@ -164,7 +189,7 @@ void Bench::print() const {
 
 int main(int argumentCount, char** arguments) {
     if (argumentCount != 4) {
-        std::cerr << "usage: " << arguments[0] << " ROUTE-PROGRAM FOLDER RUNS\n";
+        std::cerr << "usage: " << arguments[0] << " BUILD FOLDER RUNS\n";
         return 2;
     }
     try {

@@ -22,6 +22,8 @@ void fillNameLiterally(Database& db, const std::string& idColumn, const std::str
     const auto parent = db.select(selectName(id));
     if (!parent) throw NullReference("the parent's record set");
     const std::string name(parent->requiredField("name").text());
+    // A store that keeps look-ups of its own builds one at its first search on a column.
+    RuntimeBackgroundTask();
     db.execute(updateName(idColumn, nameColumn, name, id));
 }
 

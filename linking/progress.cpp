@@ -2,6 +2,7 @@
 
 #include "platform/database.h"
 #include "platform/text.h"
+#include "platform/yield.h"
 #include "shell/frmWait.h"
 #include "stores/rsdaccess.h"
 
@@ -9,6 +10,8 @@ namespace linking {
 
 double recordTotal(Database& db, std::string_view databaseKind, RecordSet& records) {
     if (!text::equals(databaseKind, "cav")) return static_cast<double>(records.recordCount());
+    // A select of a whole herd takes a while, and one has just been run.
+    RuntimeBackgroundTask();
     return appSystem::getODBCrecords(db.select("SELECT id FROM tree").get());
 }
 

@@ -21,8 +21,8 @@ std::size_t columnOf(const TableDefinition& table, const char* name, ColumnType 
 }
 
 template <class Wanted>
-Wanted valueOf(const TableStore& table, const std::vector<Field>& row, std::size_t column) {
-    const Value value = table.decode(row, column);
+Wanted valueOf(const TableStore& table, const StoredRow& row, std::size_t column) {
+    const Value value = table.decode(row.field(column), column);
     const Wanted* wanted = std::get_if<Wanted>(&value);
     return wanted ? *wanted : Wanted{};
 }
@@ -39,10 +39,9 @@ std::vector<CatalogEntry> readCatalog(PageAccess& pages, std::uint32_t defaultSo
 
     std::vector<CatalogEntry> entries;
     std::vector<std::uint8_t> bytes;
-    std::vector<Field> row;
     for (auto at = table.firstFrom({}); at; at = table.firstFrom(after(*at))) {
         if (!table.read(*at, bytes)) continue;
-        decodeRow(definition, bytes, *at, row);
+        const StoredRow row(definition, bytes, *at);
         if (valueOf<std::int32_t>(table, row, type) != catalog::tableType) continue;
         if ((static_cast<std::uint32_t>(valueOf<std::int32_t>(table, row, flags)) & catalog::systemFlags) != 0)
             continue;

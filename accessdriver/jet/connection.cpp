@@ -38,7 +38,7 @@ class Connection::RowCursor : public Cursor {
         if (column >= store_.definition().columns.size()) {
             throw Error(Fault::badValue, "The table " + store_.definition().name + " has no such column.");
         }
-        return store_.decode(fields_, column);
+        return store_.decode(stored_.field(column), column);
     }
 
     /// Moves to one row; false if it is not there.
@@ -56,7 +56,7 @@ class Connection::RowCursor : public Cursor {
     bool reload() const {
         changes_ = store_.pages().changes();
         if (!store_.read(row_, bytes_)) return false;
-        decodeRow(store_.definition(), bytes_, row_, fields_);
+        stored_ = StoredRow(store_.definition(), bytes_, row_);
         return true;
     }
 
@@ -65,7 +65,7 @@ class Connection::RowCursor : public Cursor {
     RowId next_;
     RowId row_;
     mutable std::vector<std::uint8_t> bytes_;
-    mutable std::vector<Field> fields_;
+    mutable StoredRow stored_;
     mutable std::uint64_t changes_ = 0;
 };
 

@@ -20,66 +20,54 @@ constexpr std::size_t countSize = 2, offsetSize = 2;
 
 std::size_t maskSize(std::size_t columns) { return (columns + 7) / 8; }
 
-// The parts of a stored row.
-struct Layout {
-    std::size_t columns = 0;
-    std::size_t maskAt = 0;
-    std::size_t variables = 0;
-    std::size_t fixedLimit = 0;  // the fixed area ends before this
-    bool ok = false;
-};
-
-Layout layoutOf(const TableDefinition& table, ByteSpan row) {
-    Layout layout;
-    if (row.size() < countSize) return layout;
-    layout.columns = getU16(row, 0);
-    const std::size_t mask = maskSize(layout.columns);
-    if (countSize + mask > row.size()) return layout;
-    layout.maskAt = row.size() - mask;
-    layout.fixedLimit = layout.maskAt;
-    layout.ok = true;
-    if (table.rowVariables == 0) return layout;
-    layout.ok = false;
-    if (layout.maskAt < countSize + offsetSize) return layout;
-    layout.variables = getU16(row, layout.maskAt - offsetSize);
-    const std::size_t trailer = offsetSize * (layout.variables + 2);
-    if (countSize + trailer > layout.maskAt) return layout;
-    layout.fixedLimit = layout.maskAt - trailer;
-    layout.ok = true;
-    return layout;
-}
-
 }  // namespace
 
-void decodeRow(const TableDefinition& table, ByteSpan row, RowId place, std::vector<Field>& fields) {
-    const Layout layout = layoutOf(table, row);
-    const auto fail = [&] { failCorrupt(rowName(place) + " of the table " + table.name + " has a wrong layout"); };
-    if (!layout.ok) fail();
-    const auto offsetOf = [&](std::size_t i) -> std::size_t {
-        return getU16(row, layout.maskAt - offsetSize * (i + 2));
-    };
-    fields.assign(table.columns.size(), {});
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        const Column& column = table.columns[i];
-        // Rows from before a column was added do not have it.
-        if (column.number >= layout.columns) continue;
-        const bool bit = (row[layout.maskAt + column.number / 8] >> (column.number % 8) & 1) != 0;
-        if (!bit) continue;
-        Field& field = fields[i];
-        if (column.type == ColumnType::boolean) {
-            field.present = true;
-        } else if (column.fixed) {
-            const std::size_t start = countSize + column.fixedOffset;
-            if (start + column.length > layout.fixedLimit) fail();
-            field = {true, row.subspan(start, column.length)};
-        } else if (column.variableIndex < layout.variables) {
-            const std::size_t start = offsetOf(column.variableIndex);
-            const std::size_t end = offsetOf(column.variableIndex + std::size_t{1});
-            if (start < countSize || start > end || end > layout.fixedLimit) fail();
-            if (sizeOfType(column.type) > end - start) fail();
-            field = {true, row.subspan(start, end - start)};
-        }
+StoredRow::StoredRow(const TableDefinition& table, ByteSpan row, RowId place)
+    : table_(&table), row_(row), place_(place) {
+    if (row.size() < countSize) fail();
+    columns_ = getU16(row, 0);
+    const std::size_t mask = maskSize(columns_);
+    if (countSize + mask > row.size()) fail();
+    maskAt_ = row.size() - mask;
+    fixedLimit_ = maskAt_;
+    if (table.rowVariables == 0) return;
+    if (maskAt_ < countSize + offsetSize) fail();
+    variables_ = getU16(row, maskAt_ - offsetSize);
+    const std::size_t trailer = offsetSize * (variables_ + 2);
+    if (countSize + trailer > maskAt_) fail();
+    fixedLimit_ = maskAt_ - trailer;
+}
+
+void StoredRow::fail() const { failCorrupt(rowName(place_) + " of the table " + table_->name + " has a wrong layout"); }
+
+std::size_t StoredRow::offsetOf(std::size_t variable) const {
+    return getU16(row_, maskAt_ - offsetSize * (variable + 2));
+}
+
+Field StoredRow::field(std::size_t position) const {
+    const Column& column = table_->columns[position];
+    // Rows from before a column was added do not have it.
+    if (column.number >= columns_) return {};
+    const bool bit = (row_[maskAt_ + column.number / 8] >> (column.number % 8) & 1) != 0;
+    if (!bit) return {};
+    if (column.type == ColumnType::boolean) return {true, {}};
+    if (column.fixed) {
+        const std::size_t start = countSize + column.fixedOffset;
+        if (start + column.length > fixedLimit_) fail();
+        return {true, row_.subspan(start, column.length)};
     }
+    if (column.variableIndex >= variables_) return {};
+    const std::size_t start = offsetOf(column.variableIndex);
+    const std::size_t end = offsetOf(column.variableIndex + std::size_t{1});
+    if (start < countSize || start > end || end > fixedLimit_) fail();
+    if (sizeOfType(column.type) > end - start) fail();
+    return {true, row_.subspan(start, end - start)};
+}
+
+void decodeRow(const TableDefinition& table, ByteSpan row, RowId place, std::vector<Field>& fields) {
+    const StoredRow stored(table, row, place);
+    fields.resize(table.columns.size());
+    for (std::size_t i = 0; i < fields.size(); ++i) fields[i] = stored.field(i);
 }
 
 void encodeRow(const TableDefinition& table, const std::vector<Field>& fields, std::vector<std::uint8_t>& row) {

@@ -17,8 +17,31 @@ struct Field {
 /// Largest row that is written; the same limit that other writers of the format keep.
 inline constexpr std::size_t maxRowSize = 4060;
 
-/// Takes a stored row apart: one field for each column of the table. The fields point into row.
-/// place names the row in messages. Throws Error(corrupt).
+/// A stored row, taken apart one column at a time: most readers ask for few of a table's many columns.
+class StoredRow {
+  public:
+    StoredRow() = default;
+
+    /// place names the row in messages. Table and bytes must outlive this. Throws Error(corrupt).
+    StoredRow(const TableDefinition& table, ByteSpan row, RowId place);
+
+    /// One column, by its position in the table; it points into the row. Throws Error(corrupt).
+    Field field(std::size_t column) const;
+
+  private:
+    [[noreturn]] void fail() const;
+    std::size_t offsetOf(std::size_t variable) const;
+
+    const TableDefinition* table_ = nullptr;
+    ByteSpan row_;
+    RowId place_;
+    std::size_t columns_ = 0;
+    std::size_t maskAt_ = 0;
+    std::size_t variables_ = 0;
+    std::size_t fixedLimit_ = 0;  // the fixed area ends before this
+};
+
+/// The same for all columns of the table at once.
 void decodeRow(const TableDefinition& table, ByteSpan row, RowId place, std::vector<Field>& fields);
 
 /// Builds a row of the table's full column count from one field for each column. It is never shorter than the pointer

@@ -74,26 +74,34 @@ RowId TableStore::bodyOf(RowId row) const {
     failCorrupt(rowName(row) + " of the table " + table_.name + " was moved in a circle");
 }
 
-std::optional<RowId> TableStore::firstFrom(RowId from) const {
-    const UsageMap owned(pages_, table_.owned);
-    std::size_t slotNumber = from.slot;
-    for (auto next = owned.next(from.page); next; next = owned.next(*next + 1)) {
-        const PageRef page = pages_.read(*next);
-        if (*next != from.page) slotNumber = 0;
-        if (!dataPage::belongsTo(page.bytes(), table_.page)) {
-            failCorrupt(pageName(*next) + " should hold rows of the table " + table_.name);
-        }
-        const std::size_t count = std::min(dataPage::slotCount(page), dataPage::maxSlots + 1);
-        for (; slotNumber < count; ++slotNumber) {
-            if (!dataPage::slot(page, slotNumber).skipped()) return RowId{*next, static_cast<std::uint8_t>(slotNumber)};
-        }
+std::optional<RowId> TableStore::firstOn(const PageRef& page, std::size_t slot) const {
+    const std::size_t count = std::min(dataPage::slotCount(page), dataPage::maxSlots + 1);
+    for (; slot < count; ++slot) {
+        if (!dataPage::slot(page, slot).skipped()) return RowId{page.number(), static_cast<std::uint8_t>(slot)};
     }
     return std::nullopt;
 }
 
-Value TableStore::decode(const std::vector<Field>& fields, std::size_t column) const {
+std::optional<RowId> TableStore::firstFrom(RowId from) const {
+    // Behind a row mostly comes one on the same page, which need not be found among the table's pages first.
+    if (from.slot > 0 && from.page < pages_.count()) {
+        const PageRef page = pages_.read(from.page);
+        const auto row = dataPage::belongsTo(page.bytes(), table_.page) ? firstOn(page, from.slot) : std::nullopt;
+        if (row) return row;
+    }
+    const UsageMap owned(pages_, table_.owned);
+    for (auto next = owned.next(from.slot > 0 ? from.page + 1 : from.page); next; next = owned.next(*next + 1)) {
+        const PageRef page = pages_.read(*next);
+        if (!dataPage::belongsTo(page.bytes(), table_.page)) {
+            failCorrupt(pageName(*next) + " should hold rows of the table " + table_.name);
+        }
+        if (const auto row = firstOn(page, 0)) return row;
+    }
+    return std::nullopt;
+}
+
+Value TableStore::decode(const Field& field, std::size_t column) const {
     const Column& info = table_.columns.at(column);
-    const Field& field = fields[column];
     if (info.type == ColumnType::boolean) return field.present;
     if (!field.present) return {};
     if (info.longValue()) return decodeValue(info, readLongValue(pages_, field.bytes));

@@ -34,8 +34,8 @@ class TableStore {
     bool read(RowId row, std::vector<std::uint8_t>& bytes) const;
     /// The first row that is not before `from` in storage order.
     std::optional<RowId> firstFrom(RowId from) const;
-    /// The value of one column of a row that decodeRow() took apart.
-    Value decode(const std::vector<Field>& fields, std::size_t column) const;
+    /// The value that one column of a stored row has.
+    Value decode(const Field& field, std::size_t column) const;
 
     PageAccess& pages() const { return pages_; }
 
@@ -52,6 +52,7 @@ class TableStore {
     PageRef pageWithRoom(std::size_t size);
     PageRef newDataPage();
     RowId place(ByteSpan row, std::uint16_t flags);
+    std::optional<RowId> firstOn(const PageRef& page, std::size_t slot) const;
     RowId bodyOf(RowId row) const;
     void replaceBody(RowId row, ByteSpan bytes);
     void addKey(std::size_t index, const IndexKey& key, RowId row);

@@ -18,6 +18,11 @@ constexpr std::size_t minCompressed = 3, maxCompressed = 1024;
 bool isHigh(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
 bool isLow(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
+bool isCompressed(ByteSpan stored) {
+    return stored.size() >= std::size(compressedMark) &&
+           std::equal(std::begin(compressedMark), std::end(compressedMark), stored.begin());
+}
+
 void appendUtf8(std::string& to, char32_t c) {
     if (c < 0x80) {
         to.push_back(static_cast<char>(c));
@@ -90,7 +95,7 @@ std::string utf8FromUtf16(std::u16string_view text) {
 
 std::u16string decodeText(ByteSpan stored) {
     std::u16string units;
-    if (stored.size() < 2 || !std::equal(std::begin(compressedMark), std::end(compressedMark), stored.begin())) {
+    if (!isCompressed(stored)) {
         units.reserve(stored.size() / 2);
         for (std::size_t at = 0; at + 2 <= stored.size(); at += 2) units.push_back(getU16(stored, at));
         return units;
@@ -112,6 +117,15 @@ std::u16string decodeText(ByteSpan stored) {
         }
     }
     return units;
+}
+
+std::string decodeTextToUtf8(ByteSpan stored) {
+    // Nearly all texts are plain ASCII, one byte a character.
+    const ByteSpan characters = isCompressed(stored) ? stored.subspan(std::size(compressedMark)) : ByteSpan{};
+    const bool ascii =
+        std::all_of(characters.begin(), characters.end(), [](auto byte) { return byte > 0 && byte < 0x80; });
+    if (ascii && !characters.empty()) return {characters.begin(), characters.end()};
+    return utf8FromUtf16(decodeText(stored));
 }
 
 void encodeText(std::u16string_view text, bool mayCompress, std::vector<std::uint8_t>& to) {

@@ -16,6 +16,9 @@ std::string utf8FromUtf16(std::u16string_view text);
 /// Decodes a stored text, compressed or not, after the published format notes. An odd last byte is left out.
 std::u16string decodeText(ByteSpan stored);
 
+/// The same, in UTF-8.
+std::string decodeTextToUtf8(ByteSpan stored);
+
 /// Appends the stored form of text; compressed if allowed and it pays. Throws Error(badValue) for the one text that has
 /// no stored form: one that starts with U+FEFF.
 void encodeText(std::u16string_view text, bool mayCompress, std::vector<std::uint8_t>& to);

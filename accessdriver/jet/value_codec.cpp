@@ -135,7 +135,7 @@ Value decodeValue(const Column& column, ByteSpan stored) {
             return DateTime{getF64(stored, 0)};
         case ColumnType::text:
         case ColumnType::memo:
-            return utf8FromUtf16(decodeText(stored));
+            return decodeTextToUtf8(stored);
         default:
             return Bytes(stored.begin(), stored.end());
     }

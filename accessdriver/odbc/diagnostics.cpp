@@ -53,6 +53,8 @@ void Diagnostics::add(const char* state, SQLINTEGER native, const std::string& m
     records_.insert(place, {state, native, prefix + message});
 }
 
+void Diagnostics::refuse(const char* state, const std::string& message) { add(state, refusedStatement, message); }
+
 void Diagnostics::addCurrentException() noexcept try {
     try {
         throw;

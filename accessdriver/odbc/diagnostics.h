@@ -23,6 +23,9 @@ class Diagnostics {
 
     void warn(const char* state, const std::string& message) { add(state, 0, message); }
 
+    /// A refusal that is too common for an exception.
+    void refuse(const char* state, const std::string& message);
+
     /// Makes a record of the exception that is being handled, whatever it is.
     void addCurrentException() noexcept;
 
