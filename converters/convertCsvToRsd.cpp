@@ -127,19 +127,24 @@ Outcome createFile(SQLiteDatabase& database) {
     return Outcome::endConversion;
 }
 
+/// False, and the reason told, once the file proved unusable.
+bool isUsable(SQLiteDatabase& database) {
+    if (database.connect()) return true;
+    showMessage(database.errorMessage());
+    return false;
+}
+
 Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const csvAudit::Extent& extent) {
     for (int row = 1; !csvRows::isEnd(row, columnMap, extent); ++row) {
         const DatabaseRecord record = makeRecord(row, columnMap);
-        if (!database.connect()) {
-            showMessage(database.errorMessage());
-            return Outcome::endConversion;
-        }
+        if (!isUsable(database)) return Outcome::endConversion;
         database.insertRecord("tree", record);
         csvRows::report(row, columnMap);
         RuntimeBackgroundTask();
     }
     database.commit();
-    return Outcome::goOn;
+    // Rows that the library has kept in memory may meet the full disk only here, all of them together.
+    return isUsable(database) ? Outcome::goOn : Outcome::endConversion;
 }
 
 Outcome inferSexes(SQLiteDatabase& database) {

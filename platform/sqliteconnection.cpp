@@ -10,6 +10,8 @@ bool endsAt(std::string_view sql, const char* rest) {
     return tail.find_first_not_of(" \t\r\n;") == std::string_view::npos;
 }
 
+constexpr const char* anyAccess = "SELECT count(*) FROM sqlite_master";
+
 }  // namespace
 
 StatementHandle SQLiteConnection::prepare(std::string_view sql) {
@@ -61,7 +63,7 @@ void SQLiteConnection::setManyCommits(bool many) {
     manyCommits_ = many;
     run(many ? "PRAGMA locking_mode = EXCLUSIVE" : "PRAGMA locking_mode = NORMAL");
     // A lock that was kept goes back at the end of the next access to the file, and only then can the journal go.
-    if (!many) run("SELECT count(*) FROM sqlite_master");
+    if (!many) run(anyAccess);
     run(many ? "PRAGMA journal_mode = PERSIST" : "PRAGMA journal_mode = DELETE");
 }
 
@@ -70,6 +72,8 @@ void SQLiteConnection::close() {
     closed_ = true;
     if (sqlite3_get_autocommit(get()) == 0) run("ROLLBACK");
     setManyCommits(false);
+    // A journal that a failed write left behind is played back with the next access to the file.
+    if (broken_) run(anyAccess);
     if (wrote_) flush();
 }
 

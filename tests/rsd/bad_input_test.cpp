@@ -1,5 +1,8 @@
 // Sources and texts that nobody should have to convert: never a crash, a hang or another file touched.
 
+#include <csignal>
+#include <sys/resource.h>
+
 #include "shell/appSystem.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/sqlfile.h"
@@ -53,6 +56,49 @@ TEST_F(BadInput, AWidthOrLengthAtTheEdge) {
     for (int i = 3; i <= 71; ++i) headings += ",breed";
     EXPECT_EQ(convertText(headings + "\nAda,f" + std::string(69, ',') + "\n"), Texts{"Operation completed"});
     EXPECT_EQ(tree("name"), Texts{"Ada"});
+}
+
+/// No file grows beyond this size; the writer gets a failure, as on a full disk.
+class SmallDisk {
+  public:
+    explicit SmallDisk(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit small{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    ~SmallDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, signal_);
+    }
+
+  private:
+    void (*signal_)(int);
+    rlimit before_{};
+};
+
+TEST_F(BadInput, ADiskThatIsFullBeforeAllRowsAreInEndsTheImportWithTheReason) {
+    // In the middle of the tables; when the rows of a small herd are committed; when those of a large one spill over.
+    struct Case {
+        rlim_t size;
+        int animals;
+    };
+    for (const auto& [size, animals] : {Case{40'000, 10}, Case{200'000, 2000}, Case{1'000'000, 20'000}}) {
+        std::string text = "name,sex,breed\n";
+        for (int i = 1; i <= animals; ++i) text += "Ada " + std::to_string(i) + ",f," + std::string(100, 'b') + "\n";
+        const std::string source = write("herd.csv", text);
+        fs::remove(path("herd.cax"));
+        driver.boxes.clear();
+        {
+            const SmallDisk disk(size);
+            convert("Csv", "Rsd", source);
+        }
+        ASSERT_EQ(driver.boxes.size(), 1U) << size;
+        EXPECT_NE(driver.boxes[0].text.find("disk"), std::string::npos) << driver.boxes[0].text;
+        EXPECT_FALSE(fs::exists(path("herd.cax-journal"))) << size;
+        EXPECT_EQ(read(source), text);
+    }
 }
 
 TEST_F(BadInput, ALineOfTenMegabytes) {
