@@ -69,7 +69,7 @@ class Bench {
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
 
     std::string herd(int animals, bool withSex) const {
-        const std::string csv = path("herd-" + std::to_string(animals) + (withSex ? "-sex" : "-nosex") + ".csv");
+        std::string csv = path("herd-" + std::to_string(animals) + (withSex ? "-sex" : "-nosex") + ".csv");
         std::filesystem::remove(path(std::filesystem::path(csv).stem().string() + ".cax"));
         std::ofstream(csv, std::ios::binary) << bench::makeHerd(animals, withSex);
         return csv;

@@ -95,7 +95,7 @@ void ParentNames::settle() {
 }
 
 void ParentNames::finish() {
-    if (startedAnew_) settle();
+    if (startedAnew_) return settle();
     guarded([&] { updates_.write(); });
 }
 

@@ -14,8 +14,9 @@ namespace linking {
 ///
 /// The statement of a parent id, "UPDATE tree SET ps = name WHERE fatherId = id", changes every row with that parent,
 /// and run again it changes nothing more. So it is run by remembering that it stands (the two maps below), and a row
-/// gets its names when the walk over the table comes to it, both in one go. What the table then lacks of what the
-/// statements would have made of it is the rows that the walk has not come to; settle() makes that up.
+/// gets its names when the walk over the table comes to it, both in one go and together with the rows around it. What
+/// the table then lacks of what the statements would have made of it is the rows that wait to be written and those that
+/// the walk has not come to; settle() makes that up.
 class ParentNames {
   public:
     /// Reads all names by id. Yields. Raises DatabaseFailure.
@@ -29,7 +30,7 @@ class ParentNames {
     /// when the walk ends early. Yields.
     void settle();
 
-    /// The same for the end of a walk over all rows, which hardly ever leaves anything to do.
+    /// The same for the end of a walk over all rows, where hardly ever more is left than to write the last of them.
     void finish();
 
   private:

@@ -54,8 +54,9 @@ class SQLiteConnection {
     void setManyCommits(bool many);
     void close();
 
-    /// Those that are being written; null at all other times.
+    /// Those that are being written, for the function that they use in their statement; null at all other times.
     const SQLiteRowUpdates* rowUpdates = nullptr;
+    bool knowsGatheredText = false;
 
   private:
     void note(int result);

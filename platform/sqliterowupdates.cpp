@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "platform/sqliteconnection.h"
 
@@ -32,15 +33,18 @@ void gatheredText(sqlite3_context* context, int /*count*/, sqlite3_value** argum
 /// The statement, on a connection that knows the function.
 std::string updateStatement(detail::SQLiteConnection& connection, std::string_view table,
                             const std::vector<std::string>& columns) {
-    sqlite3_create_function(connection.get(), functionName, 3, SQLITE_UTF8, &connection, gatheredText, nullptr,
-                            nullptr);
+    // Not again: a function is not replaced while a statement runs.
+    if (!std::exchange(connection.knowsGatheredText, true)) {
+        sqlite3_create_function(connection.get(), functionName, 3, SQLITE_UTF8, &connection, gatheredText, nullptr,
+                                nullptr);
+    }
     std::string assignments;
     std::string differences;
     for (std::size_t i = 0; i < columns.size(); ++i) {
         const std::string column = detail::quoted(columns[i]);
         const std::string text = std::string(functionName) + "(id," + std::to_string(i) + "," + column + ")";
-        assignments += (i == 0 ? "" : ",") + column + " = " + text;
-        differences += (i == 0 ? "" : " OR ") + column + " IS NOT " + text;
+        assignments.append(i == 0 ? "" : ",").append(column).append(" = ").append(text);
+        differences.append(i == 0 ? "" : " OR ").append(column).append(" IS NOT ").append(text);
     }
     return "UPDATE " + detail::quoted(table) + " SET " + assignments + " WHERE id BETWEEN ?1 AND ?2 AND (" +
            differences + ")";
