@@ -79,8 +79,10 @@ void SQLiteConnection::close() {
 
 void SQLiteConnection::note(int result) {
     const int kind = result & 0xFF;
-    broken_ = broken_ || kind == SQLITE_FULL || kind == SQLITE_IOERR || kind == SQLITE_CORRUPT ||
-              kind == SQLITE_NOTADB || kind == SQLITE_READONLY;
+    const bool failed = kind == SQLITE_FULL || kind == SQLITE_IOERR || kind == SQLITE_CORRUPT ||
+                        kind == SQLITE_NOTADB || kind == SQLITE_READONLY;
+    // Nobody waits for what is written to a file that was deleted; its journal may have gone with it.
+    if (failed && !hasMoved()) broken_ = true;
 }
 
 bool SQLiteConnection::hasMoved() {
