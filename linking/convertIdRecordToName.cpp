@@ -10,8 +10,7 @@ namespace appSystem {
 namespace {
 
 template <typename Fill>
-void walk(Database& db, std::string_view databaseKind, RecordSet& records, Fill fill) {
-    const double total = linking::recordTotal(db, databaseKind, records);
+void walk(RecordSet& records, double total, Fill fill) {
     for (int index = 0; !records.atEnd(); ++index) {
         fill(std::string(records.requiredField("fatherId").text()),
              std::string(records.requiredField("motherId").text()));
@@ -23,11 +22,12 @@ void walk(Database& db, std::string_view databaseKind, RecordSet& records, Fill 
 }
 
 void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
-    linking::ParentNames names(db);
     const auto records = db.select("Select id,fatherId,motherId From tree");
     if (!records) return;
+    const double total = linking::recordTotal(db, databaseKind, *records);
+    linking::ParentNames names(db, static_cast<std::size_t>(total));
     try {
-        walk(db, databaseKind, *records, [&](const std::string& fatherId, const std::string& motherId) {
+        walk(*records, total, [&](const std::string& fatherId, const std::string& motherId) {
             names.fill(records->requiredField("id").integer(), fatherId, motherId);
         });
         names.finish();
@@ -45,10 +45,11 @@ void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
 void fillLiterally(Database& db, std::string_view databaseKind) {
     const auto records = db.select("Select oldId,fatherId,motherId From tree");
     if (!records) return;
-    walk(db, databaseKind, *records, [&](const std::string& fatherId, const std::string& motherId) {
-        if (!fatherId.empty()) linking::fillNameLiterally(db, "fatherId", "ps", fatherId);
-        if (!motherId.empty()) linking::fillNameLiterally(db, "motherId", "pd", motherId);
-    });
+    walk(*records, linking::recordTotal(db, databaseKind, *records),
+         [&](const std::string& fatherId, const std::string& motherId) {
+             if (!fatherId.empty()) linking::fillNameLiterally(db, "fatherId", "ps", fatherId);
+             if (!motherId.empty()) linking::fillNameLiterally(db, "motherId", "pd", motherId);
+         });
     db.commit();
 }
 

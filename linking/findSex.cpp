@@ -15,7 +15,7 @@ namespace {
 class SexFinder {
   public:
     SexFinder(Database& db, RecordSet& records, double total) : db_(db), records_(records), total_(total) {
-        if (SQLiteDatabase* store = linking::quickStore(db)) quick_.emplace(*store);
+        if (SQLiteDatabase* store = linking::quickStore(db)) quick_.emplace(*store, static_cast<std::size_t>(total));
     }
 
     void walk() {

@@ -1,6 +1,5 @@
 #include "linking/parentnames.h"
 
-#include "linking/quickstore.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
 
@@ -27,11 +26,14 @@ void fillNameLiterally(Database& db, const std::string& idColumn, const std::str
     db.execute(updateName(idColumn, nameColumn, name, id));
 }
 
-ParentNames::ParentNames(SQLiteDatabase& db) : db_(db), updates_(db.updateRows("tree", {"ps", "pd"})) { readNames(); }
+ParentNames::ParentNames(SQLiteDatabase& db, std::size_t animals)
+    : db_(db), updates_(db.updateRows("tree", {"ps", "pd"})) {
+    names_.reserve(animals);
+    readNames();
+}
 
 void ParentNames::readNames() {
     names_.clear();
-    names_.reserve(rowCount(db_));
     auto rows = db_.prepare("SELECT oldId, name FROM tree WHERE oldId IS NOT NULL");
     while (rows.step()) {
         names_.try_emplace(IdKeys::ofColumn(rows, 0), rows.text(1));
@@ -40,55 +42,52 @@ void ParentNames::readNames() {
 }
 
 void ParentNames::fill(std::int64_t row, const std::string& fatherId, const std::string& motherId) {
-    if (!fatherId.empty()) stand(fathers_, fatherId);
-    if (!motherId.empty()) stand(mothers_, motherId);
-    write(row, fatherId, motherId);
+    if (!fatherId.empty()) set(row, 0, stand(fathers_, fatherId));
+    if (!motherId.empty()) set(row, 1, stand(mothers_, motherId));
 }
 
-void ParentNames::stand(Parents& parents, const std::string& id) {
-    if (parents.named.contains(id)) return;
+const ParentNames::Name* ParentNames::stand(Parents& parents, const std::string& id) {
+    const auto known = parents.named.find(id);
+    if (known != parents.named.end()) return &known->second;
     if (!isPlain(id)) return runLiterally(parents, id);
     const auto found = names_.find(keys_.of(id));
     const std::string name = found == names_.end() ? std::string() : found->second;
-    if (isPlain(name)) {
-        parents.named.emplace(id, name);
-    } else if (compiles(updateName(parents.idColumn, parents.nameColumn, name, id))) {
-        runLiterally(parents, id);
-    } else {
-        parents.named.emplace(id, std::nullopt);
-    }
+    if (isPlain(name)) return &parents.named.emplace(id, name).first->second;
+    if (compiles(updateName(parents.idColumn, parents.nameColumn, name, id))) return runLiterally(parents, id);
+    return &parents.named.emplace(id, std::nullopt).first->second;
 }
 
 /// Such a statement may read and change anything in any row.
-void ParentNames::runLiterally(const Parents& parents, const std::string& id) {
+const ParentNames::Name* ParentNames::runLiterally(const Parents& parents, const std::string& id) {
     if (compiles(selectName(id))) settle();
     const int before = db_.changeCount();
     fillNameLiterally(db_, parents.idColumn, parents.nameColumn, id);
-    if (db_.changeCount() == before) return;
+    if (db_.changeCount() == before) return nullptr;
     fathers_.named.clear();
     mothers_.named.clear();
     readNames();
     startedAnew_ = true;
+    return nullptr;
 }
 
 bool ParentNames::compiles(const std::string& sql) {
     return guarded([&] { db_.prepare(sql); });
 }
 
-void ParentNames::write(std::int64_t row, const std::string& fatherId, const std::string& motherId) {
-    const auto set = [&](int column, const Parents& parents, const std::string& id) {
-        const auto found = parents.named.find(id);
-        // A refused statement is not noticed.
-        if (found != parents.named.end() && found->second) guarded([&] { updates_.set(row, column, *found->second); });
-    };
-    set(0, fathers_, fatherId);
-    set(1, mothers_, motherId);
+void ParentNames::set(std::int64_t row, int column, const Name* name) {
+    // A refused statement is not noticed.
+    if (name != nullptr && *name) guarded([&] { updates_.set(row, column, **name); });
 }
 
 void ParentNames::settle() {
+    const auto named = [](const Parents& parents, std::string_view id) {
+        const auto found = parents.named.find(std::string(id));
+        return found == parents.named.end() ? nullptr : &found->second;
+    };
     auto rows = db_.prepare("SELECT id, fatherId, motherId FROM tree");
     while (rows.step()) {
-        write(rows.integer(0), std::string(rows.text(1)), std::string(rows.text(2)));
+        set(rows.integer(0), 0, named(fathers_, rows.text(1)));
+        set(rows.integer(0), 1, named(mothers_, rows.text(2)));
         RuntimeBackgroundTask(yielding::character);
     }
     guarded([&] { updates_.write(); });

@@ -19,8 +19,8 @@ namespace linking {
 /// the walk has not come to; settle() makes that up.
 class ParentNames {
   public:
-    /// Reads all names by id. Yields. Raises DatabaseFailure.
-    explicit ParentNames(SQLiteDatabase& db);
+    /// Reads all names by id; about how many there are is known. Yields. Raises DatabaseFailure.
+    ParentNames(SQLiteDatabase& db, std::size_t animals);
 
     /// Runs the statements of both parents of a row that the walk has come to; an empty id has none. Raises
     /// NullReference where an id makes a select that is refused.
@@ -34,18 +34,22 @@ class ParentNames {
     void finish();
 
   private:
-    /// The ids whose statement stands, each with its name; nothing where the statement of this name is refused.
+    /// Nothing where the statement of this name is refused.
+    using Name = std::optional<std::string>;
+
+    /// The ids whose statement stands, each with its name.
     struct Parents {
         const char* idColumn;
         const char* nameColumn;
-        std::unordered_map<std::string, std::optional<std::string>> named;
+        std::unordered_map<std::string, Name> named;
     };
 
     void readNames();
-    void stand(Parents& parents, const std::string& id);
-    void runLiterally(const Parents& parents, const std::string& id);
+    /// Null if the statement was run.
+    const Name* stand(Parents& parents, const std::string& id);
+    const Name* runLiterally(const Parents& parents, const std::string& id);
     bool compiles(const std::string& sql);
-    void write(std::int64_t row, const std::string& fatherId, const std::string& motherId);
+    void set(std::int64_t row, int column, const Name* name);
 
     SQLiteDatabase& db_;
     IdKeys keys_;

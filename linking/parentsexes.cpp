@@ -1,6 +1,5 @@
 #include "linking/parentsexes.h"
 
-#include "linking/quickstore.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
 
@@ -10,7 +9,9 @@ void setSexLiterally(Database& db, const std::string& id, std::string_view sex) 
     db.execute("UPDATE tree SET sex = '" + std::string(sex) + "' WHERE oldId = '" + id + "'");
 }
 
-ParentSexes::ParentSexes(SQLiteDatabase& db) : db_(db), writer_(db.prepare("UPDATE tree SET sex = ?1 WHERE id = ?2")) {
+ParentSexes::ParentSexes(SQLiteDatabase& db, std::size_t animals)
+    : db_(db), writer_(db.prepare("UPDATE tree SET sex = ?1 WHERE id = ?2")) {
+    animals_.reserve(animals);
     read();
     db_.setManyCommits(true);
 }
@@ -19,7 +20,6 @@ ParentSexes::~ParentSexes() { db_.setManyCommits(false); }
 
 void ParentSexes::read() {
     animals_.clear();
-    animals_.reserve(rowCount(db_));
     auto rows = db_.prepare("SELECT id, oldId, sex FROM tree WHERE oldId IS NOT NULL");
     while (rows.step()) {
         const std::string_view sex = rows.text(2);

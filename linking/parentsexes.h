@@ -16,8 +16,8 @@ namespace linking {
 /// as long as it lives.
 class ParentSexes {
   public:
-    /// Reads all ids and sexes. Yields. Raises DatabaseFailure.
-    explicit ParentSexes(SQLiteDatabase& db);
+    /// Reads all ids and sexes; about how many there are is known. Yields. Raises DatabaseFailure.
+    ParentSexes(SQLiteDatabase& db, std::size_t animals);
     ~ParentSexes();
     ParentSexes(const ParentSexes&) = delete;
     ParentSexes& operator=(const ParentSexes&) = delete;

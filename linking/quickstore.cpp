@@ -38,9 +38,4 @@ SQLiteDatabase* quickStore(Database& db) {
     return own ? store : nullptr;
 }
 
-std::size_t rowCount(SQLiteDatabase& db) {
-    auto count = db.prepare("SELECT count(*) FROM tree");
-    return count.step() ? static_cast<std::size_t>(count.integer(0)) : 0;
-}
-
 }  // namespace linking

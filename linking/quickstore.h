@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 class Database;
 class SQLiteDatabase;
 
@@ -14,8 +12,5 @@ namespace linking {
 /// those statements do is known beforehand, and the same can be had with a look-up in memory. Everywhere else, and for
 /// every value that is not plain, the statements themselves run.
 SQLiteDatabase* quickStore(Database& db);
-
-/// The number of rows of `tree` in such a store.
-std::size_t rowCount(SQLiteDatabase& db);
 
 }  // namespace linking
