@@ -70,6 +70,8 @@ void SQLiteConnection::setManyCommits(bool many) {
 void SQLiteConnection::close() {
     if (closed_) return;
     closed_ = true;
+    // A record set that is still open would keep its lock on the file.
+    for (sqlite3_stmt* open = nullptr; (open = sqlite3_next_stmt(get(), open)) != nullptr;) sqlite3_reset(open);
     if (sqlite3_get_autocommit(get()) == 0) run("ROLLBACK");
     setManyCommits(false);
     // A journal that a failed write left behind is played back with the next access to the file.

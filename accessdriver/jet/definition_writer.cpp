@@ -131,21 +131,21 @@ void writeHead(Writer& writer, const TableSpec& table, TableKind kind, const Lay
     writer.block(table.indexes.size() * counterSize);
 }
 
-void writeColumn(Writer& writer, const ColumnSpec& spec, std::size_t number, const Place& place, TableKind kind) {
+void writeColumn(Writer& writer, const ColumnSpec& wanted, std::size_t number, const Place& place, TableKind kind) {
     const auto block = writer.block(column::size);
-    const bool text = spec.type == ColumnType::text || spec.type == ColumnType::memo;
+    const bool text = wanted.type == ColumnType::text || wanted.type == ColumnType::memo;
     std::uint8_t flags = column::alwaysFlag;
     if (place.fixed) flags |= column::fixedFlag;
-    if (spec.autoNumber) flags |= column::autoNumberFlag;
+    if (wanted.autoNumber) flags |= column::autoNumberFlag;
     if (kind == TableKind::system) flags |= column::systemFlag;
-    putU8(block, column::typeAt, static_cast<std::uint8_t>(spec.type));
+    putU8(block, column::typeAt, static_cast<std::uint8_t>(wanted.type));
     putU32(block, column::constantAt, constant);
     putU16(block, column::numberAt, number);
     putU16(block, column::variableIndexAt, place.variable);
     putU16(block, column::positionAt, number);
     if (text) putU32(block, column::sortOrderAt, generalLegacyOrder);
     putU8(block, column::flagsAt, flags);
-    putU8(block, column::moreFlagsAt, text && spec.compressed ? column::compressedFlag : 0);
+    putU8(block, column::moreFlagsAt, text && wanted.compressed ? column::compressedFlag : 0);
     putU16(block, column::fixedOffsetAt, place.offset);
     putU16(block, column::lengthAt, place.length);
 }
@@ -164,31 +164,31 @@ std::uint32_t makeRoot(PageAccess& pages, RowPointer map, std::uint32_t definiti
     return root.number();
 }
 
-void writeIndex(Writer& writer, PageAccess& pages, const TableSpec& table, const IndexSpec& spec,
+void writeIndex(Writer& writer, PageAccess& pages, const TableSpec& table, const IndexSpec& wanted,
                 std::uint32_t definition, MapMaker& maps) {
-    if (spec.columns.empty() || spec.columns.size() > physicalIndex::partCount) {
-        fail(table, "the index " + spec.name + " needs 1 to 10 columns");
+    if (wanted.columns.empty() || wanted.columns.size() > physicalIndex::partCount) {
+        fail(table, "the index " + wanted.name + " needs 1 to 10 columns");
     }
     const auto block = writer.block(physicalIndex::size);
     putU32(block, physicalIndex::constantAt, physicalIndex::constant);
     for (std::size_t i = 0; i < physicalIndex::partCount; ++i) {
         const std::size_t at = physicalIndex::partsAt + i * physicalIndex::partSize;
-        const bool used = i < spec.columns.size();
-        const bool descending = i < spec.descending.size() && spec.descending[i];
-        putU16(block, at, used ? columnNumber(table, spec.columns[i]) : physicalIndex::noColumn);
+        const bool used = i < wanted.columns.size();
+        const bool descending = i < wanted.descending.size() && wanted.descending[i];
+        putU16(block, at, used ? columnNumber(table, wanted.columns[i]) : physicalIndex::noColumn);
         putU8(block, at + 2, used && !descending ? physicalIndex::ascendingBit : 0);
     }
     const RowPointer map = maps.make();
     putRowPointer(block, physicalIndex::mapAt, map);
     putU32(block, physicalIndex::rootAt, makeRoot(pages, map, definition));
     std::uint8_t flags = physicalIndex::alwaysFlag;
-    if (spec.primaryKey || spec.unique) flags |= physicalIndex::uniqueFlag;
-    if (spec.ignoreNulls) flags |= physicalIndex::ignoreNullsFlag;
-    if (spec.primaryKey || spec.required) flags |= physicalIndex::requiredFlag;
+    if (wanted.primaryKey || wanted.unique) flags |= physicalIndex::uniqueFlag;
+    if (wanted.ignoreNulls) flags |= physicalIndex::ignoreNullsFlag;
+    if (wanted.primaryKey || wanted.required) flags |= physicalIndex::requiredFlag;
     putU8(block, physicalIndex::flagsAt, flags);
 }
 
-void writeLogicalIndex(Writer& writer, const IndexSpec& spec, std::size_t number) {
+void writeLogicalIndex(Writer& writer, const IndexSpec& wanted, std::size_t number) {
     constexpr std::uint32_t noIndex = 0xFFFFFFFF;
     const auto block = writer.block(logicalIndex::size);
     putU32(block, logicalIndex::constantAt, constant);
@@ -197,7 +197,7 @@ void writeLogicalIndex(Writer& writer, const IndexSpec& spec, std::size_t number
     putU32(block, logicalIndex::otherIndexAt, noIndex);
     putU8(block, logicalIndex::cascadeUpdatesAt, logicalIndex::noCascade);
     putU8(block, logicalIndex::cascadeDeletesAt, logicalIndex::noCascade);
-    putU8(block, logicalIndex::typeAt, spec.primaryKey ? logicalIndex::primaryKey : logicalIndex::ordinary);
+    putU8(block, logicalIndex::typeAt, wanted.primaryKey ? logicalIndex::primaryKey : logicalIndex::ordinary);
 }
 
 void writeLongColumns(Writer& writer, const TableSpec& table, MapMaker& maps) {

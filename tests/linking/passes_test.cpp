@@ -311,6 +311,17 @@ TEST_F(Passes, LeaveWhatTheStatementsWouldInAHerdAsBreedersKeepIt) {
     expectTheSame();
 }
 
+TEST_F(Passes, FindATextWhoseRarestPieceStandsAtTheVeryStartOfTheNames) {
+    Herd herd;
+    for (const char* name : {"cde", "abcd", "abcd", "xabcdex", "de"}) {
+        herd.push_back({name, {}, {}, {}, {}, "abcde", "bcde", {}});
+    }
+    layOut(herd);
+    expectTheSame();
+    EXPECT_EQ(SqlFile(path("quick.cax")).value("SELECT group_concat(fatherId || motherId) FROM tree"),
+              "44,44,44,44,44");
+}
+
 TEST_F(Passes, AFailureOnTheWayLeavesWhatThePassCameToOnTheConnection) {
     constexpr int animals = 60;
     Herd herd;

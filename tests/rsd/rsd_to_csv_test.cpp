@@ -1,5 +1,6 @@
 // RSD to CSV as a whole: every byte of the new file, every exit.
 
+#include "platform/sqlitedatabase.h"
 #include "platform/yield.h"
 #include "shell/appSystem.h"
 #include "shell/frmWait.h"
@@ -64,6 +65,7 @@ TEST_F(RsdToCsv, EveryByteOfTheFile) {
                                  "Sire - x,,,,,$5 paid  $x owed,,,,,,,,,,,,,,,,,,,,,,\n"
                                  "a ' first,,,,,'5,O'Hara,O'Hara,,,,,,,,,,,,,,,,,,,,\n";
     EXPECT_EQ(exported(prepare("plain.rsd", sql)), expected);
+    EXPECT_EQ(appSystem::db->select("SELECT 1"), nullptr) << "the connection is still open";
     EXPECT_EQ(exported(prepare("locked.cax", sql, "mbtfwqzkhl")), expected) << "with the program's key";
     EXPECT_EQ(exported("plain.rsd"), expected) << "a second run replaces the file without a word";
 }

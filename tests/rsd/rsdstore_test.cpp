@@ -166,6 +166,29 @@ TEST_F(RsdStore, RecordSetsOutliveTheirConnectionObjectButNotItsClosing) {
     EXPECT_EQ(getNameFromId(db.get(), "1"), "");
 }
 
+TEST_F(RsdStore, AClosedConnectionGivesBackItsLockAlsoUnderAnOpenRecordSet) {
+    SqlFile(makeFile("a.rsd")).run("INSERT INTO tree(name) VALUES ('Ada'), ('Bob')");
+    const auto records = GetRecordset("SELECT * FROM tree");
+    db->execute("INSERT INTO tree(name) VALUES ('not committed')");
+    closeData();
+    SqlFile other(dataPath);
+    other.run("INSERT INTO tree(name) VALUES ('Cid')");
+    EXPECT_EQ(other.rows("SELECT name FROM tree"), (Texts{"Ada", "Bob", "Cid"}));
+    EXPECT_TRUE(records->atEnd());
+}
+
+TEST_F(RsdStore, WritingOnInADeletedFileLeavesNoJournalForAnotherOfItsName) {
+    makeFile("a.rsd");
+    connectData();
+    std::filesystem::remove(dataPath);
+    db->execute("INSERT INTO tree(name) VALUES ('Ada')");
+    EXPECT_EQ(db->errorCode(), 0);
+    EXPECT_FALSE(std::filesystem::exists(dataPath + "-journal")) << "a new file would be undone with it";
+    db->commit();
+    EXPECT_EQ(GetFieldString(db->select("SELECT name FROM tree").get(), "name"), "Ada");
+    EXPECT_FALSE(std::filesystem::exists(dataPath));
+}
+
 TEST_F(RsdStore, FieldStringsByTheTextAlone) {
     struct Case {
         const char* sql;

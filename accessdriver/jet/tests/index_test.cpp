@@ -201,8 +201,8 @@ TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
             EXPECT_NE(refusal.text.find(words), std::string::npos) << refusal.text;
         }
     };
-    const auto make = [&](TableSpec spec) {
-        makeFile(path, {"", {std::move(spec)}});
+    const auto make = [&](TableSpec layout) {
+        makeFile(path, {"", {std::move(layout)}});
         const auto database = Database::open(path, "");
         insert(*database, "t", {std::string("x")});
         database->commit();
