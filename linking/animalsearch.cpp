@@ -26,10 +26,11 @@ std::optional<std::string> AnimalSearch::find(const std::string& name) {
 
 std::optional<std::string> AnimalSearch::search(const std::string& name) {
     if (!isPlain(name)) return std::nullopt;
-    if (name.find_first_of("%_") != std::string::npos) return searchWithWildcards(name);
     const std::u32string folded = NameIndex::fold(name);
-    // The one character that LIKE takes for an ASCII one: it finds its byte in the middle of other characters.
+    // The one character that LIKE takes for an ASCII one: it finds its byte in the middle of other characters, and goes
+    // on from there.
     if (folded.find(U'\x80') != std::u32string::npos) return std::nullopt;
+    if (name.find_first_of("%_") != std::string::npos) return searchWithWildcards(name);
     std::string id;
     names_.search(folded, [&](std::int64_t animal) {
         id = std::to_string(animal);
@@ -46,7 +47,7 @@ std::optional<std::string> AnimalSearch::searchWithWildcards(const std::string& 
         const std::size_t end = std::min(name.find_first_of("%_", begin), name.size());
         std::u32string piece = NameIndex::fold(std::string_view(name).substr(begin, end - begin));
         begin = end + 1;
-        if (piece.size() < NameIndex::gram || piece.find(U'\x80') != std::u32string::npos) continue;
+        if (piece.size() < NameIndex::gram) continue;
         if (rarest.empty() || names_.cost(piece) < names_.cost(rarest)) rarest = std::move(piece);
     }
     if (rarest.empty()) return std::nullopt;

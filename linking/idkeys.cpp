@@ -50,9 +50,14 @@ std::string IdKeys::ofColumn(SQLiteStatement& row, int column) {
         case SQLiteStatement::Type::real: {
             // Its text is rounded, so its bytes are the key.
             const double number = row.real(column);
+            // The one number of 64 bits that the database keeps in both types; it finds them equal.
+            constexpr double smallest = -9223372036854775808.0;
+            if (number == smallest) return "i-9223372036854775808";
             std::string key("r");
             return key.append(reinterpret_cast<const char*>(&number), sizeof number);
         }
+        case SQLiteStatement::Type::blob:
+            return std::string("b").append(row.text(column));
         default:
             return std::string("t").append(row.text(column));
     }

@@ -42,8 +42,13 @@ void ParentNames::readNames() {
 }
 
 void ParentNames::fill(std::int64_t row, const std::string& fatherId, const std::string& motherId) {
-    if (!fatherId.empty()) set(row, 0, stand(fathers_, fatherId));
-    if (!motherId.empty()) set(row, 1, stand(mothers_, motherId));
+    const auto run = [&](Parents& parents, int column, const std::string& id) {
+        const Name* name = id.empty() ? nullptr : stand(parents, id);
+        // A statement that was run may have changed this very row; what stands since then is left to finish().
+        if (!startedAnew_) set(row, column, name);
+    };
+    run(fathers_, 0, fatherId);
+    run(mothers_, 1, motherId);
 }
 
 const ParentNames::Name* ParentNames::stand(Parents& parents, const std::string& id) {
@@ -59,7 +64,7 @@ const ParentNames::Name* ParentNames::stand(Parents& parents, const std::string&
 
 /// Such a statement may read and change anything in any row.
 const ParentNames::Name* ParentNames::runLiterally(const Parents& parents, const std::string& id) {
-    if (compiles(selectName(id))) settle();
+    settle();
     const int before = db_.changeCount();
     fillNameLiterally(db_, parents.idColumn, parents.nameColumn, id);
     if (db_.changeCount() == before) return nullptr;

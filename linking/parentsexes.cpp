@@ -34,7 +34,9 @@ void ParentSexes::set(const std::string& id, std::string_view sex) {
     if (!isPlain(id)) {
         const int before = db_.changeCount();
         setSexLiterally(db_, id, sex);
-        if (db_.changeCount() != before) read();
+        if (db_.changeCount() == before) return;
+        db_.commit();
+        read();
         return;
     }
     const auto found = animals_.find(keys_.of(id));
@@ -47,9 +49,8 @@ void ParentSexes::set(Animal& animal, std::string_view sex) {
     if (animal.sex == sex) return;
     writer_.bind(1, sex);
     writer_.bind(2, animal.row);
-    // A refused statement is not noticed.
-    guarded([&] { writer_.run(); });
-    animal.sex = sex;
+    // A refused statement is not noticed, and comes again with the next offspring.
+    if (guarded([&] { writer_.run(); })) animal.sex = sex;
 }
 
 }  // namespace linking

@@ -81,6 +81,7 @@ bool SQLiteDatabase::open(int flags) {
 }
 
 bool SQLiteDatabase::createDatabaseFile() {
+    forgetStatements();
     connection_.reset();
     if (DatabaseFile.exists()) {
         openError_ = SQLITE_CANTOPEN;

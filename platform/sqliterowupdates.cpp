@@ -10,7 +10,12 @@ namespace {
 
 /// The rows that one statement may span. A loop that changes few rows writes them before the span grows so wide that
 /// looking through it takes long.
-constexpr std::int64_t span = 256;
+constexpr std::uint64_t span = 256;
+
+/// From a row to one behind it, which may be all of 64 bits away.
+std::uint64_t distance(std::int64_t from, std::int64_t to) {
+    return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
+}
 
 constexpr const char* functionName = "gathered_text";
 
@@ -60,7 +65,7 @@ void SQLiteRowUpdates::set(std::int64_t row, int column, std::string_view text) 
     if (size_ > 0) {
         const Update& last = updates_[size_ - 1];
         const bool follows = std::tie(last.row, last.column) < std::tie(row, column);
-        if (!follows || row - updates_.front().row >= span) write();
+        if (!follows || distance(updates_.front().row, row) >= span) write();
     }
     if (size_ == updates_.size()) updates_.emplace_back();
     Update& update = updates_[size_++];

@@ -78,7 +78,8 @@ bool saveToFile(const DatabaseRecord& record, std::string_view tableName) {
         db->commit();
         return true;
     } catch (...) {
-        showMessage(db ? db->errorMessage() : std::string());
+        if (!db) throw NullReference("the database");
+        showMessage(db->errorMessage());
         return false;
     }
 }

@@ -9,6 +9,7 @@
 
 #include "bench/herd.h"
 #include "linking/linking.h"
+#include "linking/quickstore.h"
 #include "platform/eventhandler.h"
 #include "platform/failure.h"
 #include "platform/sqlitedatabase.h"
@@ -67,7 +68,10 @@ const std::vector<Cell> ids{"1"s,
                             "9223372036854775808"s,
                             "0.10000000000000001"s,
                             "0.1000000000000000055"s,
-                            "-9223372036854775809"s};
+                            "-9223372036854775809"s,
+                            "-9223372036854775808"s,
+                            "-9223372036854775808.0"s,
+                            "0.10000000000000002"s};
 const std::vector<Cell> oddIds{"'"s,
                                "1'"s,
                                "O''Brien"s,
@@ -106,11 +110,15 @@ const std::vector<std::string> pieces{"a",
                                       "UNKNOWN",
                                       "\xE2\x82",
                                       "\xFC\x80\x80\x80\x80\xAF",
+                                      "\xEF\xBF\xBF",
+                                      "\xED\xB0\x80",
+                                      "\xF8\x88\x80\x80\x80",
                                       "abc",
                                       "bca"};
 const std::vector<std::string> oddPieces{"%", "_", "\0"s, "'", "''", "a_c", "b%b"};
-const std::vector<Cell> oddNames{"', sex='q"s,    "', oldId='2"s, "', fatherId='1"s,     "' || pd || '"s,
-                                 "', name='Bob"s, "', id='77"s,   std::string(1200, 'b')};
+const std::vector<Cell> oddNames{"', sex='q"s,    "', oldId='2"s,    "', fatherId='1"s,
+                                 "' || pd || '"s, "', motherId='2"s, "', id=id-1, sex='"s,
+                                 "', name='Bob"s, "', id='77"s,      std::string(1200, 'b')};
 
 /// Herds of a few values each, so that they meet.
 class Maker {
@@ -320,6 +328,41 @@ TEST_F(Passes, FindATextWhoseRarestPieceStandsAtTheVeryStartOfTheNames) {
     expectTheSame();
     EXPECT_EQ(SqlFile(path("quick.cax")).value("SELECT group_concat(fatherId || motherId) FROM tree"),
               "44,44,44,44,44");
+}
+
+TEST_F(Passes, GoTheQuickWayOnlyWhereTreeIsLaidOutAsInANewFile) {
+    const auto isQuick = [&](const std::string& change) {
+        layOut({});
+        if (!change.empty()) SqlFile(path("quick.cax")).run(change);
+        SQLiteDatabase db;
+        db.DatabaseFile = FileReference(path("quick.cax"));
+        EXPECT_TRUE(db.connect());
+        return linking::quickStore(db) == &db;
+    };
+    EXPECT_TRUE(isQuick(""));
+    EXPECT_TRUE(isQuick("CREATE TABLE other(id); INSERT INTO tree(name) VALUES ('Ada')"));
+    EXPECT_FALSE(isQuick("CREATE TRIGGER t AFTER UPDATE ON tree BEGIN DELETE FROM tree; END"));
+    EXPECT_FALSE(isQuick("CREATE INDEX i ON tree(oldId)"));
+    EXPECT_FALSE(isQuick("ALTER TABLE tree ADD COLUMN more"));
+    EXPECT_FALSE(isQuick("DROP TABLE tree; CREATE TABLE tree(id integer PRIMARY KEY, name, oldId)"));
+    EXPECT_FALSE(isQuick("DROP TABLE tree"));
+}
+
+TEST_F(Passes, StatementsThatMoveTheRowTheyCameFromTakeItsMotherAlong) {
+    const auto animal = [](const char* name, Cell oldId, Cell fatherId, Cell motherId) {
+        return Animal{name, {}, std::move(oldId), std::move(fatherId), std::move(motherId), {}, {}, {}};
+    };
+    layOut({animal("Kid", {}, "X", "M"), animal("', motherId='Z", "X", {}, {}), animal("Mary", "M", {}, {})});
+    expectTheSame();
+    layOut({animal("a", {}, {}, {}), animal("Kid", {}, "X", "M"), animal("Kid 2", {}, "X", "M"),
+            animal("', id=id-1, sex='", "X", {}, {}), animal("Mary", "M", {}, {})});
+    expectTheSame();
+}
+
+TEST_F(Passes, AWildcardBesideAByteThatStartsInTheMiddleOfACharacter) {
+    layOut({{"\xE2\x80\xB0\xA9xy", {}, {}, {}, {}, "\x80_\xA9xy", "\x80%xy", {}},
+            {"q", {}, {}, {}, {}, "\x80_\xA9xy", "_\x80\xB0%", {}}});
+    expectTheSame();
 }
 
 TEST_F(Passes, AFailureOnTheWayLeavesWhatThePassCameToOnTheConnection) {
