@@ -14,8 +14,6 @@ namespace {
 
 using csvAudit::Outcome;
 
-Key customfield(int number) { return static_cast<Key>(customfield1 + number - 1); }
-
 struct HeadingWords {
     Key key;
     std::vector<std::string> words;

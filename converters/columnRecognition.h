@@ -37,6 +37,8 @@ enum Key : int {
     keyCount
 };
 
+constexpr Key customfield(int number) { return static_cast<Key>(customfield1 + number - 1); }
+
 /// The column of a field that the file does not have. It is a real column, the last one, which a file of up to 70
 /// columns never writes: such a field reads an empty text with no test at all.
 inline constexpr int noColumn = 70;

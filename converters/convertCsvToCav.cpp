@@ -59,10 +59,8 @@ std::string insertStatement(int row, const ColumnMap& columnMap) {
     add(appSystem::rma(cell(columnRecognition::health)));
     add(cell(columnRecognition::cage));
     add(appSystem::rma(cell(columnRecognition::notes)));
-    for (int key = columnRecognition::customfield1; key < columnRecognition::customfield15; ++key) {
-        add(appSystem::rma(cell(static_cast<Key>(key))));
-    }
-    return sql + appSystem::rma(cell(columnRecognition::customfield15)) + "')";
+    for (int number = 1; number < 15; ++number) add(appSystem::rma(cell(columnRecognition::customfield(number))));
+    return sql + appSystem::rma(cell(columnRecognition::customfield(15))) + "')";
 }
 
 void writeRows(OdbcConnection& connection, const ColumnMap& columnMap, const csvAudit::Extent& extent) {
@@ -77,21 +75,6 @@ void writeRows(OdbcConnection& connection, const ColumnMap& columnMap, const csv
         RuntimeBackgroundTask();
     }
     connection.commit();
-}
-
-Outcome inferSexes(OdbcConnection& connection) {
-    if (!publicVariables::noSexColumn) return Outcome::goOn;
-    const bool wanted = askYesNo("Missing field",
-                                 "The converter cannot find information for the sex field. Do you want to determine "
-                                 "the sex by whether the animal "
-                                 "has been a father or mother in the past?" +
-                                     std::string(text::endOfLine()) +
-                                     "Click NO if you have called your sex field something else. The converter will "
-                                     "exit. Go back to your file and "
-                                     "fix it.?");
-    if (!wanted) return Outcome::endConversion;
-    appSystem::findSex(connection, "cav");
-    return Outcome::goOn;
 }
 
 void convert() {
@@ -110,7 +93,11 @@ void convert() {
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
     writeRows(connection, columnMap, extent);
     if (publicVariables::noPS || publicVariables::noPd) appSystem::convertIdRecordToName(connection, "cav");
-    if (inferSexes(connection) == Outcome::endConversion) return;
+    const Outcome sexes = csvRows::inferSexes(connection, "cav",
+                                              "The converter cannot find information for the sex field. Do you want to "
+                                              "determine the sex by whether the animal has been a father or mother in "
+                                              "the past?");
+    if (sexes == Outcome::endConversion) return;
     frmWait().close();
     showMessage("Operation completed");
 }

@@ -13,7 +13,7 @@
 #include "shell/appSystem.h"
 #include "shell/frmWait.h"
 #include "shell/paths.h"
-#include "shell/publicVariables.h"
+#include "stores/databaseerror.h"
 #include "stores/rsdaccess.h"
 #include "stores/rsdschema.h"
 #include "stores/rsdsettings.h"
@@ -22,6 +22,7 @@ namespace convertCsvToRsd {
 namespace {
 
 using columnRecognition::ColumnMap;
+using columnRecognition::customfield;
 using columnRecognition::Key;
 using csvAudit::Outcome;
 
@@ -33,8 +34,6 @@ struct Mapping {
     Key key;
     Treatment treatment;
 };
-
-constexpr Key customfield(int number) { return static_cast<Key>(columnRecognition::customfield1 + number - 1); }
 
 /// In the order in which a record is filled.
 constexpr Mapping mappings[] = {
@@ -121,9 +120,7 @@ Outcome createFile(SQLiteDatabase& database) {
         appSystem::makeRSDfields(database);
         return Outcome::goOn;
     }
-    beep();
-    const std::string gap = std::string(text::endOfLine()) + std::string(text::endOfLine());
-    showMessage("Database Error: " + std::to_string(database.errorCode()) + gap + database.errorMessage());
+    stores::reportDatabaseError(database);
     return Outcome::endConversion;
 }
 
@@ -145,21 +142,6 @@ Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const cs
     database.commit();
     // Rows that the library has kept in memory may meet the full disk only here, all of them together.
     return isUsable(database) ? Outcome::goOn : Outcome::endConversion;
-}
-
-Outcome inferSexes(SQLiteDatabase& database) {
-    if (!publicVariables::noSexColumn) return Outcome::goOn;
-    const bool wanted = askYesNo("Missing field",
-                                 "The converter cannot find a column for the animal's sex. Do you want to determine "
-                                 "the sex by whether it has been "
-                                 "a father or mother in the past?" +
-                                     std::string(text::endOfLine()) +
-                                     "Click NO if you have called your sex field something else. The converter will "
-                                     "exit. Go back to your file and "
-                                     "fix it.?");
-    if (!wanted) return Outcome::endConversion;
-    appSystem::findSex(database, "rsd");
-    return Outcome::goOn;
 }
 
 /// Before a second connection is made: points connectData at the new file again, for a conversion that was started
@@ -193,7 +175,11 @@ void convertCSV() {
     appSystem::convertIdRecordToName(database, "rsd");
     appSystem::convertNameRecordToNewId(database, "tree", "ps", "fatherId");
     appSystem::convertNameRecordToNewId(database, "tree", "pd", "motherId");
-    if (inferSexes(database) == Outcome::endConversion) return;
+    const Outcome sexes =
+        csvRows::inferSexes(database, "rsd",
+                            "The converter cannot find a column for the animal's sex. Do you want to "
+                            "determine the sex by whether it has been a father or mother in the past?");
+    if (sexes == Outcome::endConversion) return;
     if (isThere(database)) {
         appSystem::connectData();
         appSystem::UpdateVersion();

@@ -44,9 +44,7 @@ constexpr Table tables[] = {
 void report(const std::string& label, int index, double total) {
     frmWait().show();
     frmWait().ProgressBar1().setMaximum(total);
-    frmWait().lblMessage().setText(label);
-    frmWait().ProgressBar1().setValue(index / total * total);
-    frmWait().refresh(true);
+    frmWait().report(label, index, total);
 }
 
 void copy(const Table& table, OdbcConnection& connection) {

@@ -64,12 +64,9 @@ std::string animalRow(RecordSet& records) {
 }
 
 void report(int recordIndex, std::int64_t recordCount) {
-    const auto index = static_cast<double>(recordIndex);
-    const auto count = static_cast<double>(recordCount);
-    frmWait().lblMessage().setText("Converting data table - TREE" + std::string(text::endOfLine()) +
-                                   "Record: " + std::to_string(recordIndex) + " of " + std::to_string(recordCount));
-    frmWait().ProgressBar1().setValue(index / count * count);
-    frmWait().refresh(true);
+    frmWait().report("Converting data table - TREE" + std::string(text::endOfLine()) +
+                         "Record: " + std::to_string(recordIndex) + " of " + std::to_string(recordCount),
+                     recordIndex, static_cast<double>(recordCount));
 }
 
 void exportTree() {
@@ -88,7 +85,7 @@ void exportTree() {
     TextOutputStream file(appSystem::destinationFilePath);
     file.writeLine(headingRow());
     // While these rows are open, the connection keeps its lock on the file from one parent's look-up to the next.
-    const auto lock = appSystem::db ? appSystem::db->select("SELECT name FROM sqlite_master") : nullptr;
+    const auto lock = appSystem::db->select("SELECT name FROM sqlite_master");
     for (int recordIndex = 0; !records->atEnd(); ++recordIndex) {
         frmWait().ProgressBar1().setMaximum(static_cast<double>(recordCount));
         if (recordIndex % 50 == 0) report(recordIndex, recordCount);

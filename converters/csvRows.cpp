@@ -1,8 +1,11 @@
 #include "converters/csvRows.h"
 
+#include "linking/linking.h"
+#include "platform/messagebox.h"
 #include "platform/text.h"
 #include "shell/appSystem.h"
 #include "shell/frmWait.h"
+#include "shell/publicVariables.h"
 
 namespace csvRows {
 
@@ -19,6 +22,17 @@ void report(int row, const columnRecognition::ColumnMap& columnMap) {
     frmWait().lblMessage().setText("Found  - " + name + std::string(text::endOfLine()) + std::to_string(row) +
                                    " records");
     frmWait().refresh(true);
+}
+
+csvAudit::Outcome inferSexes(Database& database, std::string_view databaseKind, const std::string& question) {
+    if (!publicVariables::noSexColumn) return csvAudit::Outcome::goOn;
+    const bool wanted =
+        askYesNo("Missing field", question + std::string(text::endOfLine()) +
+                                      "Click NO if you have called your sex field something else. The converter will "
+                                      "exit. Go back to your file and fix it.?");
+    if (!wanted) return csvAudit::Outcome::endConversion;
+    appSystem::findSex(database, databaseKind);
+    return csvAudit::Outcome::goOn;
 }
 
 }  // namespace csvRows

@@ -5,6 +5,7 @@
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
+#include "shell/frmWait.h"
 
 namespace appSystem {
 namespace {
@@ -15,7 +16,7 @@ void walk(RecordSet& records, double total, Fill fill) {
         fill(std::string(records.requiredField("fatherId").text()),
              std::string(records.requiredField("motherId").text()));
         linking::showBar(total);
-        if (index % 20 == 0) linking::report("Getting name from id  #" + std::to_string(index), index, total);
+        if (index % 20 == 0) frmWait().report("Getting name from id  #" + std::to_string(index), index, total);
         records.moveNext();
         RuntimeBackgroundTask();
     }

@@ -61,9 +61,9 @@ void link(Database& db, QuickWay* quick, RecordSet& records, const std::string& 
             ++linkCount;
             linking::showBar(total);
             if (linkCount % 20 == 0) {
-                linking::report("Linked " + std::to_string(linkCount) + " " + idColumn + " records for Table " +
-                                    text::upper(tableName),
-                                linkCount, total);
+                frmWait().report("Linked " + std::to_string(linkCount) + " " + idColumn + " records for Table " +
+                                     text::upper(tableName),
+                                 linkCount, total);
             }
         }
         records.moveNext();

@@ -8,6 +8,7 @@
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "platform/yield.h"
+#include "shell/frmWait.h"
 
 namespace appSystem {
 namespace {
@@ -36,8 +37,8 @@ class SexFinder {
         db_.commit();
         linking::showBar(total_);
         // The name is that of the offspring, the row being read.
-        linking::report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + std::string(sex),
-                        index_, total_);
+        frmWait().report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + std::string(sex),
+                         index_, total_);
     }
 
     Database& db_;

@@ -21,10 +21,4 @@ void showBar(double total) {
     frmWait().ProgressBar1().setMaximum(total);
 }
 
-void report(std::string_view message, double index, double total) {
-    frmWait().lblMessage().setText(std::string(message));
-    frmWait().ProgressBar1().setValue(index / total * total);
-    frmWait().refresh(true);
-}
-
 }  // namespace linking

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 class Database;
@@ -14,8 +13,5 @@ double recordTotal(Database& db, std::string_view databaseKind, RecordSet& recor
 
 /// Shows frmWait with its bar and the bar's maximum.
 void showBar(double total);
-
-/// Puts a text and the bar's value on frmWait and repaints it at once.
-void report(std::string_view message, double index, double total);
 
 }  // namespace linking

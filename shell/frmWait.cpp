@@ -21,6 +21,12 @@ FrmWait::FrmWait()
     cmdCancel_->onAction([this] { cmdCancel_Action(); });
 }
 
+void FrmWait::report(std::string_view message, double index, double total) {
+    lblMessage_->setText(std::string(message));
+    ProgressBar1_->setValue(index / total * total);
+    refresh(true);
+}
+
 void FrmWait::Event_Open() { appSystem::setFontSize(frmWait()); }
 
 void FrmWait::cmdCancel_Action() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "platform/window.h"
 
 /// The progress window, in front of frmMain while a conversion runs. It has no cancelled flag: Cancel closes what it
@@ -12,6 +14,10 @@ class FrmWait : public Window {
     Canvas& Canvas1() { return *Canvas1_; }
     PushButton& cmdCancel() { return *cmdCancel_; }
     ProgressBar& ProgressBar1() { return *ProgressBar1_; }
+
+    /// Puts a text and the bar's value on the window and repaints it at once. The value is the index by way of its
+    /// share of the total, which is not always the index to the last bit.
+    void report(std::string_view message, double index, double total);
 
   private:
     void cmdCancel_Action();

@@ -4,8 +4,8 @@
 #include "platform/failure.h"
 #include "platform/messagebox.h"
 #include "platform/odbcconnection.h"
-#include "platform/text.h"
 #include "shell/appSystem.h"
+#include "stores/databaseerror.h"
 
 namespace cavStore {
 
@@ -20,9 +20,7 @@ bool openConnection(OdbcConnection& connection) {
     connection.setDataSource("DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + appSystem::destinationFilePath +
                              ";UID=;PWD=qr7vhdnmx;");
     if (connection.connect()) return true;
-    beep();
-    const std::string gap = std::string(text::endOfLine()) + std::string(text::endOfLine());
-    showMessage("Database Error: " + std::to_string(connection.errorCode()) + gap + connection.errorMessage());
+    stores::reportDatabaseError(connection);
     return false;
 }
 
