@@ -79,7 +79,11 @@ QWidget* WindowDriver::widget(const std::string& windowName, const std::string& 
 
 void WindowDriver::click(const std::string& windowName, const std::string& control) {
     QWidget* target = widget(windowName, control);
-    if (!target->isVisible() || !target->isEnabled()) throw std::runtime_error(control + " cannot be clicked");
+    const QWidget* inFront = QApplication::activeModalWidget();
+    const bool reachable = inFront == nullptr || inFront == target->window();
+    if (!target->isVisible() || !target->isEnabled() || !reachable) {
+        throw std::runtime_error(control + " cannot be clicked");
+    }
     QTest::mouseClick(target, Qt::LeftButton, Qt::NoModifier, clickPoint(target));
 }
 

@@ -110,6 +110,8 @@ TEST_F(CsvToCavLinking, WhatOneFileLackedIsStillLackingInTheNext) {
     driver.answers = {"No"};
     convertToCav("Csv", herd());
     const std::size_t before = log().size();
+    // The progress window was left standing.
+    driver.closeWindow("frmWait");
     driver.answers = {"Yes"};
     convertToCav("Csv", write("all.csv", "name,id,sireId,damId,sex,sire,dam\nAda,10,1,,f,,\n"));
     EXPECT_EQ(boxes(), (Lines{sexQuestion, sexQuestion, "Operation completed"}));

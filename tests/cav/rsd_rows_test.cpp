@@ -77,6 +77,29 @@ TEST_F(RsdToCav, RawValuesGoAsTheyStandAndRefusedStatementsAreSilent) {
     EXPECT_EQ(boxes(), Lines{"Operation completed"});
 }
 
+TEST_F(RsdToCav, ApostrophesSpoilRawValuesAndNoOthers) {
+    fill(
+        "INSERT INTO tree (id, name, colour, breed, sex, dob, ps, pd, tag, prefix, suffix, cage, notes, customField1, "
+        "CustomField14, CustomField15) VALUES (1, 'n''n', 'c''c', 'b''b', 's''s', 'd''d', 'p''s', 'p''d', 't''t', "
+        "'p''p', 'x''x', 'k''k', 'm''m', '1''1', '14''14', '15''15');"
+        "INSERT INTO breeding (id, breed, due, mated, born, numBoars, numSows, notes, stillBorn, numUndefined) VALUES "
+        "(1, 'b''b', 'd''d', 'm''m', 'o''o', '1''1', '2''2', 'n''n', '3''3', '4''4');"
+        "INSERT INTO soldstock (id, nameId, motherId, Notes, DateSold, SoldTo) VALUES (1, 1, 1, 'n''n', 'd''d', "
+        "'s''s');"
+        "INSERT INTO vaccinations (id, nameId, duedate, vaccination, done) VALUES (1, 1, 'd''d', 'v''v', 'o''o');");
+    convertToCav("Rsd", source());
+    EXPECT_EQ(
+        recorder.texts(recording::Kind::statement),
+        (Lines{intoTree + "n`n','c'c','b'b','s's','d'd',,,,'p`s','p`d','t't','p'p','x'x',,'k'k','m`m','1`1','','','',"
+                          "'','','','','','','','','','14`14','15`15')",
+               "INSERT INTO matings (Breed, Boar, Sow, Due, Mated, Born, numBoars, NumSows, Colour, Sold, "
+               "Unsuccessful, Stillborn, numUndefined) VALUES ('b'b','','','d'd','m'm','o'o','1'1','2'2','n'n',"
+               "'False','False','3'3','4'4')",
+               "INSERT INTO soldStock (Dam, Offspring, Colour, DateSold, SoldTo, Sire) VALUES ('n'n','n'nn'n','d'd',"
+               "'s's','')",
+               "INSERT INTO vaccinations (dueDate,name,vaccination,done) VALUES ('d'd','n'n','v'v','o'o')"}));
+}
+
 TEST_F(RsdToCav, EmptyTablesSendNothingAndASecondRunSendsAllAgain) {
     convertToCav("Rsd", source());
     EXPECT_EQ(log(), (Lines{"1: connect " + connectTo(destination()), "1: rollback", "1: disconnect"}));

@@ -106,6 +106,7 @@ TEST_F(CsvReading, TheReportListsEveryBadLineByteForByte) {
     EXPECT_EQ(driver.boxes[1].text, reported);
     EXPECT_EQ(progress, (Texts{"Found 1 errors.", "Found 2 errors.", "Found 3 errors.", "Found 4 errors."}));
     EXPECT_EQ(tree("count(*)"), Texts{"0"});
+    EXPECT_FALSE(driver.isOpen("frmWait"));
 
     import(csv, {"No", "No"});
     EXPECT_EQ(tree("name || '|' || sex"),

@@ -1,7 +1,10 @@
 // CSV to RSD as a whole: every cell of the new file, every exit.
 
+#include <cmath>
+
 #include "platform/yield.h"
 #include "shell/appSystem.h"
+#include "shell/frmWait.h"
 #include "tests/support/programfixture.h"
 #include "tests/support/sqlfile.h"
 
@@ -46,19 +49,19 @@ TEST_F(CsvToRsd, EveryCellLandsInItsColumnWithItsTreatment) {
         "Name,Colour,Breed,Sex,DOB,UID,sireId,damId,Sire,Dam,Tag,Prefix,Suffix,Call name,Health,Cage,Notes,"
         "Bought from,Bought,Price,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15\n"
         "O'Hara,re'd,Bo'xer,Dog,3/4/2010,007,1, 1 ,O'Dad,O'Mum,t'1,Ch'p,su'f,ca'l,he'l,c'1,no't,sel'r,4.5.2011,$5'0,"
-        "a'1,a2,a3,a4,a5,a6,a7,a8,a9,a10,a11,a12,a13,a14,a15\n"
-        "Eve,,,none,someday,x9,01,,,,,,,,12,,,,2011-5-4,,,,,,,,,,,,,,,,\n");
+        "a'1,a'2,a'3,a'4,a'5,a'6,a'7,a'8,a'9,a'10,a'11,a'12,a'13,a'14,a'15\n"
+        "Eve,,,none,someday,x'9,01,,,,,,,,12,,,,2011-5-4,,,,,,,,,,,,,,,,\n");
     SqlFile file(path("herd.cax"));
     EXPECT_EQ(file.rows("SELECT id, name, colour, breed, sex, dob, oldId, fatherId, motherId, ps, pd FROM tree"),
               (Texts{"1|O`Hara|re`d|Bo`xer|male|2010-04-03|7|NULL|NULL|O`Dad|O`Mum",
                      // The father 01 is not in the file, so his name becomes empty.
-                     "2|Eve|||undefined||x9|01|||"}));
+                     "2|Eve|||undefined||x'9|01|||"}));
     EXPECT_EQ(tree("tag, prefix, suffix, callname, health, cage, notes, BoughtFrom, DateBought, purchasePrice"),
               (Texts{"t'1|Ch'p|su'f|ca'l|he`l|c'1|no`t|sel`r|2011-05-04|$5'0", "||||12||||2011-05-04|"}));
     EXPECT_EQ(tree("customField1, customField2, customField3, customfield4, customField5, customField6, CustomField7, "
                    "CustomField8, CustomField9, CustomField10, CustomField11, CustomField12, CustomField13, "
                    "CustomField14, CustomField15"),
-              (Texts{"a`1|a2|a3|a4|a5|a6|a7|a8|a9|a10|a11|a12|a13|a14|a15", "||||||||||||||"}));
+              (Texts{"a`1|a`2|a`3|a`4|a`5|a`6|a`7|a`8|a`9|a`10|a`11|a`12|a`13|a`14|a`15", "||||||||||||||"}));
     EXPECT_EQ(tree("typeof(health), typeof(oldId), deceased, journal, coi, DateAdded, forSale"),
               (Texts{"text|integer|NULL|NULL|NULL|NULL|NULL", "integer|text|NULL|NULL|NULL|NULL|NULL"}));
     EXPECT_EQ(version(), "1 20402");
@@ -109,11 +112,18 @@ TEST_F(CsvToRsd, TwoEmptyNamesEndTheRowsOneDoesNot) {
 TEST_F(CsvToRsd, ProgressComesEveryTwentyRowsAndLinks) {
     yielding::setPump(yielding::Pump::everyCall);
     Texts progress;
+    Texts bars;
     bool barAtRows = false;
     driver.onEveryTurn([&] {
         if (!driver.isOpen("frmWait")) return;
         const std::string text = driver.text("frmWait", "lblMessage");
         if (progress.empty() || progress.back() != text) progress.push_back(text);
+        if (driver.isVisible("frmWait", "ProgressBar1")) {
+            const ProgressBar& bar = frmWait().ProgressBar1();
+            const std::string state =
+                std::to_string(std::lround(bar.value())) + "/" + std::to_string(std::lround(bar.maximum()));
+            if (bars.empty() || bars.back() != state) bars.push_back(state);
+        }
         if (text.starts_with("Found  - ")) barAtRows = barAtRows || driver.isVisible("frmWait", "ProgressBar1");
     });
     std::string csv = "name,id,fatherId,sire\nBob,500,,\n";
@@ -129,6 +139,8 @@ TEST_F(CsvToRsd, ProgressComesEveryTwentyRowsAndLinks) {
                    "Linked 40 fatherId records for Table TREE"};
     for (int i = 2; i <= 45; ++i) expected.push_back("Found sex  of n" + std::to_string(i) + " - male");
     EXPECT_EQ(progress, expected);
+    Texts expectedBars{"0/45", "20/45", "40/45", "40/44", "20/44", "40/44", "1/45"};
+    EXPECT_EQ(Texts(bars.begin(), bars.begin() + 7), expectedBars);
 }
 
 TEST_F(CsvToRsd, AnEarlierResultIsReplacedOnlyWhenToldSo) {

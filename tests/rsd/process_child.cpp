@@ -8,7 +8,9 @@
 #include <string>
 #include <unistd.h>
 
+#include "platform/eventhandler.h"
 #include "platform/text.h"
+#include "platform/textstream.h"
 #include "platform/yield.h"
 #include "shell/app.h"
 #include "windowdriver/windowdriver.h"
@@ -156,7 +158,7 @@ const std::map<std::string, Scenario>& scenarios() {
              user.driver.onBox([&user](const Box& box) {
                  if (box.title != "Overwrite file") return;
                  user.driver.onBox(nullptr);
-                 user.convert("Csv", "Rsd", "missing.csv");
+                 events::run([&user] { TextInputStream(user.path("missing.csv")); });
              });
              user.convert("Csv", "Rsd", "herd.csv");
          }},
