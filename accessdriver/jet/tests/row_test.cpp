@@ -70,6 +70,10 @@ TEST(StoredRowTest, fromBeforeAColumnWasAddedHasNullThere) {
     EXPECT_EQ(bytesOf(row.field(2)), ada);
     for (std::size_t added = 3; added < after.columns.size(); ++added) EXPECT_FALSE(row.field(added).present) << added;
 
+    TableDefinition withAnswer = before;
+    withAnswer.columns.push_back(column(ColumnType::boolean, 3, 1));
+    EXPECT_FALSE(StoredRow(withAnswer, bytes, {}).field(3).present) << "No, not the spare bit";
+
     // A deleted column may leave a row with the number of a variable column that it has no place for.
     TableDefinition odd = before;
     odd.columns[2].variableIndex = 5;
