@@ -13,8 +13,8 @@
 #include <string>
 
 #include "shell/app.h"
-#include "shell/frmSplash.h"
-#include "windowdriver/windowdriver.h"
+#include "shell/windows/frmSplash.h"
+#include "windowdriver/windowDriver.h"
 
 namespace {
 

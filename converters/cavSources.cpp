@@ -1,7 +1,7 @@
 #include "converters/cavSources.h"
 
-#include "platform/messagebox.h"
-#include "platform/text.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/values/text.h"
 
 namespace cavSources {
 

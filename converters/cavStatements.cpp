@@ -3,11 +3,11 @@
 #include <string_view>
 
 #include "fieldtext/normalisers.h"
-#include "fieldtext/texthelpers.h"
-#include "platform/database.h"
-#include "shell/appSystem.h"
-#include "stores/cavstore.h"
-#include "stores/rsdaccess.h"
+#include "fieldtext/textHelpers.h"
+#include "platform/database/database.h"
+#include "shell/state/appSystem.h"
+#include "stores/cavStore.h"
+#include "stores/rsdAccess.h"
 
 namespace cavStatements {
 namespace {

@@ -4,10 +4,10 @@
 #include <optional>
 #include <vector>
 
-#include "platform/messagebox.h"
-#include "platform/text.h"
-#include "platform/yield.h"
-#include "shell/publicVariables.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/desktop/yield.h"
+#include "platform/values/text.h"
+#include "shell/state/publicVariables.h"
 
 namespace columnRecognition {
 namespace {

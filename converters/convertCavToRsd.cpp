@@ -1,7 +1,7 @@
 #include "converters/convertCavToRsd.h"
 
 #include "converters/cavSources.h"
-#include "platform/failure.h"
+#include "platform/values/failure.h"
 
 namespace convertCavToRsd {
 

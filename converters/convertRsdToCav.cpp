@@ -3,16 +3,16 @@
 #include <string>
 
 #include "converters/cavStatements.h"
-#include "platform/database.h"
-#include "platform/failure.h"
-#include "platform/messagebox.h"
-#include "platform/odbcconnection.h"
-#include "platform/yield.h"
-#include "shell/appSystem.h"
-#include "shell/frmMain.h"
-#include "shell/frmWait.h"
-#include "stores/cavstore.h"
-#include "stores/rsdaccess.h"
+#include "platform/database/database.h"
+#include "platform/database/odbcConnection.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/desktop/yield.h"
+#include "platform/values/failure.h"
+#include "shell/state/appSystem.h"
+#include "shell/windows/frmMain.h"
+#include "shell/windows/frmWait.h"
+#include "stores/cavStore.h"
+#include "stores/rsdAccess.h"
 
 namespace convertRsdToCav {
 namespace {

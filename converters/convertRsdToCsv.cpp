@@ -2,18 +2,18 @@
 
 #include <array>
 
-#include "fieldtext/texthelpers.h"
-#include "platform/failure.h"
-#include "platform/messagebox.h"
-#include "platform/text.h"
-#include "platform/textstream.h"
-#include "platform/yield.h"
-#include "shell/appSystem.h"
-#include "shell/frmMain.h"
-#include "shell/frmWait.h"
-#include "shell/paths.h"
-#include "stores/rsdaccess.h"
-#include "stores/rsdsettings.h"
+#include "fieldtext/textHelpers.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/desktop/yield.h"
+#include "platform/files/textStream.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
+#include "shell/state/appSystem.h"
+#include "shell/state/paths.h"
+#include "shell/windows/frmMain.h"
+#include "shell/windows/frmWait.h"
+#include "stores/rsdAccess.h"
+#include "stores/rsdSettings.h"
 
 namespace convertRsdToCsv {
 namespace {

@@ -1,13 +1,13 @@
 #include "converters/csvAudit.h"
 
-#include "fieldtext/texthelpers.h"
-#include "platform/files.h"
-#include "platform/messagebox.h"
-#include "platform/text.h"
-#include "platform/textstream.h"
-#include "platform/yield.h"
-#include "shell/appSystem.h"
-#include "shell/frmWait.h"
+#include "fieldtext/textHelpers.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/desktop/yield.h"
+#include "platform/files/files.h"
+#include "platform/files/textStream.h"
+#include "platform/values/text.h"
+#include "shell/state/appSystem.h"
+#include "shell/windows/frmWait.h"
 
 namespace csvAudit {
 namespace {

@@ -1,11 +1,11 @@
 #include "converters/csvRows.h"
 
 #include "linking/linking.h"
-#include "platform/messagebox.h"
-#include "platform/text.h"
-#include "shell/appSystem.h"
-#include "shell/frmWait.h"
-#include "shell/publicVariables.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/values/text.h"
+#include "shell/state/appSystem.h"
+#include "shell/state/publicVariables.h"
+#include "shell/windows/frmWait.h"
 
 namespace csvRows {
 

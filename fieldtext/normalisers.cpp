@@ -3,8 +3,8 @@
 #include <array>
 #include <charconv>
 
-#include "platform/failure.h"
-#include "platform/text.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
 
 namespace appSystem {
 namespace {

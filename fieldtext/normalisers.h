@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/date.h"
+#include "platform/values/date.h"
 
 /// Bring a loose value to the one form that a destination holds. None of these rejects anything: a value that cannot be
 /// understood becomes a fixed default, and the record goes on.

@@ -1,11 +1,11 @@
 #include "linking/linking.h"
-#include "linking/parentnames.h"
+#include "linking/parentNames.h"
 #include "linking/progress.h"
-#include "linking/quickstore.h"
-#include "platform/database.h"
-#include "platform/failure.h"
-#include "platform/yield.h"
-#include "shell/frmWait.h"
+#include "linking/quickStore.h"
+#include "platform/database/database.h"
+#include "platform/desktop/yield.h"
+#include "platform/values/failure.h"
+#include "shell/windows/frmWait.h"
 
 namespace appSystem {
 namespace {

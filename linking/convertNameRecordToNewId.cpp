@@ -1,17 +1,17 @@
 #include <optional>
 #include <string>
 
-#include "fieldtext/texthelpers.h"
-#include "linking/animalsearch.h"
+#include "fieldtext/textHelpers.h"
+#include "linking/animalSearch.h"
 #include "linking/linking.h"
 #include "linking/progress.h"
-#include "linking/quickstore.h"
-#include "platform/database.h"
-#include "platform/failure.h"
-#include "platform/sqlitedatabase.h"
-#include "platform/text.h"
-#include "platform/yield.h"
-#include "shell/frmWait.h"
+#include "linking/quickStore.h"
+#include "platform/database/database.h"
+#include "platform/database/sqliteDatabase.h"
+#include "platform/desktop/yield.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
+#include "shell/windows/frmWait.h"
 
 namespace appSystem {
 namespace {

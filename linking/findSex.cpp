@@ -1,14 +1,14 @@
 #include <optional>
 
-#include "fieldtext/texthelpers.h"
+#include "fieldtext/textHelpers.h"
 #include "linking/linking.h"
-#include "linking/parentsexes.h"
+#include "linking/parentSexes.h"
 #include "linking/progress.h"
-#include "linking/quickstore.h"
-#include "platform/database.h"
-#include "platform/failure.h"
-#include "platform/yield.h"
-#include "shell/frmWait.h"
+#include "linking/quickStore.h"
+#include "platform/database/database.h"
+#include "platform/desktop/yield.h"
+#include "platform/values/failure.h"
+#include "shell/windows/frmWait.h"
 
 namespace appSystem {
 namespace {

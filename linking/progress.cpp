@@ -1,10 +1,10 @@
 #include "linking/progress.h"
 
-#include "platform/database.h"
-#include "platform/text.h"
-#include "platform/yield.h"
-#include "shell/frmWait.h"
-#include "stores/rsdaccess.h"
+#include "platform/database/database.h"
+#include "platform/desktop/yield.h"
+#include "platform/values/text.h"
+#include "shell/windows/frmWait.h"
+#include "stores/rsdAccess.h"
 
 namespace linking {
 

@@ -1,10 +1,10 @@
 #include "shell/app.h"
 
-#include "platform/failure.h"
-#include "shell/appSystem.h"
-#include "shell/filetypes.h"
-#include "shell/frmSplash.h"
-#include "shell/pictures.h"
+#include "platform/values/failure.h"
+#include "shell/state/appSystem.h"
+#include "shell/windows/fileTypes.h"
+#include "shell/windows/frmSplash.h"
+#include "shell/windows/pictures.h"
 
 App::App(int& argumentCount, char** arguments) : Application(argumentCount, arguments) {
     declareFileTypes();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/application.h"
+#include "platform/desktop/application.h"
 
 /// The application object.
 class App : public Application {

@@ -6,11 +6,11 @@
 #include "converters/convertCsvToRsd.h"
 #include "converters/convertRsdToCav.h"
 #include "converters/convertRsdToCsv.h"
-#include "platform/messagebox.h"
-#include "platform/text.h"
-#include "shell/appSystem.h"
-#include "shell/frmMain.h"
-#include "shell/paths.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/values/text.h"
+#include "shell/state/appSystem.h"
+#include "shell/state/paths.h"
+#include "shell/windows/frmMain.h"
 
 void FrmMain::cmdConvert_Action() {
     if (txtFilePath_->text().empty()) {

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "shell/frmSplash.h"
+#include "shell/windows/frmSplash.h"
 
 Guide::Guide(std::filesystem::path samples, std::filesystem::path output, int number)
     : samples_(std::move(samples)), output_(std::move(output)), number_(number) {

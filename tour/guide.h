@@ -5,7 +5,7 @@
 #include <functional>
 #include <string>
 
-#include "windowdriver/windowdriver.h"
+#include "windowdriver/windowDriver.h"
 
 /// One conversion of the tour.
 struct Stop {

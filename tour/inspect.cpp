@@ -3,8 +3,8 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "platform/odbcconnection.h"
-#include "platform/sqlitedatabase.h"
+#include "platform/database/odbcConnection.h"
+#include "platform/database/sqliteDatabase.h"
 
 namespace {
 

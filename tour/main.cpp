@@ -12,7 +12,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "platform/yield.h"
+#include "platform/desktop/yield.h"
 #include "shell/app.h"
 #include "tour/guide.h"
 #include "tour/inspect.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "accessdriver/jet/failure.h"
-#include "accessdriver/jet/header.h"
-#include "accessdriver/jet/text.h"
+#include "accessdriver/jet/records/text.h"
+#include "accessdriver/jet/storage/header.h"
 
 namespace jet {
 

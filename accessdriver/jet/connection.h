@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/catalog.h"
 #include "accessdriver/jet/database.h"
-#include "accessdriver/jet/shared_file.h"
-#include "accessdriver/jet/table_store.h"
+#include "accessdriver/jet/storage/sharedFile.h"
+#include "accessdriver/jet/tables/catalog.h"
+#include "accessdriver/jet/tables/tableStore.h"
 
 namespace jet {
 

@@ -5,7 +5,7 @@
 
 #include <sqlext.h>
 
-#include "accessdriver/odbc/sql_types.h"
+#include "accessdriver/odbc/sqlTypes.h"
 #include "accessdriver/sql/fold.h"
 #include "accessdriver/sql/numbers.h"
 

@@ -6,7 +6,7 @@
 #include <sql.h>
 
 #include "accessdriver/jet/database.h"
-#include "accessdriver/sql/row_set.h"
+#include "accessdriver/sql/rowSet.h"
 
 namespace odbc {
 

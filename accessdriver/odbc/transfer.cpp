@@ -7,7 +7,7 @@
 #include <limits>
 #include <utility>
 
-#include "accessdriver/odbc/sql_types.h"
+#include "accessdriver/odbc/sqlTypes.h"
 #include "accessdriver/odbc/text.h"
 #include "accessdriver/sql/calendar.h"
 #include "accessdriver/sql/convert.h"

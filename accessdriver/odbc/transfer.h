@@ -7,7 +7,7 @@
 #include <sqlext.h>
 
 #include "accessdriver/odbc/diagnostics.h"
-#include "accessdriver/sql/row_set.h"
+#include "accessdriver/sql/rowSet.h"
 
 namespace odbc {
 

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "accessdriver/jet/database.h"
-#include "accessdriver/sql/row_set.h"
+#include "accessdriver/sql/rowSet.h"
 #include "accessdriver/sql/statement.h"
 
 namespace sql {

@@ -8,7 +8,7 @@
 #include "accessdriver/jet/database.h"
 #include "accessdriver/sql/lookup.h"
 #include "accessdriver/sql/plan.h"
-#include "accessdriver/sql/row_set.h"
+#include "accessdriver/sql/rowSet.h"
 
 namespace sql {
 

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <unistd.h>
 
-#include "accessdriver/jet/check.h"
+#include "accessdriver/jet/checking/check.h"
 
 namespace jet::test {
 

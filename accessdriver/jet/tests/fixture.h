@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "accessdriver/jet/database.h"
-#include "accessdriver/jet/maker.h"
+#include "accessdriver/jet/making/maker.h"
 
 namespace jet::test {
 

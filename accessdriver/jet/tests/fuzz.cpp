@@ -7,9 +7,9 @@
 #include <cstdlib>
 #include <random>
 
-#include "accessdriver/jet/bytes.h"
-#include "accessdriver/jet/cav_tables.h"
-#include "accessdriver/jet/check.h"
+#include "accessdriver/jet/checking/check.h"
+#include "accessdriver/jet/making/cavTables.h"
+#include "accessdriver/jet/storage/bytes.h"
 #include "accessdriver/jet/tests/fixture.h"
 
 namespace jet::test {

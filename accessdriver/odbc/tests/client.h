@@ -9,7 +9,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-#include "accessdriver/jet/cav_tables.h"
+#include "accessdriver/jet/making/cavTables.h"
 
 namespace odbctest {
 

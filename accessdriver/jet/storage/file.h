@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "accessdriver/jet/storage/bytes.h"
+
+namespace jet {
+
+/// Names a file whatever path leads to it: device and inode.
+using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
+
+/// An open file. Every failure of the system is an Error with a sentence that names the file.
+class File {
+  public:
+    enum class Mode { existing, createIfMissing };
+
+    /// permissions are those of a file that is made. Such a one is never made, or found, behind a symbolic link.
+    File(std::string path, Mode mode, unsigned permissions = 0666);
+    ~File();
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    const std::string& path() const { return path_; }
+    FileIdentity identity() const;
+    std::uint64_t size() const;
+    /// Who may read and write it, as in File().
+    unsigned permissions() const;
+
+    /// Takes the lock that keeps other processes out until the file is closed; false if another one holds it.
+    /// Both kinds of lock that programs use are taken, since they do not see each other.
+    bool tryLock();
+
+    /// Reads exactly as many bytes as to holds; false if the file ends before that.
+    bool readAt(std::uint64_t at, std::span<std::uint8_t> to) const;
+    void writeAt(std::uint64_t at, ByteSpan bytes) { writeAt(at, std::span(&bytes, 1)); }
+    /// Writes the pieces one after the other, with one call to the system where it takes them all.
+    void writeAt(std::uint64_t at, std::span<const ByteSpan> pieces);
+    void truncate(std::uint64_t size);
+    void sync();
+
+    /// Called before every write and truncation with the descriptor, the offset and the bytes (empty for a
+    /// truncation). A test may throw, write a part and end the process, or count.
+    using WriteHook = std::function<void(int descriptor, std::uint64_t at, std::span<const ByteSpan> pieces)>;
+    static void setWriteHook(WriteHook hook);
+
+  private:
+    [[noreturn]] void fail(const char* action) const;
+
+    std::string path_;
+    int descriptor_ = -1;
+};
+
+}  // namespace jet

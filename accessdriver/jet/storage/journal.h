@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "accessdriver/jet/storage/file.h"
+
+namespace jet {
+
+/// A page as it was before the transaction.
+struct OriginalPage {
+    std::uint32_t page = 0;
+    ConstPageBytes bytes;
+};
+
+/// The rollback journal of one file: original pages of the transaction that is being written, in batches.
+///
+/// 1. A batch is written whole before the first of its pages is overwritten in the file.
+/// 2. A batch counts only if its checksum, over its head and all its records, is right; a batch that was cut short
+///    has therefore touched nothing, and neither has one after it.
+/// 3. Batches of one transaction follow each other, numbered from 0, with the same salt; the next transaction has
+///    another salt, so what an earlier one left behind is never taken for its own.
+/// 4. A batch names its file by the file's first page, which is never changed, and by its length. A journal that
+///    lies beside another file, or beside an earlier copy of its own, is refused and changes nothing.
+/// 5. A transaction ends when the signature of batch 0 is overwritten with zeroes. Before that the file belongs to
+///    the state before the transaction, after it to the one after it.
+class Journal {
+  public:
+    /// For file, which must outlive this; made with the first batch, and as private as the file is.
+    Journal(std::string path, const File& file);
+    /// Removes the journal's file if the transaction in it has ended.
+    ~Journal();
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+
+    /// Writes originals as one or more batches; returns where each one's bytes lie. fileLength is the number of
+    /// pages before the transaction.
+    std::vector<std::uint64_t> append(std::uint32_t fileLength, const std::vector<OriginalPage>& originals);
+    /// Reads a page back that append() placed at `at`.
+    void read(std::uint64_t at, PageBytes to) const;
+    /// Ends the transaction; does nothing if nothing was appended.
+    void finish();
+    bool active() const { return batches_ > 0; }
+
+    /// Brings file back to its last committed state if a journal lies at path, and removes the journal.
+    /// Throws Error: corrupt for a journal that can't be this file's, io, noPermission.
+    static void playBack(const std::string& path, File& file);
+
+  private:
+    void appendBatch(std::uint32_t fileLength, std::span<const OriginalPage> originals,
+                     std::vector<std::uint64_t>& places);
+
+    std::string path_;
+    const File& owner_;
+    std::uint32_t mark_;          // of the owner
+    std::unique_ptr<File> file_;  // made with the first batch
+    std::uint64_t salt_;
+    std::uint32_t batches_ = 0;
+    std::uint64_t end_ = 0;
+    std::vector<std::uint8_t> buffer_;
+};
+
+}  // namespace jet

@@ -1,0 +1,212 @@
+// A process that ends at any point of its work leaves a file that opens in its last committed state.
+
+#include <array>
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "accessdriver/jet/storage/file.h"
+#include "accessdriver/jet/storage/journal.h"
+#include "accessdriver/jet/storage/sharedFile.h"
+#include "accessdriver/jet/tests/fixture.h"
+
+namespace jet::test {
+namespace {
+
+class CrashTest : public FileTest {
+  protected:
+    CrashTest() { makeFile(path, {"", {everyType()}}); }
+
+    // Commits groups of rows, the number of a group in its column "whole"; after each commit a byte goes to the pipe.
+    static void work(const std::string& path, int pipe, int groups, int groupSize) {
+        const auto database = Database::open(path, "");
+        const TableInfo& info = database->table("everything");
+        std::vector<RowId> ids;
+        for (int group = 0; group < groups; ++group) {
+            for (int i = 0; i < groupSize; ++i) {
+                Row row = everyTypeRow(group * groupSize + i);
+                row[4] = group;
+                ids.push_back(insert(*database, "everything", row));
+                const Assignment change[] = {{9, std::string("group ") + std::to_string(group)},
+                                             {11, longText(static_cast<std::size_t>(group * 300 % 9000), i)}};
+                database->update(info, ids[static_cast<std::size_t>(i) * 7919 % ids.size()], change);
+            }
+            database->commit();
+            const char byte = 'c';
+            (void)!::write(pipe, &byte, 1);
+        }
+    }
+
+    // Runs body in another process, which may not come to its end. Returns what it wrote to the pipe.
+    template <class Body, class Meanwhile>
+    std::size_t commitsOf(Body body, Meanwhile meanwhile) {
+        int ends[2];
+        if (::pipe(ends) != 0) return 0;
+        const pid_t child = ::fork();
+        if (child == 0) {
+            ::close(ends[0]);
+            body(ends[1]);
+            ::_exit(0);
+        }
+        ::close(ends[1]);
+        meanwhile(child);
+        std::size_t commits = 0;
+        std::array<char, 256> buffer;
+        for (ssize_t got; (got = ::read(ends[0], buffer.data(), buffer.size())) > 0;) {
+            commits += static_cast<std::size_t>(got);
+        }
+        ::close(ends[0]);
+        ::waitpid(child, nullptr, 0);
+        return commits;
+    }
+
+    // Whole groups only, and at least those whose commit came back.
+    void expectCommitted(std::size_t commits, int groupSize) {
+        const auto database = Database::open(path, "");
+        const auto rows = rowsOf(*database, "everything");
+        EXPECT_EQ(rows.size() % static_cast<std::size_t>(groupSize), 0U);
+        const std::size_t groups = rows.size() / static_cast<std::size_t>(groupSize);
+        EXPECT_TRUE(groups == commits || groups == commits + 1) << groups << " groups, " << commits << " commits";
+        EXPECT_EQ(findings(*database), "");
+        EXPECT_FALSE(std::filesystem::exists(path + "-jetjournal"));
+    }
+
+    const std::string path = folder.file("made.mdb");
+};
+
+// The n-th write to file or journal is cut in the middle, and the process is gone.
+TEST_F(CrashTest, everyWriteMayBeTheLast) {
+    for (const std::size_t cache : {std::size_t{5000}, std::size_t{70}}) {
+        SharedFile::setCacheCapacity(cache);
+        const int groupSize = cache < 100 ? 60 : 7;
+        for (int last = 1; last < 60; ++last) {
+            makeFile(path, {"", {everyType()}});
+            const std::size_t commits = commitsOf(
+                [&](int pipe) {
+                    int writes = 0;
+                    File::setWriteHook([&](int descriptor, std::uint64_t at, std::span<const ByteSpan> pieces) {
+                        if (++writes < last) return;
+                        std::vector<std::uint8_t> bytes;
+                        for (const ByteSpan piece : pieces) bytes.insert(bytes.end(), piece.begin(), piece.end());
+                        const std::size_t part = bytes.size() * static_cast<std::size_t>(last % 4) / 4;
+                        (void)!::pwrite(descriptor, bytes.data(), part, static_cast<off_t>(at));
+                        ::_exit(1);
+                    });
+                    work(path, pipe, 12, groupSize);
+                },
+                [](pid_t) {});
+            expectCommitted(commits, groupSize);
+            if (HasFailure()) {
+                ADD_FAILURE() << "cache " << cache << ", write " << last;
+                break;
+            }
+        }
+    }
+    SharedFile::setCacheCapacity(Pager::defaultCapacity);
+}
+
+TEST_F(CrashTest, killedAtAnyMoment) {
+    for (int round = 0; round < 25; ++round) {
+        makeFile(path, {"", {everyType()}});
+        const std::size_t commits =
+            commitsOf([&](int pipe) { work(path, pipe, 1000, 5); },
+                      [&](pid_t child) {
+                          std::this_thread::sleep_for(std::chrono::microseconds(2000 + round * 1733));
+                          ::kill(child, SIGKILL);
+                      });
+        expectCommitted(commits, 5);
+        if (HasFailure()) break;
+    }
+}
+
+// Playing the journal back may be cut short as well, and is then done again.
+TEST_F(CrashTest, restoringMayBeInterrupted) {
+    commitsOf(
+        [&](int pipe) {
+            int writes = 0;
+            File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
+                if (++writes == 40) ::_exit(1);
+            });
+            work(path, pipe, 12, 7);
+        },
+        [](pid_t) {});
+    ASSERT_TRUE(std::filesystem::exists(path + "-jetjournal"));
+    const std::string file = readWhole(path), journal = readWhole(path + "-jetjournal");
+    std::string restored;
+    for (int last = 1; last < 40; ++last) {
+        writeWhole(path, file);
+        writeWhole(path + "-jetjournal", journal);
+        commitsOf(
+            [&](int) {
+                int writes = 0;
+                File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
+                    if (++writes == last) ::_exit(1);
+                });
+                Database::open(path, "");
+            },
+            [](pid_t) {});
+        EXPECT_EQ(findings(*Database::open(path, "")), "");
+        if (last == 1) restored = readWhole(path);
+        EXPECT_TRUE(readWhole(path) == restored) << last;
+    }
+}
+
+// After a crash the file was replaced, or the journal lies: playing it back would destroy a sound file.
+TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {
+    const std::string journalPath = path + "-jetjournal", otherPath = folder.file("other.mdb");
+    makeFile(otherPath, {"secret", {everyType()}});
+    const std::string file = readWhole(path);
+    const auto pages = static_cast<std::uint32_t>(file.size() / pageSize);
+    const std::vector<std::uint8_t> bytes(pageSize, 0xEE);
+    const struct {
+        const char* what;
+        std::string owner;
+        std::uint32_t length;
+        std::uint32_t page;
+    } cases[] = {{"of another file", otherPath, pages, 2},
+                 {"of a longer copy", path, pages + 1, 2},
+                 {"of a file without pages", path, 0, 0},
+                 {"with a page beyond the end", path, pages, pages},
+                 {"with a page far beyond the end", path, pages, 0xFFFFFFFF}};
+    for (const auto& lie : cases) {
+        {
+            const File owner(lie.owner, File::Mode::existing);
+            Journal(journalPath, owner).append(lie.length, {{lie.page, ConstPageBytes(bytes.data(), pageSize)}});
+        }
+        const Refusal refusal = refusalOfOpen(path);
+        EXPECT_EQ(refusal.fault, Fault::corrupt) << lie.what;
+        EXPECT_NE(refusal.text.find(journalPath), std::string::npos) << refusal.text;
+        EXPECT_TRUE(readWhole(path) == file) << lie.what;
+        ASSERT_TRUE(std::filesystem::remove(journalPath)) << lie.what;
+        EXPECT_EQ(findings(*Database::open(path, "")), "") << lie.what;
+    }
+}
+
+TEST_F(CrashTest, aJournalIsAsPrivateAsItsFileAndFollowsNoLink) {
+    std::filesystem::permissions(path, std::filesystem::perms(0600));
+    const std::string journalPath = path + "-jetjournal", victim = folder.file("victim.txt");
+    const auto database = Database::open(path, "");
+    insert(*database, "everything", everyTypeRow(1));
+    writeWhole(victim, "precious");
+    std::filesystem::create_symlink(victim, journalPath);
+    EXPECT_EQ(refusalOf([&] { database->commit(); }).fault, Fault::io);
+    EXPECT_EQ(readWhole(victim), "precious");
+    std::filesystem::remove(journalPath);
+    database->commit();
+    EXPECT_EQ(std::filesystem::status(journalPath).permissions(), std::filesystem::perms(0600));
+}
+
+TEST_F(CrashTest, aJournalThatWasCutShortHasTouchedNothing) {
+    const std::string file = readWhole(path);
+    for (const std::string& journal :
+         {std::string(), std::string(7, 'x'), std::string(5000, '\0'), std::string(9000, 'x')}) {
+        writeWhole(path + "-jetjournal", journal);
+        EXPECT_EQ(findings(*Database::open(path, "")), "");
+        EXPECT_TRUE(readWhole(path) == file);
+    }
+}
+
+}  // namespace
+}  // namespace jet::test

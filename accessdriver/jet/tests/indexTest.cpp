@@ -1,0 +1,231 @@
+#include <algorithm>
+#include <random>
+
+#include "accessdriver/jet/checking/checkPages.h"
+#include "accessdriver/jet/connection.h"
+#include "accessdriver/jet/indexes/indexKey.h"
+#include "accessdriver/jet/indexes/indexPage.h"
+#include "accessdriver/jet/indexes/textKey.h"
+#include "accessdriver/jet/records/text.h"
+#include "accessdriver/jet/tests/fixture.h"
+
+namespace jet::test {
+namespace {
+
+using IndexTest = FileTest;
+
+std::string hex(ByteSpan bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        constexpr char digits[] = "0123456789abcdef";
+        text += digits[byte >> 4];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+std::string textKeyOf(const std::string& text) {
+    std::vector<std::uint8_t> key;
+    appendTextKey(utf16FromUtf8(text), key);
+    return hex(key);
+}
+
+// Keys that Access itself stored, and that the published format notes list.
+TEST(TextKey, agreesWithKnownKeys) {
+    EXPECT_EQ(textKeyOf("admin"), "4a4f6059620100");
+    EXPECT_EQ(textKeyOf("ADMIN  "), "4a4f6059620100");
+    EXPECT_EQ(textKeyOf("ümlaut"), "6f605e4a6f6d011300");
+    EXPECT_EQ(textKeyOf("ääkkösiä"), "4a4a5c5c646b594a01131302021302021300");
+    EXPECT_EQ(textKeyOf("lots of stuff"), "5e646d6b076453076b6d6f53530100");
+    EXPECT_EQ(textKeyOf("O'Malley"), "64604a5e5e517601010101800b068000");
+    EXPECT_EQ(textKeyOf("a-b-c"), "4a4c4d01010101800b0682800f068200");
+    EXPECT_EQ(textKeyOf("'a"), "4a010101018007068000");
+    EXPECT_EQ(textKeyOf("é-"), "51010e010101800b068200");
+    EXPECT_EQ(textKeyOf("D'Artagnan é"), "4f4a696d4a55624a62075101020202020202020202020e010101800b068000");
+    EXPECT_EQ(textKeyOf("Æ"), "4a510100");
+    EXPECT_EQ(textKeyOf("Straße"), "6b6d694a6b6b510100");
+    EXPECT_EQ(textKeyOf(""), "0100");
+    // Only the first 255 characters count.
+    EXPECT_EQ(textKeyOf(std::string(255, 'a') + "Ж"), textKeyOf(std::string(255, 'a')));
+}
+
+// The key that the only row of a one-column table gets in an index over that column.
+std::string storedKey(const TempFolder& folder, ColumnType type, const Value& value, bool descending) {
+    const std::string path = folder.file("key.mdb");
+    makeFile(path,
+             {"", {{"t", {{"c", type, 20, false, true}}, {{"i", {"c"}, false, false, false, false, {descending}}}}}});
+    const auto database = Database::open(path, "");
+    insert(*database, "t", {value});
+    auto& connection = dynamic_cast<Connection&>(*database);
+    const TableDefinition& table = connection.store(database->table("t")).definition();
+    const PageRef root = connection.pages().read(table.indexes[0].root);
+    return hex(keyOf(decodeEntries(root).at(0).text));
+}
+
+TEST_F(IndexTest, keysOfEveryType) {
+    const struct {
+        ColumnType type;
+        Value value;
+        const char* ascending;
+        const char* descending;
+    } cases[] = {
+        {ColumnType::byte, 0, "7f00", "80ff"},
+        {ColumnType::integer, -2, "7f7ffe", "808001"},
+        {ColumnType::longInteger, 2, "7f80000002", "807ffffffd"},
+        {ColumnType::longInteger, -5453, "7f7fffeab3", "808000154c"},
+        {ColumnType::longInteger, 4813, "7f800012cd", "807fffed32"},
+        {ColumnType::currency, Currency{35000}, "7f80000000000088b8", "807fffffffffff7747"},
+        {ColumnType::dateTime, DateTime{40108.16473379629}, "7fc0e39585457fcf74", "803f1c6a7aba80308b"},
+        {ColumnType::doubleFloat, -1.0, "7f400fffffffffffff", "80bff0000000000000"},
+        {ColumnType::doubleFloat, -0.0, "7f8000000000000000", "807fffffffffffffff"},
+        {ColumnType::single, 1.0, "7fbf800000", "80407fffff"},
+        {ColumnType::boolean, true, "7f00", "80ff"},
+        {ColumnType::boolean, false, "7fff", "8000"},
+        {ColumnType::binary, Bytes{0, 0, 0, 1}, "7f000000010000000004", "80fffffffefffffffffb"},
+        {ColumnType::text, std::string("Æ"), "7f4a510100", "80b5aefeff00"},
+        {ColumnType::text, std::string(), "7f0100", "80feff00"},
+        {ColumnType::memo, std::string("admin"), "7f4a4f6059620100", "80b5b09fa69dfeff00"},
+        {ColumnType::text, Value{}, "00", "ff"},
+        {ColumnType::longInteger, Value{}, "00", "ff"},
+    };
+    for (const auto& each : cases) {
+        EXPECT_EQ(storedKey(folder, each.type, each.value, false), each.ascending);
+        EXPECT_EQ(storedKey(folder, each.type, each.value, true), each.descending);
+    }
+}
+
+TEST_F(IndexTest, growsAndShrinksInEveryOrder) {
+    TableSpec table{"t",
+                    {{"n", ColumnType::longInteger, 0, false, true}, {"s", ColumnType::text, 255, false, true}},
+                    {{"unique", {"n"}, false, true, false, false, {}},
+                     {"downward", {"n"}, false, false, false, false, {true}},
+                     {"text", {"s"}, false, false, false, false, {}},
+                     {"both", {"s", "n"}, false, false, false, false, {true, false}}}};
+    std::mt19937 random(7);
+    enum class Order { rising, falling, shuffled };
+    for (const Order order : {Order::rising, Order::falling, Order::shuffled}) {
+        const std::string path = folder.file("tree.mdb");
+        makeFile(path, {"", {table}});
+        const auto database = Database::open(path, "");
+        const TableInfo& info = database->table("t");
+        std::vector<std::int32_t> numbers(2500);
+        for (std::size_t i = 0; i < numbers.size(); ++i) numbers[i] = static_cast<std::int32_t>(i);
+        if (order == Order::falling) std::reverse(numbers.begin(), numbers.end());
+        if (order == Order::shuffled) std::shuffle(numbers.begin(), numbers.end(), random);
+        // Long keys of a few different values give trees of several levels and runs of equal keys.
+        const auto textFor = [](std::int32_t n) {
+            return std::string(150, static_cast<char>('a' + n % 5)) + std::to_string(n / 3);
+        };
+        std::vector<RowId> ids;
+        for (const std::int32_t n : numbers) ids.push_back(insert(*database, "t", {n, textFor(n)}));
+        EXPECT_EQ(findings(*database), "");
+        EXPECT_EQ(refusalOf([&] {
+                      insert(*database, "t", {numbers[5], std::string("x")});
+                  }).fault,
+                  Fault::duplicateKey);
+        // All move to one end, which empties leaf after leaf, and then to Null.
+        for (std::size_t i = 0; i < ids.size(); ++i) {
+            const Assignment changes[] = {{0, numbers[i] + 100000}, {1, std::string("z")}};
+            database->update(info, ids[i], changes);
+            if (i % 700 == 0) {
+                EXPECT_EQ(findings(*database), "") << i;
+            }
+        }
+        EXPECT_EQ(findings(*database), "");
+        std::shuffle(ids.begin(), ids.end(), random);
+        for (const RowId id : ids) {
+            const Assignment changes[] = {{0, Value{}}, {1, Value{}}};
+            database->update(info, id, changes);
+        }
+        EXPECT_EQ(findings(*database), "");
+        database->commit();
+        EXPECT_EQ(findings(*database), "");
+    }
+}
+
+TEST_F(IndexTest, uniqueNullAndCompositeRules) {
+    const std::string path = folder.file("rules.mdb");
+    TableSpec table{
+        "t",
+        {{"a", ColumnType::text, 50, false, true}, {"b", ColumnType::longInteger, 0, false, true}},
+        {{"pair", {"a", "b"}, false, true, false, false, {}}, {"sparse", {"b"}, false, true, true, false, {}}}};
+    TableSpec strict{"strict",
+                     {{"a", ColumnType::text, 50, false, true}, {"b", ColumnType::longInteger, 0, false, true}},
+                     {{"needed", {"a", "b"}, false, false, false, true, {}}}};
+    makeFile(path, {"", {table, strict}});
+    const auto database = Database::open(path, "");
+    const auto faultOf = [&](const char* name, const Row& row) {
+        return refusalOf([&] { insert(*database, name, row); }).fault;
+    };
+    EXPECT_EQ(faultOf("t", {std::string("Straße"), 1}), std::nullopt);
+    EXPECT_EQ(faultOf("t", {std::string("STRASSE "), 1}), Fault::duplicateKey);
+    EXPECT_EQ(faultOf("t", {Value{}, Value{}}), std::nullopt);
+    EXPECT_EQ(faultOf("t", {Value{}, Value{}}), std::nullopt);
+    EXPECT_EQ(faultOf("t", {std::string("a"), Value{}}), std::nullopt);
+    EXPECT_EQ(faultOf("t", {std::string("A"), Value{}}), Fault::duplicateKey);
+    EXPECT_EQ(faultOf("t", {std::string("b"), 1}), Fault::duplicateKey);
+    EXPECT_EQ(faultOf("strict", {std::string("a"), Value{}}), Fault::nullNotAllowed);
+    EXPECT_EQ(faultOf("strict", {std::string("a"), 5}), std::nullopt);
+    EXPECT_TRUE(database->table("strict").columns[1].required);
+    EXPECT_FALSE(database->table("t").columns[1].required);
+    EXPECT_EQ(findings(*database), "");
+}
+
+// Changes one byte of the file behind the first place where pattern stands after the catalog's definition.
+void patch(const std::string& path, const std::string& pattern, std::size_t at, char byte) {
+    std::string bytes = readWhole(path);
+    const std::size_t found = bytes.find(pattern, 3 * pageSize);
+    ASSERT_NE(found, std::string::npos);
+    bytes[found + at] = byte;
+    writeWhole(path, bytes);
+}
+
+TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
+    const TableSpec table{"t",
+                          {{"a", ColumnType::text, 50, false, true}, {"b", ColumnType::numeric, 0, false, true}},
+                          {{"i", {"a"}, false, false, false, false, {}}}};
+    const std::string path = folder.file("foreign.mdb");
+    const auto expectReadOnly = [&](const std::string& words) {
+        const auto database = Database::open(path, "");
+        const TableInfo& info = database->table("t");
+        EXPECT_EQ(rowsOf(*database, "t").size(), 1U);
+        const Assignment value[] = {{0, std::string("y")}};
+        const RowId row = [&] {
+            const auto cursor = database->scan(info);
+            cursor->next();
+            return cursor->rowId();
+        }();
+        for (const Refusal& refusal : {refusalOf([&] { database->insert(info, value); }),
+                                       refusalOf([&] { database->update(info, row, value); })}) {
+            EXPECT_EQ(refusal.fault, Fault::notWritable);
+            EXPECT_NE(refusal.text.find(words), std::string::npos) << refusal.text;
+        }
+    };
+    const auto make = [&](TableSpec layout) {
+        makeFile(path, {"", {std::move(layout)}});
+        const auto database = Database::open(path, "");
+        insert(*database, "t", {std::string("x")});
+        database->commit();
+    };
+    make(table);
+    patch(path, std::string("\xFF\xFF\xFF\xFF\0\0\0\0\4\4\0", 11), 10, 2);
+    expectReadOnly("relationship");
+
+    make(table);
+    patch(path, std::string("\x09\x04\0\0\x02", 5), 0, 7);
+    expectReadOnly("sort order");
+
+    make(table);
+    patch(path, std::string("\x09\x04\0\0\x02", 5), 3, 1);
+    expectReadOnly("sort order");
+
+    TableSpec numeric = table;
+    numeric.indexes[0].columns = {"a"};
+    make(numeric);
+    // The index moves from the text to the number.
+    patch(path, std::string("\x83\x07\0\0\0\0\1\xFF\xFF", 9), 4, 1);
+    expectReadOnly("type");
+}
+
+}  // namespace
+}  // namespace jet::test

@@ -1,0 +1,237 @@
+// The rules for single values and lines.
+
+#include "fieldtext/normalisers.h"
+#include "fieldtext/textHelpers.h"
+#include "platform/values/date.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
+#include "shell/state/appSystem.h"
+#include "tests/support/programFixture.h"
+
+namespace {
+
+using namespace std::string_literals;
+using namespace appSystem;
+using Texts = std::vector<std::string>;
+
+class FieldText : public ProgramTest {
+  protected:
+    /// The first cells of a row of the grid.
+    static Texts cells(int row, int count) {
+        Texts found;
+        for (int column = 0; column < count; ++column) found.emplace_back(CSVa.cell(row, column));
+        return found;
+    }
+};
+
+struct Pair {
+    std::string in;
+    std::string out;
+};
+
+TEST_F(FieldText, ApostrophesAndDollarSignsOnTheirWayInAndOut) {
+    EXPECT_EQ(rma("O'Hara's `$"), "O`Hara`s `$");
+    for (const Pair& c : {Pair{"O`Hara", "O'Hara"},
+                          {"was `here` before", "was 'here' before"},
+                          {"$5", "$5"},
+                          {"$ 5", "' 5"},
+                          {"cost$", "cost'"},
+                          {"a$5 b$x", "a$5 b$x"},
+                          {"a$x b$5", "a'x b'5"},
+                          {"$$5", "''5"},
+                          {"`$9$", "'$9$"},
+                          {"$\xC3\xA9", "'\xC3\xA9"},
+                          {"$\xD9\xA3", "'\xD9\xA3"},  // a digit of another script
+                          {"", ""}}) {
+        EXPECT_EQ(rpa(c.in), c.out) << c.in;
+    }
+    EXPECT_EQ(rcr("a\nb\n\nc\r"), "a - b -  - c\r");
+}
+
+TEST_F(FieldText, CleanTrimsFirstAndThenTakesOutQuotesAndLineEnds) {
+    for (const Pair& c : {Pair{"", ""},
+                          {"\"", ""},
+                          {" \t a,b \v\f", "a,b"},
+                          {"\" a \"", " a "},
+                          {"a\r\nb\"\"c", "abc"},
+                          {"\xEF\xBB\xBFname,sex", "name,sex"},
+                          {"\xC2\xA0name\xC2\xA0\xE3\x80\x80", "name"},
+                          {"\xA0name", "\xA0name"},  // no UTF-8: a letter for all that is known
+                          {"a\0b"s, "a\0b"s}}) {
+        EXPECT_EQ(clean(c.in), c.out);
+    }
+}
+
+TEST_F(FieldText, CommasAreCountedAndSplitWhereverTheyStand) {
+    EXPECT_EQ(countCommas(""), 0);
+    EXPECT_EQ(countCommas(","), 1);
+    EXPECT_EQ(countCommas(",a,\"b,c\",\xC3\xA9,"), 5);
+    struct Case {
+        std::string line;
+        Texts cells;
+    };
+    for (const Case& c : {Case{"", {""}},
+                          {" \"whole line\" ", {"whole line"}},
+                          {",", {"", ""}},
+                          {"a,b,", {"a", "b", ""}},
+                          {" a ,\"b , c\", \" d \"", {"a", "b", "c", "d"}},
+                          {"\xC2\xA0x\xC2\xA0,\xEF\xBB\xBFy", {"x", "y"}},
+                          {"caf\xE9,\xFF", {"caf\xE9", "\xFF"}}}) {
+        CSVa = TextGrid(CSVa.rowCount(), CSVa.columnCount());
+        extractfields(c.line, 3, ",");
+        EXPECT_EQ(cells(3, static_cast<int>(c.cells.size())), c.cells) << c.line;
+        EXPECT_EQ(CSVa.cell(3, static_cast<int>(c.cells.size())), "") << c.line;
+    }
+}
+
+TEST_F(FieldText, TheGridKeepsWhatALineDoesNotReachAndDropsWhatLiesOutside) {
+    const auto numbers = [](int count) {
+        std::string line = "0";
+        for (int i = 1; i < count; ++i) line += "," + std::to_string(i);
+        return line;
+    };
+    extractfields(numbers(71), 5, ",");
+    EXPECT_EQ(CSVa.cell(5, 70), "70");
+    extractfields("a,b", 5, ",");
+    EXPECT_EQ(cells(5, 4), (Texts{"a", "b", "2", "3"}));
+    EXPECT_EQ(CSVa.cell(5, 70), "70");
+
+    extractfields(numbers(72), 6, ",");
+    EXPECT_EQ(CSVa.cell(6, 70), "70") << "71 fields are kept, the last is dropped";
+    extractfields(numbers(201), 99000, ",");
+    EXPECT_EQ(CSVa.cell(99000, 70), "70");
+    extractfields("a,b", 99001, ",");
+    EXPECT_THROW(static_cast<void>(CSVa.cell(99001, 0)), OutOfBounds);
+    EXPECT_THROW(static_cast<void>(CSVa.cell(0, 71)), OutOfBounds);
+    EXPECT_EQ(CSVa.rowCount() * CSVa.columnCount(), 99001 * 71);
+}
+
+TEST_F(FieldText, GridCellsOfARowAreSetInAnyOrder) {
+    TextGrid grid(2, 5);
+    grid.setCell(1, 3, "three");
+    grid.setCell(1, 0, "zero");
+    grid.setCell(1, 3, "3");
+    grid.setCell(1, 1, "");
+    grid.setCell(1, 4, "four");
+    grid.setCell(1, 0, "a longer text than before");
+    grid.setCell(1, 2, "two");
+    std::string row;
+    for (int column = 0; column < 5; ++column) row += std::string(grid.cell(1, column)) + "|";
+    EXPECT_EQ(row, "a longer text than before||two|3|four|");
+    EXPECT_EQ(grid.cell(0, 3), "");
+    EXPECT_THROW(grid.setCell(2, 0, ""), OutOfBounds);
+    EXPECT_THROW(grid.setCell(-1, 0, ""), OutOfBounds);
+    EXPECT_THROW(grid.setCell(0, 5, ""), OutOfBounds);
+}
+
+TEST_F(FieldText, CharactersAreCountedNotBytes) {
+    const std::string mixed = "a\xC3\xA9\xE2\x82\xAC\xF0\x9F\x90\x88\xFFz";  // 1, 2, 3, 4 bytes, a stray one, 1
+    EXPECT_EQ(text::length(mixed), 6U);
+    EXPECT_EQ(text::left(mixed, 3), "a\xC3\xA9\xE2\x82\xAC");
+    EXPECT_EQ(text::mid(mixed, 4, 1), "\xF0\x9F\x90\x88");
+    EXPECT_EQ(text::mid(mixed, 5), "\xFFz");
+    EXPECT_EQ(text::mid(mixed, 9, 2), "");
+    EXPECT_EQ(text::left(mixed, 99), mixed);
+    // Cut-off, overlong and impossible sequences: every byte is a character.
+    for (const char* broken : {"\xC3", "\xE2\x82", "\xF0\x9F\x90", "\xC0\x80", "\xED\xA0\x80", "\xF5\x80\x80\x80"})
+        EXPECT_EQ(text::length(broken), std::string(broken).size());
+    EXPECT_EQ(text::lower("STRA\xC3\x9F\x45 \xC3\x84\xD0\x96 \xC4"), "stra\xC3\x9F\x65 \xC3\xA4\xD0\xB6 \xC4");
+    EXPECT_TRUE(text::equals("\xC3\x84hre", "\xC3\xA4HRE"));
+    EXPECT_FALSE(text::equals("\xC4", "\xE4")) << "no letters in no UTF-8";
+    EXPECT_FALSE(text::equals("name", "names"));
+    EXPECT_EQ(text::replaceAll("aaa", "aa", "a"), "aa") << "what was put in is not looked at again";
+    EXPECT_EQ(text::replaceAll("x", "", "y"), "x");
+}
+
+TEST_F(FieldText, SexWords) {
+    const Texts male{"m", "male", "dog", "sire", "buck", "cock", "boar", "bull", "b", "c", "MALE", "Boar"};
+    const Texts female{"f", "female", "bitch", "dam", "doe", "hen", "sow", "cow", "d", "h", "HEN", "fEMALE"};
+    const Texts neither{"", "undefined", "unknown", "?", "m ", " m", "m.", "dogs", "cows", "1", "\xEF\xBD\x8D"};
+    for (const auto& word : male) EXPECT_EQ(convertSex(word), "male") << word;
+    for (const auto& word : female) EXPECT_EQ(convertSex(word), "female") << word;
+    for (const auto& word : neither) EXPECT_EQ(convertSex(word), "undefined") << word;
+}
+
+TEST_F(FieldText, YesNoWords) {
+    for (const char* yes : {"True", "true", "TRUE", "-1", "1", "2", "yes", "Yes"})
+        EXPECT_EQ(getBooleanString(yes), "True");
+    for (const char* no : {"", "False", "false", "0", "0.0", "no", "truely", "x", "-"})
+        EXPECT_EQ(getBooleanString(no), "False");
+}
+
+TEST_F(FieldText, DatesAreReadInTheRegionalOrder) {
+    struct Case {
+        const char* text;
+        const char* dayFirst;
+        const char* monthFirst;
+    };
+    const Case cases[] = {
+        {"1/1/1925", "1925-01-01", "1925-01-01"},
+        {"3/4/2010", "2010-04-03", "2010-03-04"},
+        {"03-04-2010", "2010-04-03", "2010-03-04"},
+        {"3.4.2010", "2010-04-03", "2010-03-04"},
+        {"3 4 2010", "2010-04-03", "2010-03-04"},
+        {" 3 / 4 / 2010 ", "2010-04-03", "2010-03-04"},
+        {"31/1/2010", "2010-01-31", ""},
+        {"1/31/2010", "", "2010-01-31"},
+        {"3/4/69", "1969-04-03", "1969-03-04"},
+        {"3/4/68", "2068-04-03", "2068-03-04"},
+        {"3/4/00", "2000-04-03", "2000-03-04"},
+        {"2010-4-3", "2010-04-03", "2010-04-03"},
+        {"2010/04/03", "2010-04-03", "2010-04-03"},
+        {"3 April 2010", "2010-04-03", "2010-04-03"},
+        {"3-Apr-10", "2010-04-03", "2010-04-03"},
+        {"APRIL 3 2010", "2010-04-03", "2010-04-03"},
+        {"2010 apr 3", "2010-04-03", "2010-04-03"},
+        {"3 Sept 2010", "2010-09-03", "2010-09-03"},
+        {"29/2/2008", "2008-02-29", ""},
+        {"29/2/2009", "", ""},
+        {"29/2/1900", "", ""},
+        {"2/29/2000", "", "2000-02-29"},
+        {"3/4/2010 10:30", "2010-04-03", "2010-03-04"},
+        {"3/4/2010 0:00:00", "2010-04-03", "2010-03-04"},
+        {"3/4/2010 10:30:15.123456 pm", "2010-04-03", "2010-03-04"},
+        {"2010-04-03T00:00:00Z", "2010-04-03", "2010-04-03"},
+        {"3/4/2010 25:00", "", ""},
+        {"3/4/2010 later", "", ""},
+        {"3/4-2010", "", ""},
+        {"3/4/201", "", ""},
+        {"3/4/5", "", ""},
+        {"0/4/2010", "", ""},
+        {"3/13/2010", "", "2010-03-13"},
+        {"13/13/2010", "", ""},
+        {"3/4/0000", "", ""},
+        {"3/4", "", ""},
+        {"2010", "", ""},
+        {"20100403", "", ""},
+        {"3/4/20100", "", ""},
+        {"+3/4/2010", "", ""},
+        {"3 Nonsense 2010", "", ""},
+        {"unknown", "", ""},
+        {"", "", ""},
+        {"//", "", ""},
+        {"3//4/2010", "", ""},
+    };
+    const auto sql = [](const std::optional<Date>& date) { return date ? date->sqlForm() : std::string(); };
+    for (const Case& c : cases) {
+        EXPECT_EQ(sql(dates::parse(c.text, dates::Order::dayMonth)), c.dayFirst) << c.text;
+        EXPECT_EQ(sql(dates::parse(c.text, dates::Order::monthDay)), c.monthFirst) << c.text;
+    }
+    EXPECT_EQ(sql(CDate("3/4/2010")), "2010-04-03") << "the tests run with a region that has the day first";
+}
+
+TEST_F(FieldText, DatesForTheDatabase) {
+    for (const Pair& c : {Pair{"", ""},
+                          {"2010-04-03", "2010-04-03"},
+                          {"2010-13-99", "2010-13-99"},
+                          {"2010-04-03 10:00", "2010-04-03 10:00"},
+                          {"abcd-ef-gh", "abcd-ef-gh"},
+                          {"\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9-04-03", "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9-04-03"},
+                          {"2010-4-3", "2010-04-03"},
+                          {"3/4/2010", "2010-04-03"},
+                          {"spring", ""}}) {
+        EXPECT_EQ(convDisplayDateToSql(c.in), c.out) << c.in;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,113 @@
+#include "linking/nameIndex.h"
+
+#include <algorithm>
+
+#include "platform/desktop/yield.h"
+
+namespace linking {
+namespace {
+
+constexpr std::size_t buckets = 1U << 16U;
+
+/// Of the three characters.
+std::size_t bucketOf(const char32_t* characters) {
+    const std::uint32_t hash = characters[0] * 0x9E3779B1U + characters[1] * 0x85EBCA77U + characters[2] * 0xC2B2AE3DU;
+    return (hash ^ (hash >> 15U)) % buckets;
+}
+
+/// Bits of a lead byte that belong to the character, as the database takes them.
+char32_t leadBits(unsigned char lead) {
+    if (lead < 0xE0) return lead & 0x1FU;
+    if (lead < 0xF0) return lead & 0x0FU;
+    if (lead < 0xF8) return lead & 0x07U;
+    if (lead < 0xFC) return lead & 0x03U;
+    return lead < 0xFE ? lead & 0x01U : 0;
+}
+
+/// The next character in the database's own reading: a lead byte takes all continuation bytes that follow, however
+/// many, a continuation byte alone is the character of that number, and what is no character is U+FFFD.
+char32_t next(std::string_view text, std::size_t& at) {
+    const auto byte = static_cast<unsigned char>(text[at++]);
+    if (byte < 0xC0) return byte;
+    char32_t code = leadBits(byte);
+    for (; at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; ++at) {
+        code = (code << 6U) + (static_cast<unsigned char>(text[at]) & 0x3FU);
+    }
+    const bool noCharacter = code < 0x80 || (code & 0xFFFFF800U) == 0xD800 || (code & 0xFFFFFFFEU) == 0xFFFE;
+    return noCharacter ? 0xFFFD : code;
+}
+
+void appendFolded(std::u32string& out, std::string_view text) {
+    for (std::size_t at = 0; at < text.size() && text[at] != '\0';) {
+        const char32_t code = next(text, at);
+        out += code >= 'A' && code <= 'Z' ? code + 32 : code;
+    }
+}
+
+}  // namespace
+
+std::u32string NameIndex::fold(std::string_view text) {
+    std::u32string folded;
+    appendFolded(folded, text);
+    return folded;
+}
+
+void NameIndex::add(std::int64_t id, std::string_view fullName) {
+    starts_.push_back(static_cast<std::uint32_t>(names_.size()));
+    ids_.push_back(id);
+    appendFolded(names_, fullName);
+    names_ += U'\0';
+}
+
+void NameIndex::finish() {
+    const std::size_t places = names_.size() < gram ? 0 : names_.size() - gram + 1;
+    bucketEnds_.assign(buckets + 1, 0);
+    for (std::size_t place = 0; place < places; ++place) {
+        ++bucketEnds_[bucketOf(names_.data() + place) + 1];
+        RuntimeBackgroundTask(yielding::character);
+    }
+    for (std::size_t bucket = 1; bucket <= buckets; ++bucket) bucketEnds_[bucket] += bucketEnds_[bucket - 1];
+    // From here, entry b is where the next place of bucket b goes; in the end it is where the bucket ends.
+    places_.resize(places);
+    for (std::size_t place = 0; place < places; ++place) {
+        places_[bucketEnds_[bucketOf(names_.data() + place)]++] = static_cast<std::uint32_t>(place);
+        RuntimeBackgroundTask(yielding::character);
+    }
+}
+
+NameIndex::Rarest NameIndex::rarest(std::u32string_view folded) const {
+    Rarest best{0, 0, names_.size()};
+    for (std::size_t offset = 0; offset + gram <= folded.size(); ++offset) {
+        const std::size_t bucket = bucketOf(folded.data() + offset);
+        const std::size_t places = bucketEnds_[bucket] - (bucket == 0 ? 0 : bucketEnds_[bucket - 1]);
+        if (places < best.places) best = {offset, bucket, places};
+    }
+    return best;
+}
+
+std::size_t NameIndex::cost(std::u32string_view folded) const { return rarest(folded).places; }
+
+std::int64_t NameIndex::idAt(std::size_t place) const {
+    const auto after = std::upper_bound(starts_.begin(), starts_.end(), place);
+    return ids_[static_cast<std::size_t>(after - starts_.begin()) - 1];
+}
+
+bool NameIndex::search(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const {
+    const std::u32string_view names = names_;
+    if (folded.size() < gram) {
+        for (std::size_t at = names.find(folded); at != names.npos; at = names.find(folded, at + 1)) {
+            if (visit(idAt(at))) return true;
+        }
+        return false;
+    }
+    const auto [offset, bucket, count] = rarest(folded);
+    const auto end = places_.begin() + bucketEnds_[bucket];
+    for (auto place = end - static_cast<std::ptrdiff_t>(count); place != end; ++place) {
+        // A place too near to the start lies in another text than this one.
+        if (*place < offset || names.substr(*place - offset, folded.size()) != folded) continue;
+        if (visit(idAt(*place - offset))) return true;
+    }
+    return false;
+}
+
+}  // namespace linking

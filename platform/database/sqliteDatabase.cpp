@@ -1,0 +1,232 @@
+#include "platform/database/sqliteDatabase.h"
+
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include "platform/database/sqliteConnection.h"
+#include "platform/database/sqliteRecordSet.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
+
+namespace {
+
+/// There is one thread, so the library need not guard its objects, and nobody asks it how much memory it has in use.
+void configureLibrary() {
+    [[maybe_unused]] static const bool once = [] {
+        sqlite3_config(SQLITE_CONFIG_SINGLETHREAD);
+        sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+        return true;
+    }();
+}
+
+constexpr std::string_view blanks = " \t\r\n";
+
+/// Whether the rows of a table are what the statement changes; such a statement opens a transaction.
+bool changesRows(std::string_view sql) {
+    sql.remove_prefix(std::min(sql.find_first_not_of(blanks), sql.size()));
+    for (const std::string_view word : {"insert", "update", "delete", "replace"}) {
+        if (text::equals(sql.substr(0, word.size()), word)) return true;
+    }
+    return false;
+}
+
+/// The library keeps 2 MiB of a file in memory. An export looks up parents all over the file, and 32 MiB hold a large
+/// herd. A file that is made here keeps to the 2 MiB: its passes go from row to row, and what is written little by
+/// little on the way makes no long wait at the commit.
+constexpr const char* roomForAHerd = "PRAGMA cache_size = -32768";
+
+/// Settings that open what earlier generations of the cipher wrote; the first is the library's own default.
+std::vector<const char*> compatibilitySettings(sqlite3* handle) {
+    sqlite3_stmt* raw = nullptr;
+    sqlite3_prepare_v2(handle, "PRAGMA cipher_version", -1, &raw, nullptr);
+    const detail::StatementHandle statement(raw);
+    const bool known = statement && sqlite3_step(statement.get()) == SQLITE_ROW;
+    const std::string_view version = known ? detail::columnOf(statement.get(), 0) : std::string_view{};
+    if (version.starts_with("3.")) {
+        return {"", "PRAGMA kdf_iter = 4000", "PRAGMA cipher_use_hmac = OFF; PRAGMA kdf_iter = 4000"};
+    }
+    return {"", "PRAGMA cipher_compatibility = 3", "PRAGMA cipher_compatibility = 2",
+            "PRAGMA cipher_compatibility = 1"};
+}
+
+bool isReadable(sqlite3* handle) {
+    return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+/// Whether the file begins as a plain database does, so that no key can fit and none need be derived.
+bool isPlain(const std::string& path) {
+    static constexpr std::string_view signature("SQLite format 3\0", 16);
+    std::array<char, signature.size()> start{};
+    std::ifstream(path, std::ios::binary).read(start.data(), start.size());
+    return std::string_view(start.data(), start.size()) == signature;
+}
+
+}  // namespace
+
+SQLiteDatabase::SQLiteDatabase() = default;
+SQLiteDatabase::~SQLiteDatabase() = default;
+
+bool SQLiteDatabase::open(int flags) {
+    configureLibrary();
+    sqlite3* raw = nullptr;
+    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags, nullptr);
+    auto opened = std::make_shared<detail::SQLiteConnection>(raw);
+    openError_ = result;
+    openMessage_ = raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result);
+    if (result != SQLITE_OK) return false;
+    sqlite3_extended_result_codes(raw, 0);
+    connection_ = std::move(opened);
+    return true;
+}
+
+bool SQLiteDatabase::createDatabaseFile() {
+    forgetStatements();
+    connection_.reset();
+    if (DatabaseFile.exists()) {
+        openError_ = SQLITE_CANTOPEN;
+        openMessage_ = "there is a file of that name already";
+        return false;
+    }
+    if (DatabaseFile.nativePath().empty() || !open(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return false;
+    if (!EncryptionKey.empty()) {
+        sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
+    }
+    connection_->flushAtEnd();
+    // Writes the file's header, so that the file exists and a folder that cannot be written shows now.
+    if (connection_->run("PRAGMA user_version = 0")) return true;
+    openError_ = connection_->errorCode();
+    openMessage_ = connection_->errorMessage();
+    connection_.reset();
+    return false;
+}
+
+bool SQLiteDatabase::connect() {
+    if (connection_ && connection_->isOpen()) return connection_->usable();
+    forgetStatements();
+    connection_.reset();
+    const bool plain = isPlain(DatabaseFile.nativePath());
+    if (plain && !EncryptionKey.empty()) {
+        openError_ = SQLITE_NOTADB;
+        openMessage_ = sqlite3_errstr(SQLITE_NOTADB);
+        return false;
+    }
+    // Each attempt derives a key, which takes long, and a conversion opens its file some twenty times.
+    static std::size_t lastFit = 0;
+    std::size_t attempts = 1;
+    for (std::size_t attempt = 0; attempt < attempts; ++attempt) {
+        if (DatabaseFile.nativePath().empty() || !open(SQLITE_OPEN_READWRITE)) return false;
+        sqlite3* handle = connection_->get();
+        std::size_t generation = 0;
+        if (!EncryptionKey.empty()) {
+            const auto settings = compatibilitySettings(handle);
+            attempts = settings.size();
+            generation = (lastFit + attempt) % attempts;
+            sqlite3_key(handle, EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
+            sqlite3_exec(handle, settings[generation], nullptr, nullptr, nullptr);
+        }
+        if (isReadable(handle)) {
+            connection_->run(roomForAHerd);
+            if (!EncryptionKey.empty()) lastFit = generation;
+            return true;
+        }
+        openError_ = sqlite3_errcode(handle);
+        openMessage_ = sqlite3_errmsg(handle);
+        connection_.reset();
+    }
+    return false;
+}
+
+std::shared_ptr<RecordSet> SQLiteDatabase::select(std::string_view sql) {
+    if (!connection_ || !connection_->isOpen()) return nullptr;
+    auto statement = connection_->prepare(sql);
+    if (!statement || sqlite3_column_count(statement.get()) == 0) return nullptr;
+    const int result = connection_->step(statement.get());
+    if (result != SQLITE_ROW && result != SQLITE_DONE) return nullptr;
+    return detail::makeRecordSet(connection_, std::move(statement), sql, result == SQLITE_DONE);
+}
+
+void SQLiteDatabase::execute(std::string_view sql) {
+    if (!connection_ || !connection_->isOpen()) return;
+    const auto statement = connection_->prepare(sql);
+    if (!statement) return;
+    if (changesRows(sql)) connection_->beginIfNeeded();
+    while (connection_->step(statement.get()) == SQLITE_ROW) {
+    }
+}
+
+SQLiteDatabase::Insert& SQLiteDatabase::insertFor(std::string_view table, const DatabaseRecord& record) {
+    constexpr std::size_t mostKept = 8;
+    const auto sameName = [](const std::string& name, const auto& column) { return name == column.first; };
+    for (Insert& insert : inserts_) {
+        if (insert.table == table && std::equal(insert.columns.begin(), insert.columns.end(), record.columns().begin(),
+                                                record.columns().end(), sameName)) {
+            return insert;
+        }
+    }
+    if (inserts_.size() == mostKept) inserts_.clear();
+    std::vector<std::string> names;
+    std::string columns;
+    std::string values;
+    for (const auto& column : record.columns()) {
+        columns += (names.empty() ? "" : ",") + detail::quoted(column.first);
+        values += names.empty() ? "?" : ",?";
+        names.push_back(column.first);
+    }
+    const std::string sql = "INSERT INTO " + detail::quoted(table) + " (" + columns + ") VALUES (" + values + ")";
+    return inserts_.emplace_back(Insert{std::string(table), std::move(names), {connection_, sql}});
+}
+
+void SQLiteDatabase::insertRecord(std::string_view table, const DatabaseRecord& record) {
+    if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
+    // A refused row sets the error and no more, also where its table is missing.
+    guarded([&] {
+        SQLiteStatement& statement = insertFor(table, record).statement;
+        int parameter = 0;
+        for (const auto& column : record.columns()) statement.bind(++parameter, column.second);
+        statement.run();
+    });
+}
+
+void SQLiteDatabase::commit() {
+    if (connection_) connection_->commit();
+}
+
+int SQLiteDatabase::errorCode() const { return connection_ ? connection_->errorCode() : openError_; }
+
+std::string SQLiteDatabase::errorMessage() const { return connection_ ? connection_->errorMessage() : openMessage_; }
+
+void SQLiteDatabase::close() {
+    forgetStatements();
+    if (connection_) connection_->close();
+}
+
+SQLiteStatement SQLiteDatabase::prepare(std::string_view sql) {
+    if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
+    return {connection_, sql};
+}
+
+void SQLiteDatabase::forgetStatements() {
+    inserts_.clear();
+    kept_.reset();
+}
+
+SQLiteStatement& SQLiteDatabase::prepareOnce(std::string_view sql) {
+    if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
+    if (!kept_ || sql != keptSql_) {
+        kept_ = std::make_unique<SQLiteStatement>(connection_, sql);
+        keptSql_ = sql;
+    }
+    return *kept_;
+}
+
+SQLiteRowUpdates SQLiteDatabase::updateRows(std::string_view table, const std::vector<std::string>& columns) {
+    if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
+    return {connection_, table, columns};
+}
+
+int SQLiteDatabase::changeCount() const { return connection_ ? sqlite3_total_changes(connection_->get()) : 0; }
+
+void SQLiteDatabase::setManyCommits(bool many) {
+    if (connection_ && connection_->isOpen()) connection_->setManyCommits(many);
+}

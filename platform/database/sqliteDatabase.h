@@ -1,0 +1,86 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/database/database.h"
+#include "platform/database/sqliteRowUpdates.h"
+#include "platform/database/sqliteStatement.h"
+#include "platform/files/files.h"
+
+/// A connection to an SQLite file, plain or encrypted by SQLCipher with a text key.
+///
+/// INSERT, UPDATE and DELETE open a transaction if none is open and commit() ends it; other statements take effect at
+/// once. What is not committed when the connection goes away leaves nothing behind. Each commit reaches the file, and a
+/// crash at any point leaves a file that opens; only the flush to the disk waits until the connection goes away.
+/// A text that holds more than one statement is refused as a whole, so that no value can bring in a statement of its
+/// own.
+class SQLiteDatabase : public Database {
+  public:
+    SQLiteDatabase();
+    ~SQLiteDatabase() override;
+
+    FileReference DatabaseFile;
+    std::string EncryptionKey;
+
+    /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails or if there is a
+    /// file of that name already.
+    bool createDatabaseFile();
+
+    /// Opens an existing file; false, with the error set, if there is none or the key does not fit. On an open
+    /// connection: false once the file proved unusable (disk full, input or output failed, file damaged).
+    bool connect() override;
+
+    std::shared_ptr<RecordSet> select(std::string_view sql) override;
+    void execute(std::string_view sql) override;
+
+    /// Adds a row. Raises DatabaseFailure without a connection; a refused row only sets the error.
+    void insertRecord(std::string_view table, const DatabaseRecord& record);
+
+    void commit() override;
+    int errorCode() const override;
+    std::string errorMessage() const override;
+    void close() override;
+
+    /// Raises DatabaseFailure without a connection, or if the statement does not compile.
+    SQLiteStatement prepare(std::string_view sql);
+
+    /// The same for a statement that runs again and again: it is prepared at its first call and kept until another one
+    /// is asked for.
+    SQLiteStatement& prepareOnce(std::string_view sql);
+
+    /// Gathers new texts for columns of a table. Raises DatabaseFailure without a connection, or if one is missing.
+    SQLiteRowUpdates updateRows(std::string_view table, const std::vector<std::string>& columns);
+
+    /// Rows inserted, changed and deleted on this connection so far; 0 without one.
+    int changeCount() const;
+
+    /// Makes commits cheap for a loop of many small ones: the lock and the journal file are kept from one commit to the
+    /// next, so nobody else gets at the file meanwhile, and a crash is still made good by the next reader. Switching it
+    /// off, or closing, gives back the lock and removes the journal. Does nothing inside a transaction.
+    void setManyCommits(bool many);
+
+  private:
+    bool open(int flags);
+    void forgetStatements();
+
+    std::shared_ptr<detail::SQLiteConnection> connection_;
+    int openError_ = 0;
+    std::string openMessage_;
+
+    /// An insert into a table, and the columns that it fills.
+    struct Insert {
+        std::string table;
+        std::vector<std::string> columns;
+        SQLiteStatement statement;
+    };
+    Insert& insertFor(std::string_view table, const DatabaseRecord& record);
+
+    /// Rows of one table have the same columns, but for the few that a row may leave out.
+    std::vector<Insert> inserts_;
+
+    std::string keptSql_;
+    std::unique_ptr<SQLiteStatement> kept_;
+};

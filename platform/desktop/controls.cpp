@@ -1,0 +1,188 @@
+#include "platform/desktop/controls.h"
+
+#include <QtWidgets/QCheckBox>
+#include <QtWidgets/QComboBox>
+#include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QProgressBar>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QRadioButton>
+#include <QtWidgets/QTabWidget>
+#include <QtWidgets/QToolButton>
+
+#include "platform/desktop/child.h"
+#include "platform/desktop/eventHandler.h"
+#include "platform/values/text.h"
+
+namespace {
+
+QString shown(const std::string& text) { return QString::fromStdString(text); }
+
+void setTextColour(QWidget* widget, QPalette::ColorRole role, const Colour& colour) {
+    QPalette palette = widget->palette();
+    palette.setColor(role, QColor(colour.red, colour.green, colour.blue));
+    widget->setPalette(palette);
+}
+
+}  // namespace
+
+Label::Label(QWidget* parent, std::string name, const Place& place, std::string text, Lines lines)
+    : TextControl(makeChild<QLabel>(parent), std::move(name), place),
+      label_(static_cast<QLabel*>(widget())),
+      text_(std::move(text)),
+      lines_(lines) {
+    label_->setTextFormat(Qt::PlainText);
+    label_->setWordWrap(lines == Lines::several);
+    if (lines == Lines::several) label_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    changed();
+}
+
+void Label::setText(const std::string& text) {
+    text_ = text;
+    changed();
+}
+
+void Label::setColour(const Colour& colour) { setTextColour(label_, QPalette::WindowText, colour); }
+
+void Label::apply() {
+    // An animal's name may be as long as its file; a label of this many characters is overfull by far.
+    const QString whole = shown(text::shortened(text_, 1000));
+    label_->setAccessibleName(whole);
+    if (lines_ == Lines::several) {
+        label_->setText(whole);
+        return;
+    }
+    const QString fitting = label_->fontMetrics().elidedText(whole, Qt::ElideMiddle, label_->width());
+    label_->setText(fitting);
+    label_->setToolTip(fitting == whole ? QString() : whole);
+}
+
+TextField::TextField(QWidget* parent, std::string name, const Place& place)
+    : TextControl(makeChild<QLineEdit>(parent), std::move(name), place), field_(static_cast<QLineEdit*>(widget())) {}
+
+std::string TextField::text() const { return field_->text().toStdString(); }
+
+void TextField::setText(const std::string& text) { field_->setText(shown(text)); }
+
+void TextField::setColour(const Colour& colour) { setTextColour(field_, QPalette::Text, colour); }
+
+void TextField::setTabStop(bool tabStop) { field_->setFocusPolicy(tabStop ? Qt::StrongFocus : Qt::ClickFocus); }
+
+TextArea::TextArea(QWidget* parent, std::string name, const Place& place)
+    : TextControl(makeChild<QPlainTextEdit>(parent), std::move(name), place),
+      area_(static_cast<QPlainTextEdit*>(widget())) {}
+
+std::string TextArea::text() const { return area_->toPlainText().toStdString(); }
+
+void TextArea::setText(const std::string& text) { area_->setPlainText(shown(text)); }
+
+Button::Button(QAbstractButton* button, std::string name, const Place& place, const std::string& text)
+    : TextControl(button, std::move(name), place), button_(button) {
+    button_->setText(shown(text));
+}
+
+std::string Button::text() const { return button_->text().toStdString(); }
+
+void Button::setText(const std::string& text) { button_->setText(shown(text)); }
+
+void Button::onAction(std::function<void()> action) {
+    QObject::connect(button_, &QAbstractButton::clicked, button_,
+                     [action = std::move(action)] { events::run(action); });
+}
+
+void Button::press() { button_->click(); }
+
+PushButton::PushButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
+    : Button(makeChild<QPushButton>(parent), std::move(name), place, text) {
+    auto* push = static_cast<QPushButton*>(button());
+    push->setAutoDefault(false);
+    push->setDefault(false);
+}
+
+BevelButton::BevelButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
+    : Button(makeChild<QToolButton>(parent), std::move(name), place, text) {}
+
+CheckBox::CheckBox(QWidget* parent, std::string name, const Place& place, const std::string& text)
+    : Button(makeChild<QCheckBox>(parent), std::move(name), place, text) {}
+
+RadioButton::RadioButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
+    : Button(makeChild<QRadioButton>(parent), std::move(name), place, text) {
+    // Said aloud, or the bold title of its group box would make it bold too.
+    setBold(false);
+}
+
+bool RadioButton::selected() const { return button()->isChecked(); }
+
+GroupBox::GroupBox(QWidget* parent, std::string name, const Place& place, const std::string& title)
+    : TextControl(makeChild<QGroupBox>(parent), std::move(name), place), box_(static_cast<QGroupBox*>(widget())) {
+    box_->setTitle(shown(title));
+}
+
+std::string GroupBox::text() const { return box_->title().toStdString(); }
+
+void GroupBox::setText(const std::string& text) { box_->setTitle(shown(text)); }
+
+PopupMenu::PopupMenu(QWidget* parent, std::string name, const Place& place)
+    : PopupMenu(makeChild<QComboBox>(parent), std::move(name), place) {}
+
+PopupMenu::PopupMenu(QComboBox* box, std::string name, const Place& place)
+    : TextControl(box, std::move(name), place), box_(box) {}
+
+std::string PopupMenu::text() const { return box_->currentText().toStdString(); }
+
+void PopupMenu::setText(const std::string& text) { box_->setCurrentText(shown(text)); }
+
+ComboBox::ComboBox(QWidget* parent, std::string name, const Place& place)
+    : PopupMenu(makeChild<QComboBox>(parent), std::move(name), place) {
+    static_cast<QComboBox*>(widget())->setEditable(true);
+}
+
+ListBox::ListBox(QWidget* parent, std::string name, const Place& place)
+    : TextControl(makeChild<QListWidget>(parent), std::move(name), place), list_(static_cast<QListWidget*>(widget())) {}
+
+std::string ListBox::text() const {
+    const QListWidgetItem* item = list_->currentItem();
+    return item == nullptr ? std::string() : item->text().toStdString();
+}
+
+void ListBox::setText(const std::string& text) {
+    if (QListWidgetItem* item = list_->currentItem()) item->setText(shown(text));
+}
+
+TabPanel::TabPanel(QWidget* parent, std::string name, const Place& place)
+    : TextControl(makeChild<QTabWidget>(parent), std::move(name), place), tabs_(static_cast<QTabWidget*>(widget())) {}
+
+std::string TabPanel::text() const { return tabs_->tabText(tabs_->currentIndex()).toStdString(); }
+
+void TabPanel::setText(const std::string& text) { tabs_->setTabText(tabs_->currentIndex(), shown(text)); }
+
+Canvas::Canvas(QWidget* parent, std::string name, const Place& place, const Picture& picture)
+    : Control(makeChild<QLabel>(parent), std::move(name), place) {
+    widget()->setFocusPolicy(Qt::NoFocus);
+    if (picture) static_cast<QLabel*>(widget())->setPixmap(picture.pixmap());
+}
+
+ProgressBar::ProgressBar(QWidget* parent, std::string name, const Place& place)
+    : Control(makeChild<QProgressBar>(parent), std::move(name), place), bar_(static_cast<QProgressBar*>(widget())) {
+    bar_->setTextVisible(false);
+    changed();
+}
+
+void ProgressBar::setMaximum(double maximum) {
+    if (maximum_ == maximum) return;
+    maximum_ = maximum;
+    changed();
+}
+
+void ProgressBar::setValue(double value) {
+    value_ = value;
+    changed();
+}
+
+void ProgressBar::apply() {
+    bar_->setMaximum(static_cast<int>(maximum_));
+    bar_->setValue(static_cast<int>(value_));
+}

@@ -1,0 +1,90 @@
+#include "platform/desktop/eventHandler.h"
+
+#include <exception>
+#include <vector>
+
+#include <QtCore/QTimer>
+
+#include "platform/desktop/control.h"
+#include "platform/desktop/window.h"
+#include "platform/values/failure.h"
+
+namespace {
+
+struct State {
+    int depth = 0;
+    std::exception_ptr pending;
+    std::vector<std::unique_ptr<Window>> retired;
+    std::function<void(const std::string&)> reporter;
+    std::function<void()> idleObserver;
+};
+
+State& state() {
+    static State instance;
+    return instance;
+}
+
+std::string describe(const std::exception_ptr& failure) {
+    try {
+        std::rethrow_exception(failure);
+    } catch (const std::exception& known) {
+        return known.what();
+    } catch (...) {
+        return "A failure without a description.";
+    }
+}
+
+/// Tells the failure that nothing took. What else fails while the report is on the screen is not told.
+void report() {
+    const auto failure = std::exchange(state().pending, nullptr);
+    if (!failure || !state().reporter) return;
+    guarded([&] { state().reporter(describe(failure)); });
+    state().pending = nullptr;
+}
+
+void settle() {
+    if (state().depth > 0) return;
+    state().retired.clear();
+    if (state().idleObserver) state().idleObserver();
+}
+
+}  // namespace
+
+namespace events {
+
+void run(const std::function<void()>& handler) {
+    ++state().depth;
+    try {
+        handler();
+    } catch (...) {
+        // The first failure is the cause; what follows from it while it waits is not told.
+        if (!state().pending) state().pending = std::current_exception();
+    }
+    // Before the depth goes down: what lies underneath must live until the report has been read.
+    if (state().depth == 1) report();
+    --state().depth;
+    Control::applyChanges();
+    if (state().depth > 0) return;
+    // Not here: the control whose event this is may belong to a closed window.
+    QTimer::singleShot(0, settle);
+}
+
+void rethrowPending() {
+    if (state().pending) std::rethrow_exception(std::exchange(state().pending, nullptr));
+}
+
+void retire(std::unique_ptr<Window> window) {
+    state().retired.push_back(std::move(window));
+    if (state().depth == 0) QTimer::singleShot(0, settle);
+}
+
+void setFailureReporter(std::function<void(const std::string&)> reporter) { state().reporter = std::move(reporter); }
+
+void setIdleObserver(std::function<void()> observer) { state().idleObserver = std::move(observer); }
+
+void clear() {
+    state().pending = nullptr;
+    state().retired.clear();
+}
+
+}  // namespace events

@@ -1,0 +1,132 @@
+#include "platform/desktop/window.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include <QtGui/QCloseEvent>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+#include <QtGui/QWindow>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QBoxLayout>
+#include <QtWidgets/QMenuBar>
+
+#include "platform/desktop/child.h"
+#include "platform/desktop/eventHandler.h"
+#include "platform/desktop/menuBar.h"
+
+namespace {
+
+/// Nobody sees more than about sixty pictures a second.
+constexpr auto paintInterval = std::chrono::milliseconds(16);
+
+std::vector<Window*>& openWindows() {
+    static std::vector<Window*> windows;
+    return windows;
+}
+
+/// The widget behind a window; its close box closes the window.
+class WindowWidget : public QWidget {
+  public:
+    explicit WindowWidget(Window& window) : window_(window) {}
+
+  protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        events::run([this] { window_.close(); });
+    }
+
+  private:
+    Window& window_;
+};
+
+Qt::WindowFlags flagsOf(WindowLayout::Kind kind) {
+    const Qt::WindowFlags type = kind == WindowLayout::Kind::document ? Qt::Window : Qt::Dialog;
+    return type | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowMinimizeButtonHint | Qt::WindowCloseButtonHint;
+}
+
+}  // namespace
+
+Window::Window(const WindowLayout& layout) : widget_(std::make_unique<WindowWidget>(*this)) {
+    widget_->setObjectName(QString::fromStdString(layout.name));
+    widget_->setWindowTitle(QString::fromStdString(layout.title));
+    widget_->setWindowFlags(flagsOf(layout.kind));
+    if (layout.kind == WindowLayout::Kind::modalDialog) widget_->setWindowModality(Qt::ApplicationModal);
+    if (layout.background) {
+        QPalette palette = widget_->palette();
+        palette.setColor(QPalette::Window,
+                         QColor(layout.background->red, layout.background->green, layout.background->blue));
+        widget_->setPalette(palette);
+    }
+    auto* box = makeChild<QVBoxLayout>(widget_.get());
+    box->setContentsMargins(0, 0, 0, 0);
+    content_ = makeChild<QWidget>(widget_.get());
+    content_->setProperty("contentArea", true);
+    box->addWidget(content_);
+    int height = layout.height;
+    if (layout.menuBar != nullptr) {
+        auto* bar = makeChild<QMenuBar>(widget_.get());
+        layout.menuBar->fill(*bar);
+        box->setMenuBar(bar);
+        if (!bar->isNativeMenuBar()) height += bar->sizeHint().height();
+    }
+    widget_->resize(layout.width, height);
+    if (layout.centred) {
+        widget_->move(QGuiApplication::primaryScreen()->availableGeometry().center() - widget_->rect().center());
+    }
+}
+
+Window::~Window() { std::erase(openWindows(), this); }
+
+void Window::open(std::function<std::unique_ptr<Window>()> release) {
+    release_ = std::move(release);
+    openWindows().push_back(this);
+    Event_Open();
+    if (!closed_) show();
+}
+
+void Window::show() {
+    if (closed_ || widget_->isVisible()) return;
+    Control::applyChanges();
+    if (widget_->windowModality() != Qt::NonModal) {
+        // A dialog stays in front of the window that it belongs to.
+        widget_->winId();
+        const auto others = openWindows();
+        if (others.front() != this)
+            widget_->windowHandle()->setTransientParent(others.front()->widget_->windowHandle());
+    }
+    widget_->show();
+    bringToFront();
+}
+
+void Window::bringToFront() {
+    if (closed_) return;
+    widget_->raise();
+    widget_->activateWindow();
+}
+
+void Window::close() {
+    if (closed_) return;
+    closed_ = true;
+    std::erase(openWindows(), this);
+    widget_->hide();
+    Event_Close();
+    if (auto self = release_()) events::retire(std::move(self));
+}
+
+void Window::refresh(bool immediate) {
+    using Clock = std::chrono::steady_clock;
+    static Clock::time_point lastPaint;
+    const auto now = Clock::now();
+    if (!immediate || now - lastPaint < paintInterval) return;
+    lastPaint = now;
+    Control::applyChanges();
+    widget_->repaint();
+}
+
+int Window::openCount() { return static_cast<int>(openWindows().size()); }
+
+void Window::closeAll() {
+    while (!openWindows().empty()) openWindows().back()->close();
+}

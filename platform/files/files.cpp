@@ -1,0 +1,92 @@
+#include "platform/files/files.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QStandardPaths>
+#include <QtCore/QUrl>
+#include <QtGui/QDesktopServices>
+
+#include "platform/values/failure.h"
+
+namespace {
+
+std::string withSeparator(const QString& path) {
+    std::string native = QDir::toNativeSeparators(path).toStdString();
+    const char separator = static_cast<char>(std::filesystem::path::preferred_separator);
+    if (native.empty() || native.back() != separator) native += separator;
+    return native;
+}
+
+/// A folder that comes with the program: beside it, or where a package keeps such things on this platform.
+std::string besideProgram(const QString& name) {
+    const QString program = QCoreApplication::applicationDirPath();
+    for (const QString& place : {program + "/../share/tolvaris-converter/", program + "/../Resources/"}) {
+        if (QDir(place + name).exists()) return withSeparator(QDir::cleanPath(place + name));
+    }
+    return withSeparator(program + "/" + name);
+}
+
+}  // namespace
+
+bool FileReference::exists() const {
+    std::error_code ignored;
+    return !path_.empty() && std::filesystem::exists(path_, ignored);
+}
+
+bool FileReference::remove() const {
+    std::error_code failed;
+    // A folder of that name, were it empty, would go without a word.
+    if (path_.empty() || std::filesystem::is_directory(std::filesystem::symlink_status(path_, failed))) return false;
+    return std::filesystem::remove(path_, failed) && !failed;
+}
+
+FileReference FileReference::parent() const {
+    return FileReference(std::filesystem::path(path_).parent_path().string());
+}
+
+FileReference FileReference::child(std::string_view name) const {
+    return FileReference((std::filesystem::path(path_) / name).string());
+}
+
+std::string FileReference::url() const {
+    QByteArray encoded = QUrl::fromLocalFile(QString::fromStdString(path_)).toEncoded(QUrl::StripTrailingSlash);
+    return encoded.replace('\'', "%27").toStdString();
+}
+
+void FileReference::createAsFolder() const {
+    std::error_code failed;
+    std::filesystem::create_directory(path_, failed);
+    if (failed) throw FileFailure(path_ + ": " + failed.message());
+}
+
+void FileReference::launch() const {
+    const std::filesystem::path absolute = std::filesystem::absolute(path_);
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(absolute.string())))) {
+        throw FileFailure(path_ + ": the system has no program that opens it");
+    }
+}
+
+namespace folders {
+
+std::string documents() { return withSeparator(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)); }
+
+std::string applications() {
+#ifdef __APPLE__
+    return withSeparator("/Applications");
+#else
+    return withSeparator(QStandardPaths::writableLocation(QStandardPaths::ApplicationsLocation));
+#endif
+}
+
+std::string desktop() { return withSeparator(QStandardPaths::writableLocation(QStandardPaths::DesktopLocation)); }
+
+std::string executable() { return withSeparator(QCoreApplication::applicationDirPath()); }
+
+std::string resources() { return besideProgram("resources"); }
+
+std::string help() { return besideProgram("help"); }
+
+}  // namespace folders

@@ -1,9 +1,0 @@
-#include "shell/publicVariables.h"
-
-namespace publicVariables {
-
-bool noSexColumn = false;
-bool noPd = false;
-bool noPS = false;
-
-}  // namespace publicVariables

@@ -1,0 +1,58 @@
+// The common text size on every class of control, and the file types of the dialogs.
+
+#include <QtWidgets/QWidget>
+
+#include "platform/desktop/window.h"
+#include "shell/windows/fileTypes.h"
+#include "shell/windows/fontSize.h"
+#include "tests/support/programFixture.h"
+
+namespace {
+
+class Controls : public ProgramTest {};
+
+/// A window with one control of every class that has a text, and one that has none.
+class Sampler : public Window {
+  public:
+    Sampler() : Window({.name = "sampler", .title = "", .width = 300, .height = 300}) {
+        const Place place{0, 0, 50, 20};
+        add<Label>("label", place, "a");
+        add<TextField>("field", place);
+        add<TextArea>("area", place);
+        add<CheckBox>("check", place, "a");
+        add<ComboBox>("combo", place);
+        add<ListBox>("list", place);
+        add<TabPanel>("tabs", place);
+        add<BevelButton>("bevel", place, "a");
+        add<PopupMenu>("popup", place);
+        add<ProgressBar>("bar", place);
+    }
+};
+
+TEST_F(Controls, TheCommonTextSizeReachesEveryClassButPicturesBarsAndPlainPopups) {
+    Sampler sampler;
+    for (int i = 0; i < sampler.controlCount(); ++i) {
+        QFont font = sampler.control(i).widget()->font();
+        font.setPixelSize(30);
+        font.setItalic(true);
+        sampler.control(i).widget()->setFont(font);
+    }
+    appSystem::setFontSize(sampler);
+    for (int i = 0; i < sampler.controlCount(); ++i) {
+        const Control& control = sampler.control(i);
+        const bool left = control.name() == "bar" || control.name() == "popup";
+        EXPECT_EQ(control.widget()->font().pixelSize(), left ? 30 : 11) << control.name();
+        EXPECT_TRUE(control.widget()->font().italic()) << control.name();
+    }
+    EXPECT_EQ(sampler.control(4).widget()->window()->focusWidget(), sampler.control(4).widget());
+}
+
+TEST_F(Controls, FileTypesNameTheirExtensions) {
+    EXPECT_EQ(DatabaseFiles::All() + "," + CSVFiles::All() + "," + CAVFiles::All(),
+              "Database Files,CSV Files,Old Tolvaris Database");
+    EXPECT_EQ(DatabaseFiles::DatabaseFiles.extensions, "cax;rsd");
+    EXPECT_EQ(CSVFiles::CSVFiles.extensions, "csv;txt");
+    EXPECT_EQ(CAVFiles::OldTolvarisDatabase.extensions, "cav");
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+#include "stores/databaseError.h"
+
+#include <string>
+
+#include "platform/database/database.h"
+#include "platform/desktop/messageBox.h"
+#include "platform/values/text.h"
+
+namespace stores {
+
+void reportDatabaseError(const Database& database) {
+    beep();
+    const std::string gap = std::string(text::endOfLine()) + std::string(text::endOfLine());
+    showMessage("Database Error: " + std::to_string(database.errorCode()) + gap + database.errorMessage());
+}
+
+}  // namespace stores

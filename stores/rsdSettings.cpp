@@ -1,0 +1,74 @@
+#include "stores/rsdSettings.h"
+
+#include "fieldtext/textHelpers.h"
+#include "platform/values/failure.h"
+#include "platform/values/text.h"
+#include "shell/state/appSystem.h"
+#include "stores/rsdAccess.h"
+
+namespace appSystem {
+namespace {
+
+/// Not the program's own version: every new file gets this one.
+constexpr const char* formatVersion = "20402";
+
+}  // namespace
+
+void UpdateVersion() {
+    const auto records = GetRecordset("SELECT * FROM settings");
+    if (!records) throw NullReference("the settings");
+    if (records->atEnd()) {
+        DatabaseRecord record;
+        record.setColumn("Version", formatVersion);
+        saveToFile(record, "settings");
+        return;
+    }
+    records->edit();
+    records->requiredField("Version").setText(formatVersion);
+    records->update();
+    db->commit();
+}
+
+std::string getRsdCustomHeading(std::string_view field) {
+    std::string result;
+    guarded([&] {
+        const auto records = GetRecordset("SELECT * FROM settings");
+        // The import writes fifteen names; the export knows twelve.
+        for (int number = 1; number <= 12; ++number) {
+            if (!text::equals(field, "CustomField" + std::to_string(number))) continue;
+            result = GetFieldString(records.get(), "CustomName" + std::to_string(number));
+            return;
+        }
+    });
+    return result;
+}
+
+}  // namespace appSystem
+
+namespace convertCsvToRsd {
+namespace {
+
+/// The record set is gone when this returns: one that stands on a row would lock the file against the connection that
+/// saves a new row.
+std::int64_t firstId(SQLiteDatabase& database) {
+    const auto records = database.select("SELECT id FROM settings");
+    if (!records) throw NullReference("the settings");
+    return records->requiredField("id").integer();
+}
+
+}  // namespace
+
+void saveToSettings(const std::string& field, std::string_view value) {
+    appSystem::connectData();
+    if (!appSystem::db) throw NullReference("the database");
+    if (firstId(*appSystem::db) == 1) {
+        appSystem::db->execute("Update settings SET " + field + " = '" + appSystem::rma(value) + "' WHERE id = 1");
+        appSystem::db->commit();
+        return;
+    }
+    DatabaseRecord record;
+    record.setColumn(field, appSystem::rma(value));
+    appSystem::saveToFile(record, "settings");
+}
+
+}  // namespace convertCsvToRsd

@@ -1,0 +1,389 @@
+// The way to RSD files: connections, record sets, tables, the settings row.
+
+#include "platform/desktop/yield.h"
+#include "platform/values/failure.h"
+#include "shell/state/appSystem.h"
+#include "stores/rsdAccess.h"
+#include "stores/rsdSchema.h"
+#include "stores/rsdSettings.h"
+#include "tests/support/programFixture.h"
+#include "tests/support/sqlFile.h"
+
+namespace {
+
+using namespace appSystem;
+using Texts = std::vector<std::string>;
+
+class RsdStore : public ProgramTest {
+  protected:
+    /// A new file with the nineteen tables, as the program lays them out.
+    std::string makeFile(const std::string& name, const std::string& key = "") {
+        SQLiteDatabase database;
+        database.DatabaseFile = FileReference(path(name));
+        database.EncryptionKey = key;
+        EXPECT_TRUE(database.createDatabaseFile());
+        makeRSDfields(database);
+        return dataPath = path(name);
+    }
+
+    /// One value as GetFieldString gives it.
+    std::string fieldString(const std::string& sqlValue, const std::string& type = "Varchar") {
+        SqlFile file(path("value.db"));
+        file.run("DROP TABLE IF EXISTS t; CREATE TABLE t(v " + type + "); INSERT INTO t VALUES(" + sqlValue + ")");
+        dataPath = path("value.db");
+        const auto records = GetRecordset("SELECT * FROM t");
+        return GetFieldString(records.get(), "V");
+    }
+};
+
+constexpr const char* programsKey = "mbtfwqzkhl";
+
+TEST_F(RsdStore, ANewFileHasTheNineteenEmptyTables) {
+    struct Table {
+        const char* name;
+        std::size_t columns;
+    };
+    const Table tables[] = {{"settings", 59},    {"tree", 56},       {"preferences", 2}, {"weights", 7},
+                            {"vaccinations", 6}, {"breeding", 18},   {"soldstock", 9},   {"purchases", 9},
+                            {"contacts", 12},    {"reminders", 4},   {"shows", 11},      {"print", 70},
+                            {"expenditure", 8},  {"journal", 6},     {"diet", 5},        {"produce", 7},
+                            {"pictures", 21},    {"productInfo", 3}, {"recent", 3}};
+    SqlFile file(makeFile("new.cax"));
+    Texts names;
+    for (const Table& table : tables) {
+        names.emplace_back(table.name);
+        const Texts columns = file.rows("PRAGMA table_info(" + names.back() + ")");
+        EXPECT_EQ(columns.size(), table.columns) << table.name;
+        EXPECT_EQ(columns.front(), "0|id|integer|1|NULL|1") << table.name;
+        EXPECT_EQ(file.value("SELECT count(*) FROM " + names.back()), "0");
+    }
+    EXPECT_EQ(file.rows("SELECT name FROM sqlite_master ORDER BY rowid"), names) << "and no index or trigger";
+    // The samples were laid out by hand.
+    SqlFile byHand(path("by hand.cax"));
+    byHand.run(read(SAMPLES "/rsd-layout.sql"));
+    for (const std::string& name : names) {
+        const std::string columns = "PRAGMA table_info(" + name + ")";
+        EXPECT_EQ(file.rows(columns), byHand.rows(columns)) << name;
+    }
+}
+
+TEST_F(RsdStore, DeclaredTypesKeepTheirSpellingAndTheirEffect) {
+    SqlFile file(makeFile("new.cax"));
+    const auto type = [&](const std::string& table, std::size_t column) {
+        const std::string row = file.rows("PRAGMA table_info(" + table + ")").at(column - 1);
+        const std::size_t name = row.find('|') + 1, type = row.find('|', name) + 1;
+        return row.substr(name, type - name - 1) + " " + row.substr(type, row.find('|', type) - type);
+    };
+    EXPECT_EQ(type("tree", 8), "dob DATE");
+    EXPECT_EQ(type("tree", 9), "notes varchar");
+    EXPECT_EQ(type("tree", 17), "customfield4 Varchar");
+    EXPECT_EQ(type("tree", 22), "health MEMO");
+    EXPECT_EQ(type("tree", 31), "CustomField7 Varchar");
+    EXPECT_EQ(type("tree", 46), "oldId Integer");
+    EXPECT_EQ(type("settings", 12), "Gestation integer");
+    EXPECT_EQ(type("settings", 28), "Version Varchar");
+    EXPECT_EQ(type("settings", 59), "useBreedColorLists VarChar");
+    EXPECT_EQ(type("breeding", 16), "undefined Varchar");
+    EXPECT_EQ(type("contacts", 10), "notes String");
+    EXPECT_EQ(type("shows", 7), "competitorNum String");
+    EXPECT_EQ(type("print", 55), "backgroundPic Blob");
+    EXPECT_EQ(type("print", 61), "suffixColour ");
+    EXPECT_EQ(type("pictures", 4), "pic0 blob");
+    file.run(
+        "INSERT INTO tree(health, notes, oldId) VALUES ('007', '007', '007');"
+        "INSERT INTO print(suffixColour) VALUES ('007')");
+    EXPECT_EQ(file.value("SELECT health, notes, oldId FROM tree"), "7|007|7");
+    EXPECT_EQ(file.value("SELECT suffixColour FROM print"), "007");
+}
+
+TEST_F(RsdStore, FilesWithTheKeyWithoutItAndNoneAtAll) {
+    connectData();
+    EXPECT_EQ(db, nullptr) << "without a path nothing happens";
+    EXPECT_EQ(GetRecordset("SELECT 1"), nullptr);
+    closeData();
+
+    makeFile("plain.rsd");
+    makeFile("locked.rsd", programsKey);
+    makeFile("other.rsd", "another key");
+    const std::string junk = write("junk.rsd", std::string(4096, 'x'));
+    const std::string cut = write("cut.rsd", std::string("SQLite format 3\0", 16) + "broken");
+    std::filesystem::create_directory(path("folder.rsd"));
+    std::filesystem::create_symlink(path("nowhere"), path("dangling.rsd"));
+    for (const char* opens : {"plain.rsd", "locked.rsd"}) {
+        dataPath = path(opens);
+        const auto records = GetRecordset("SELECT count(*) AS n FROM sqlite_master");
+        ASSERT_NE(records, nullptr) << opens;
+        EXPECT_EQ(records->requiredField("N").integer(), 19);
+    }
+    EXPECT_EQ(boxTexts(), Texts{});
+    EXPECT_THROW(SqlFile(path("locked.rsd")).value("SELECT * FROM tree"), std::runtime_error) << "it is not encrypted";
+    for (const char* fails : {"other.rsd", "junk.rsd", "cut.rsd", "folder.rsd", "dangling.rsd", "missing.rsd"}) {
+        driver.boxes.clear();
+        dataPath = path(fails);
+        connectData();
+        EXPECT_EQ(GetRecordset("SELECT 1"), nullptr);
+        EXPECT_EQ(boxTexts(), Texts(2, "Cannot open database.")) << fails;
+        EXPECT_FALSE(db->connect());
+    }
+    EXPECT_FALSE(std::filesystem::exists(path("missing.rsd")) || std::filesystem::exists(path("nowhere")))
+        << "a connect made a file";
+    EXPECT_EQ(read(junk), std::string(4096, 'x'));
+    EXPECT_EQ(read(cut).size(), 22U);
+}
+
+TEST_F(RsdStore, FilesOfEarlierGenerationsOfTheCipherOpenInAnyOrder) {
+    const bool third = SqlFile(path("a")).value("PRAGMA cipher_version").starts_with("3.");
+    const Texts generations =
+        third ? Texts{"kdf_iter = 64000", "kdf_iter = 4000", "cipher_use_hmac = OFF"}
+              : Texts{"cipher_compatibility = 3", "cipher_compatibility = 2", "cipher_compatibility = 1"};
+    for (const std::string& generation : generations) {
+        SqlFile file(path(generation), programsKey);
+        file.run("PRAGMA " + generation);
+        if (generation == "cipher_use_hmac = OFF") file.run("PRAGMA kdf_iter = 4000");
+        file.run("CREATE TABLE tree(name); INSERT INTO tree VALUES ('" + generation + "')");
+    }
+    for (const int which : {2, 0, 1, 1, 0, 2}) {
+        dataPath = path(generations[which]);
+        const auto records = GetRecordset("SELECT name FROM tree");
+        ASSERT_NE(records, nullptr) << dataPath;
+        EXPECT_EQ(records->requiredField("name").text(), generations[which]);
+    }
+    EXPECT_EQ(boxTexts(), Texts{});
+}
+
+TEST_F(RsdStore, RecordSetsOutliveTheirConnectionObjectButNotItsClosing) {
+    SqlFile(makeFile("a.rsd")).run("INSERT INTO tree(name) VALUES ('Ada'), ('Bob'), ('Cid')");
+    const auto replaced = GetRecordset("SELECT * FROM tree");
+    const auto closed = GetRecordset("SELECT * FROM tree");
+    EXPECT_EQ(closed->recordCount(), 3);
+    closed->moveNext();
+    closeData();
+    EXPECT_TRUE(closed->atEnd());
+    EXPECT_EQ(closed->requiredField("name").text(), "") << "no row, an empty value";
+    closed->moveNext();
+    EXPECT_EQ(closed->field("nonsense"), std::nullopt);
+    std::string names;
+    for (; !replaced->atEnd(); replaced->moveNext()) names += replaced->requiredField("NAME").text();
+    EXPECT_EQ(names, "AdaBobCid");
+    replaced->moveFirst();
+    EXPECT_EQ(replaced->requiredField("name").text(), "Ada");
+    closeData();
+    EXPECT_NE(db, nullptr) << "a closed connection stays";
+    EXPECT_EQ(db->select("SELECT 1"), nullptr);
+    EXPECT_EQ(getNameFromId(db.get(), "1"), "");
+}
+
+TEST_F(RsdStore, AClosedConnectionGivesBackItsLockAlsoUnderAnOpenRecordSet) {
+    SqlFile(makeFile("a.rsd")).run("INSERT INTO tree(name) VALUES ('Ada'), ('Bob')");
+    const auto records = GetRecordset("SELECT * FROM tree");
+    db->execute("INSERT INTO tree(name) VALUES ('not committed')");
+    closeData();
+    SqlFile other(dataPath);
+    other.run("INSERT INTO tree(name) VALUES ('Cid')");
+    EXPECT_EQ(other.rows("SELECT name FROM tree"), (Texts{"Ada", "Bob", "Cid"}));
+    EXPECT_TRUE(records->atEnd());
+}
+
+TEST_F(RsdStore, WritingOnInADeletedFileLeavesNoJournalForAnotherOfItsName) {
+    makeFile("a.rsd");
+    connectData();
+    std::filesystem::remove(dataPath);
+    db->execute("INSERT INTO tree(name) VALUES ('Ada')");
+    EXPECT_EQ(db->errorCode(), 0);
+    EXPECT_FALSE(std::filesystem::exists(dataPath + "-journal")) << "a new file would be undone with it";
+    db->commit();
+    EXPECT_EQ(GetFieldString(db->select("SELECT name FROM tree").get(), "name"), "Ada");
+    EXPECT_FALSE(std::filesystem::exists(dataPath));
+}
+
+TEST_F(RsdStore, FieldStringsByTheTextAlone) {
+    struct Case {
+        const char* sql;
+        const char* expected;
+    };
+    for (const Case& c : {Case{"NULL", ""},
+                          {"''", ""},
+                          {"'   '", "   "},
+                          {"'a,b,,c'", "a b  c"},
+                          {"'a' || char(10) || 'b' || char(13) || char(10)", "a - b\r - "},
+                          {"'2010-04-03 00:00:00'", "2010-04-03"},
+                          {"'2010-04-03 10:00:00'", "2010-04-03"},
+                          {"'2010-04-03 00:00:00.000000'", "2010-04-03"},
+                          {"'2010-04-03'", "2010-04-03"},
+                          {"'2010-04-03 11:31:15'", "2010-04-03 11:31:15"},
+                          {"'2010-04-03 11:30:00'", "2010-04-03"},
+                          {"'3/4/2010 0:00'", "2010-04-03"},
+                          {"'fed at 10:00, ate well'", ""},
+                          {"'0:00'", ""},
+                          {"42", "42"},
+                          {"1.5", "1.5"},
+                          {"x'414243'", "ABC"},
+                          {"CAST(x'CAE92C' AS TEXT)", "\xCA\xE9 "}}) {
+        EXPECT_EQ(fieldString(c.sql), c.expected) << c.sql;
+    }
+    EXPECT_EQ(fieldString("'007'", "MEMO"), "7");
+    EXPECT_EQ(GetFieldString(nullptr, "v"), "");
+    const auto records = GetRecordset("SELECT * FROM t");
+    EXPECT_EQ(GetFieldString(records.get(), "no such column"), "");
+    records->moveNext();
+    EXPECT_EQ(GetFieldString(records.get(), "v"), "") << "behind the last row";
+}
+
+TEST_F(RsdStore, CountingGivesOneMoreAndGoesBackToTheFirstRow) {
+    SqlFile file(makeFile("a.rsd"));
+    EXPECT_EQ(getODBCrecords(GetRecordset("SELECT * FROM tree").get()), 1);
+    for (int i = 0; i < 10; ++i) file.run("INSERT INTO tree(name) VALUES ('n" + std::to_string(i) + "')");
+    const auto records = GetRecordset("SELECT * FROM tree");
+    records->moveNext();
+    EXPECT_EQ(getODBCrecords(records.get()), 11);
+    EXPECT_EQ(records->requiredField("name").text(), "n0");
+    EXPECT_THROW(getODBCrecords(nullptr), NullReference);
+}
+
+TEST_F(RsdStore, NamesByTheRowsOwnKey) {
+    SqlFile(makeFile("a.rsd"))
+        .run("INSERT INTO tree(id, name) VALUES (1, 'O`Hara, Lord' || char(10) || '$'), (2, NULL), (7, 'Ada')");
+    connectData();
+    EXPECT_EQ(getNameFromId(db.get(), "1"), "O`Hara, Lord\n$") << "as it stands";
+    EXPECT_EQ(getNameFromId(db.get(), "07"), "Ada");
+    for (const char* id : {"2", "3", "", " ", "x", "'", "7 OR", "7; DELETE FROM tree", "7 -- "}) {
+        EXPECT_EQ(getNameFromId(db.get(), id), std::string(id) == "7 -- " ? "Ada" : "") << id;
+    }
+    EXPECT_EQ(SqlFile(dataPath).value("SELECT count(*) FROM tree"), "3");
+    EXPECT_EQ(getNameFromId(nullptr, "1"), "");
+    EXPECT_EQ(boxTexts(), Texts{});
+}
+
+TEST_F(RsdStore, StatementsCommitRollBackAndComeOneAtATime) {
+    makeFile("a.rsd");
+    const auto count = [&] { return SqlFile(dataPath).value("SELECT count(*) FROM tree"); };
+    connectData();
+    db->execute("INSERT INTO tree(name) VALUES ('kept')");
+    EXPECT_EQ(count(), "0") << "not committed";
+    db->commit();
+    EXPECT_EQ(count(), "1");
+    db->execute("  insert into tree(name) values ('lost')");
+    db.reset();
+    EXPECT_EQ(count(), "1");
+    connectData();
+    db->execute("INSERT INTO tree(name) VALUES ('a'); DELETE FROM tree");
+    EXPECT_NE(db->errorCode(), 0);
+    db->execute("no statement");
+    EXPECT_NE(db->errorMessage().find("no"), std::string::npos);
+    EXPECT_EQ(db->select("SELECT 1; SELECT 2"), nullptr);
+    EXPECT_NE(db->select("SELECT 1 ; ; "), nullptr);
+    db->commit();
+    EXPECT_EQ(count(), "1");
+}
+
+TEST_F(RsdStore, GatheredTextsReachTheirRowsInAnyOrderAndOnlyTheirs) {
+    makeFile("a.rsd");
+    connectData();
+    // Ids with gaps wider than what one statement spans, and below 0.
+    for (const char* id : {"-3", "1", "2", "700", "701"}) {
+        db->execute(std::string("INSERT INTO tree(id, ps, oldId) VALUES (") + id + ", 'p', 5)");
+    }
+    db->commit();
+    const auto rowsInFile = [&] {
+        return SqlFile(dataPath).rows("SELECT id, ps, oldId, typeof(oldId) FROM tree ORDER BY id");
+    };
+    auto updates = db->updateRows("tree", {"ps", "oldId"});
+    updates.write();
+    updates.set(701, 1, "12");
+    updates.set(-3, 0, "");
+    updates.set(1, 0, std::string("a\0b", 3));
+    updates.set(1, 1, "X9");
+    updates.set(1, 1, "X10");
+    updates.set(5, 0, "no such row");
+    updates.set(700, 1, "7.0");
+    const int before = db->changeCount();
+    updates.set(700, 1, "5");
+    updates.write();
+    EXPECT_EQ(db->changeCount(), before + 2) << "7 for 5, and 5 for 7";
+    EXPECT_EQ(rowsInFile()[1], "1|p|5|integer") << "not committed";
+    db->commit();
+    EXPECT_EQ(rowsInFile(), (Texts{"-3||5|integer", std::string("1|a\0b|X10|text", 14), "2|p|5|integer",
+                                   "700|p|5|integer", "701|p|12|integer"}));
+
+    db->execute("INSERT INTO tree(id, ps) VALUES (-9223372036854775807, 'far'), (9223372036854775807, 'far')");
+    updates.set(-9223372036854775807, 0, "first");
+    updates.set(9223372036854775807, 0, "last");
+    updates.write();
+    db->execute("DELETE FROM tree WHERE ps IN ('first', 'last')");
+    db->commit();
+    EXPECT_EQ(rowsInFile().size(), 5U);
+
+    // The function is no way in for a value that turns a statement into another one.
+    updates.set(2, 0, "gathered");
+    db->execute("UPDATE tree SET ps = gathered_text(2, 0, 'old')");
+    EXPECT_NE(db->errorCode(), 0);
+    db->commit();
+    SqlFile(dataPath).run("CREATE TRIGGER refuse BEFORE UPDATE ON tree BEGIN SELECT raise(ABORT, 'no'); END");
+    EXPECT_THROW(updates.write(), DatabaseFailure);
+    updates.write();
+    db->commit();
+    EXPECT_EQ(rowsInFile()[2], "2|p|5|integer");
+    EXPECT_THROW(db->updateRows("tree", {"none"}), DatabaseFailure);
+}
+
+TEST_F(RsdStore, ARecordIsSavedOrItsFailureIsTold) {
+    DatabaseRecord record;
+    record.setColumn("Stud", "O'Hara\"; --");
+    EXPECT_THROW(saveToFile(record, "settings"), NullReference) << "there is no database to ask for its message";
+    makeFile("a.rsd");
+    EXPECT_TRUE(saveToFile(record, "settings"));
+    EXPECT_EQ(SqlFile(dataPath).value("SELECT id, Stud, Version FROM settings"), "1|O'Hara\"; --|NULL");
+    DatabaseRecord taken;
+    taken.setColumn("id", "1");
+    EXPECT_TRUE(saveToFile(taken, "settings")) << "a refused row raises nothing";
+    EXPECT_EQ(driver.boxes.size(), 0U);
+    dataPath = path("missing.rsd");
+    EXPECT_FALSE(saveToFile(record, "settings"));
+    ASSERT_EQ(driver.boxes.size(), 2U);
+    EXPECT_EQ(driver.boxes[0].text, "Cannot open database.");
+    EXPECT_EQ(driver.boxes[1].text, db->errorMessage());
+    EXPECT_NE(driver.boxes[1].text, "");
+}
+
+TEST_F(RsdStore, HeadingsMakeTheSettingsRowAndThenChangeIt) {
+    using convertCsvToRsd::saveToSettings;
+    SqlFile file(makeFile("a.rsd"));
+    saveToSettings("CustomName1", "vet's note");
+    EXPECT_EQ(file.rows("SELECT id, CustomName1, CustomName2 FROM settings"), Texts{"1|vet`s note|NULL"});
+    saveToSettings("CustomName2", "colour of eyes");
+    saveToSettings("NoSuchColumn", "x");
+    UpdateVersion();
+    UpdateVersion();
+    EXPECT_EQ(file.rows("SELECT id, CustomName1, CustomName2, Version FROM settings"),
+              Texts{"1|vet`s note|colour of eyes|20402"});
+    EXPECT_EQ(boxTexts(), Texts{});
+    EXPECT_EQ(getRsdCustomHeading("customfield2"), "colour of eyes");
+    file.run("UPDATE settings SET CustomName12 = 'a,b', CustomName13 = 'thirteenth', CustomName3 = 'at 10:00'");
+    EXPECT_EQ(getRsdCustomHeading("CustomField12"), "a b");
+    EXPECT_EQ(getRsdCustomHeading("CustomField13"), "") << "the export knows twelve";
+    EXPECT_EQ(getRsdCustomHeading("CustomField3"), "");
+
+    file.run("UPDATE settings SET id = 5");
+    saveToSettings("CustomName1", "again");
+    saveToSettings("CustomName1", "and again");
+    EXPECT_EQ(file.rows("SELECT id, CustomName1 FROM settings"), (Texts{"5|vet`s note", "6|again", "7|and again"}));
+    file.run("DELETE FROM settings");
+    UpdateVersion();
+    EXPECT_EQ(file.rows("SELECT id, CustomName1, Version FROM settings"), Texts{"1|NULL|20402"});
+    file.run("DROP TABLE settings");
+    EXPECT_THROW(UpdateVersion(), NullReference);
+    EXPECT_THROW(saveToSettings("CustomName1", "x"), NullReference);
+    EXPECT_EQ(getRsdCustomHeading("CustomField1"), "");
+    EXPECT_EQ(boxTexts(), Texts{});
+}
+
+TEST_F(RsdStore, AnEncryptedFileTakesEditsThroughTheKey) {
+    makeFile("locked.rsd", programsKey);
+    convertCsvToRsd::saveToSettings("CustomName1", "secret");
+    UpdateVersion();
+    SqlFile file(dataPath, programsKey);
+    EXPECT_EQ(file.value("SELECT CustomName1, Version FROM settings"), "secret|20402");
+    EXPECT_EQ(read(dataPath).find("secret"), std::string::npos);
+}
+
+}  // namespace

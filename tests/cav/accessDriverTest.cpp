@@ -1,0 +1,82 @@
+// The routes into CAV through our own driver into real files, read back with somebody else's reader.
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+
+#include "accessdriver/jet/making/cavTables.h"
+#include "tests/cav/rsdSource.h"
+#include "tests/support/programFixture.h"
+#include "tests/support/sqlFile.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class ThroughAccessDriver : public ProgramTest {
+  protected:
+    void SetUp() override {
+        ProgramTest::SetUp();
+        std::ofstream(path("odbcinst.ini")) << "[Microsoft Access Driver (*.mdb)]\nDriver = " ACCESS_DRIVER_FILE "\n";
+        setenv("ODBCSYSINI", path("").c_str(), 1);
+        setenv("ODBCINSTINI", "odbcinst.ini", 1);
+        if (std::system("mdb-ver -M > /dev/null 2>&1") != 0) GTEST_SKIP() << "mdbtools is not installed";
+        jet::makeCavFile(cav(), jet::CavColumns::allText);
+    }
+
+    std::string cav() const { return path("Käfige – Übersicht.cav"); }
+
+    void convertToCav(const std::string& from, const std::string& source) {
+        driver.answers.push_front("Yes");
+        driver.files = {cav()};
+        convert(from, "Cav", source);
+    }
+
+    /// The columns of each row behind the id, an empty or absent one as nothing between the bars.
+    Lines rows(const std::string& table) const {
+        const std::string command = "mdb-export -H -Q -d '|' '" + cav() + "' " + table;
+        const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+        Lines found;
+        std::string line;
+        for (int c = std::fgetc(pipe.get()); c != EOF; c = std::fgetc(pipe.get())) {
+            if (c != '\n') {
+                line += static_cast<char>(c);
+                continue;
+            }
+            found.push_back(line.substr(line.find('|') + 1));
+            line.clear();
+        }
+        return found;
+    }
+};
+
+TEST_F(ThroughAccessDriver, CsvFillsNamesSexesAndHeadings) {
+    driver.answers = {"Yes"};
+    convertToCav("Csv", write("herd.csv",
+                              "name,id,sireId,damId,notes,Fellfarbe – 毛色\n"
+                              "Ärmel O'Hara,10,1,,€ 5 – 兎,weiß\n"
+                              "Bob,11,10,12,,\nEve,12,,99,,\n"));
+    EXPECT_EQ(driver.boxes.back().text, "Operation completed");
+    // Behind the fifteen custom fields stand three columns of which the program knows nothing.
+    const std::string lastSeventeen = "|||||||||||||||||";
+    EXPECT_EQ(rows("tree"), (Lines{"Ärmel O$Hara|||male|1925-01-01|10||||||||||€ 5 – 兎|weiß" + lastSeventeen,
+                                   "Bob|||undefined|1925-01-01|11|10|12|Ärmel O$Hara|Eve|||||||" + lastSeventeen,
+                                   "Eve|||female|1925-01-01|12||99|||||||||" + lastSeventeen}));
+    ASSERT_EQ(rows("cavyUser").size(), 1U);
+    EXPECT_NE(rows("cavyUser")[0].find("fellfarbe – 毛色"), std::string::npos);
+}
+
+TEST_F(ThroughAccessDriver, RsdRowsArriveAndSpoiledOnesAreLost) {
+    makeRsdSource(path("herd.rsd"));
+    SqlFile(path("herd.rsd"))
+        .run(
+            "INSERT INTO tree (id, name, colour, ps) VALUES (1, 'Ärmel''s', 'weiß', '兎'), (2, 'Bob', 'd''or', '');"
+            "INSERT INTO vaccinations (nameId, duedate, vaccination, done) VALUES ('2', '2021-01-01', 'Myxo', '1');");
+    convertToCav("Rsd", path("herd.rsd"));
+    EXPECT_EQ(driver.boxes.back().text, "Operation completed");
+    EXPECT_EQ(rows("vaccinations"), Lines{"2021-01-01|Bob|Myxo|1"});
+    EXPECT_EQ(rows("tree"), Lines{"Ärmel`s|weiß|||||||兎|||||||||||||||||||||||||"});
+}
+
+}  // namespace

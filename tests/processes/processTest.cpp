@@ -1,0 +1,187 @@
+// Start and end of the process, with and without a conversion in the middle.
+
+#include <array>
+#include <cstdio>
+#include <sstream>
+#include <sys/wait.h>
+
+#include "tests/support/programFixture.h"
+#include "tests/support/sqlFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Texts = std::vector<std::string>;
+
+constexpr const char* completed = "Operation completed";
+constexpr const char* question =
+    "The new file doesn't contain all the records yet. / Do you want to delete the new file? ";
+constexpr const char* overwrite =
+    "This file has been converted before. Do you want to overwrite the old converted file?";
+const std::string report = "The program has to end because of a failure that it cannot deal with. /  / ";
+
+class Process : public ProgramTest {
+  protected:
+    struct End {
+        int code = -1;
+        Texts said;
+    };
+
+    /// Runs the program in a process of its own until it ends.
+    End run(const std::string& scenario) const {
+        End end;
+        const std::string command =
+            std::string("'") + PROGRAM_CHILD + "' '" + scenario + "' '" + path("") + "' 2>" + path("stderr.txt");
+        std::FILE* pipe = popen(command.c_str(), "r");
+        std::string output;
+        std::array<char, 4096> buffer{};
+        while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), pipe))
+            output.append(buffer.data(), size);
+        const int status = pclose(pipe);
+        // The shell in between tells a signal as 128 and its number.
+        end.code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+        std::istringstream lines(output);
+        for (std::string line; std::getline(lines, line);) end.said.push_back(line);
+        if (end.code > 1 || end.code < 0) ADD_FAILURE() << scenario << ":\n" << read(path("stderr.txt"));
+        return end;
+    }
+
+    std::string makeCsv(int animals = 60) const {
+        std::string text = "name,sex,sire\n";
+        for (int i = 1; i <= animals; ++i) text += "animal " + std::to_string(i) + ",m,animal 1\n";
+        return write("herd.csv", text);
+    }
+
+    void makeRsd() const {
+        SqlFile file(path("herd.rsd"));
+        file.run("CREATE TABLE tree(id integer PRIMARY KEY, name, fatherId)");
+        for (int i = 1; i <= 120; ++i) file.run("INSERT INTO tree(name) VALUES ('animal " + std::to_string(i) + "')");
+    }
+
+    std::string animals(const std::string& name) const {
+        return SqlFile(path(name)).value("SELECT count(*) FROM tree");
+    }
+
+    std::ptrdiff_t lines(const std::string& name) const {
+        const std::string content = read(path(name));
+        return std::count(content.begin(), content.end(), '\n');
+    }
+};
+
+TEST_F(Process, EndsByItselfWhenItsLastWindowCloses) {
+    for (const char* scenario : {"disagree", "close the first window", "close", "quit"}) {
+        const End end = run(scenario);
+        EXPECT_EQ(end.code, 0) << scenario;
+        EXPECT_EQ(end.said, Texts{}) << scenario;
+    }
+}
+
+TEST_F(Process, TellsAFailureThatNothingStoppedAndEndsWithOne) {
+    fs::create_directory(path("folder.csv"));
+    fs::create_symlink(path("nowhere"), path("dangling.csv"));
+    fs::create_symlink("/dev/zero", path("device.csv"));
+    struct Source {
+        std::string name;
+        const char* reason;
+    };
+    for (const Source& source : {Source{"missing", "No such file or directory"},
+                                 {"folder", "a folder or device, not a file"},
+                                 {"dangling", "No such file or directory"},
+                                 {"device", "a folder or device, not a file"}}) {
+        const End end = run("import " + source.name + ".csv");
+        EXPECT_EQ(end.code, 1);
+        EXPECT_EQ(end.said, Texts{report + path(source.name + ".csv") + ": " + source.reason});
+        EXPECT_EQ(animals(source.name + ".cax"), "0") << "the new file stays as it stands";
+    }
+    fs::create_directories(path("Desktop/Converter Errors.txt"));
+    write("bad.csv", "name,sex\nAda\n");
+    const End unreported = run("import bad.csv");
+    EXPECT_EQ(unreported.code, 1);
+    EXPECT_EQ(unreported.said.back(), report + path("Desktop/Converter Errors.txt") + ": Is a directory");
+
+    makeCsv(99001);
+    const End full = run("import herd.csv");
+    EXPECT_EQ(full.code, 1);
+    ASSERT_EQ(full.said.size(), 1U);
+    EXPECT_TRUE(full.said.front().starts_with(report + "Out of bounds: row 99001")) << full.said.front();
+    EXPECT_EQ(animals("herd.cax"), "0") << "rows were not committed";
+}
+
+TEST_F(Process, FinishesTheConversionWhoseWindowsAreClosed) {
+    makeCsv();
+    makeRsd();
+    for (const char* scenario : {"close in the middle", "close the progress window in the middle"}) {
+        const End end = run(scenario);
+        EXPECT_EQ(end.code, 0) << scenario;
+        EXPECT_EQ(end.said, (Texts{"at Record: 50", completed})) << scenario;
+        EXPECT_EQ(lines("herd( tree ).csv"), 121) << scenario;
+        fs::remove(path("herd( tree ).csv"));
+    }
+    for (const char* scenario : {"close in the middle of an import", "quit in the middle"}) {
+        const End end = run(scenario);
+        EXPECT_EQ(end.code, 0) << scenario;
+        ASSERT_EQ(end.said.size(), 2U) << scenario;
+        EXPECT_EQ(end.said[1], completed) << scenario;
+        EXPECT_EQ(animals("herd.cax"), "60") << scenario;
+        fs::remove(path("herd.cax"));
+    }
+    const End end = run("close, then cancel with a deletion");
+    EXPECT_EQ(end.code, 0);
+    EXPECT_EQ(end.said, (Texts{"at animal 20", question, completed}));
+    EXPECT_FALSE(fs::exists(path("herd.cax")));
+}
+
+TEST_F(Process, RunsAConversionInsideAnother) {
+    makeCsv();
+    makeRsd();
+    const End same = run("convert again in the middle");
+    EXPECT_EQ(same.code, 0);
+    EXPECT_EQ(same.said, (Texts{"at animal 20", question, overwrite, completed, completed}));
+    EXPECT_EQ(animals("herd.cax"), "60") << "the inner one's file, whole";
+    fs::remove(path("herd.cax"));
+    const End other = run("another conversion in the middle");
+    EXPECT_EQ(other.code, 0);
+    EXPECT_EQ(other.said, (Texts{"at Record: 50", question, completed, completed}));
+    EXPECT_EQ(animals("herd.cax"), "60");
+    EXPECT_EQ(lines("herd( tree ).csv"), 121);
+
+    fs::remove(path("herd.cax"));
+    SqlFile(path("herd.rsd")).run("CREATE TABLE settings(id integer PRIMARY KEY, Version)");
+    const std::string before = read(path("herd.rsd"));
+    const End inner = run("an export in the middle of an import");
+    EXPECT_EQ(inner.said, (Texts{"at animal 20", question, completed, completed}));
+    EXPECT_EQ(read(path("herd.rsd")), before) << "the import stamped the other conversion's source";
+    EXPECT_EQ(SqlFile(path("herd.cax")).value("SELECT Version FROM settings"), "20402");
+}
+
+TEST_F(Process, AFailureInsideAConversionFollowsTheConversionsRule) {
+    makeCsv();
+    makeRsd();
+    const std::string failure = report + path("missing.csv") + ": No such file or directory";
+    const End dropped = run("a failure in the middle of an export");
+    EXPECT_EQ(dropped.code, 0) << "the export drops its failures";
+    EXPECT_EQ(dropped.said, (Texts{"at Record: 0", question, completed}));
+    EXPECT_EQ(lines("herd( tree ).csv"), 2) << "what was written stays";
+
+    fs::remove(path("missing.cax"));
+    const End told = run("a failure in the middle of an import");
+    EXPECT_EQ(told.code, 1);
+    EXPECT_EQ(told.said, (Texts{"at animal 20", question, failure}));
+    EXPECT_EQ(animals("herd.cax"), "0");
+
+    fs::remove(path("missing.cax"));
+    const End boxed = run("a failure while a box is open");
+    EXPECT_EQ(boxed.code, 1);
+    EXPECT_EQ(boxed.said.back(), failure);
+
+    std::string wide = "name";
+    for (int i = 2; i <= 72; ++i) wide += ",customfield" + std::to_string(i % 15 + 1);
+    write("herd.csv", wide + "\nAda\n");
+    fs::remove(path("herd.cax"));
+    const End late = run("a failure after the close");
+    EXPECT_EQ(late.code, 1);
+    ASSERT_FALSE(late.said.empty());
+    EXPECT_TRUE(late.said.back().starts_with(report + "Out of bounds: row 0, column 71")) << late.said.back();
+}
+
+}  // namespace

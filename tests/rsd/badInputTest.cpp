@@ -1,0 +1,120 @@
+// Sources and texts that nobody should have to convert: never a crash, a hang or another file touched.
+
+#include <csignal>
+#include <sys/resource.h>
+
+#include "shell/state/appSystem.h"
+#include "tests/support/programFixture.h"
+#include "tests/support/sqlFile.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+using Texts = std::vector<std::string>;
+
+class BadInput : public ProgramTest {
+  protected:
+    /// Converts a text to RSD, and back if that worked; every file but the new ones stays as it was.
+    Texts convertText(const std::string& text, std::deque<std::string> answers = {}) {
+        driver.boxes.clear();
+        driver.answers = std::move(answers);
+        fs::remove(path("herd.cax"));
+        const std::string neighbour = write("neighbour.csv", "untouched");
+        convert("Csv", "Rsd", write("herd.csv", text));
+        EXPECT_EQ(read(path("herd.csv")), text);
+        EXPECT_EQ(read(neighbour), "untouched");
+        return boxTexts();
+    }
+
+    Texts tree(const std::string& columns) {
+        return SqlFile(path("herd.cax")).rows("SELECT " + columns + " FROM tree ORDER BY id");
+    }
+};
+
+TEST_F(BadInput, BytesThatAreNoTextComeThroughAsTheyStand) {
+    const std::string text = "name,sex,notes\nZo\xEB,f,\xFF\xFE\nNul\0in,m,a\0b\n\xC3,m,\xED\xA0\x80\n"s;
+    EXPECT_EQ(convertText(text), Texts{"Operation completed"});
+    EXPECT_EQ(tree("hex(name), hex(notes)"), (Texts{"5A6FEB|FFFE", "4E756C00696E|610062", "C3|EDA080"}));
+    convert("Rsd", "Csv", path("herd.cax"));
+    const std::string back = read(path("herd( tree ).csv"));
+    EXPECT_NE(back.find("Zo\xEB,,,female,,\xFF\xFE,"), std::string::npos);
+    EXPECT_NE(back.find("Nul\0in,,,male,,a\0b,"s), std::string::npos);
+}
+
+TEST_F(BadInput, AWidthOrLengthAtTheEdge) {
+    EXPECT_EQ(convertText("name,sex\n" + std::string(200, ',') + "\nAda,f\n", {"No", "No"}).size(), 3U);
+    EXPECT_EQ(tree("name"), (Texts{"", "Ada"}));
+
+    std::string lines = "name,sex\n";
+    for (int i = 1; i <= 99000; ++i) lines += "a,f\n";
+    EXPECT_EQ(convertText(lines), Texts{"Operation completed"});
+    EXPECT_EQ(tree("count(*), max(id)"), Texts{"99000|99000"});
+    appSystem::CSVa = TextGrid(appSystem::CSVa.rowCount(), appSystem::CSVa.columnCount());
+
+    std::string headings = "name,sex";
+    for (int i = 3; i <= 71; ++i) headings += ",breed";
+    EXPECT_EQ(convertText(headings + "\nAda,f" + std::string(69, ',') + "\n"), Texts{"Operation completed"});
+    EXPECT_EQ(tree("name"), Texts{"Ada"});
+}
+
+/// No file grows beyond this size; the writer gets a failure, as on a full disk.
+class SmallDisk {
+  public:
+    explicit SmallDisk(rlim_t bytes) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit small{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    ~SmallDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, signal_);
+    }
+
+  private:
+    void (*signal_)(int);
+    rlimit before_{};
+};
+
+TEST_F(BadInput, ADiskThatIsFullBeforeAllRowsAreInEndsTheImportWithTheReason) {
+    // In the middle of the tables; when the rows of a small herd are committed; when those of a large one spill over.
+    struct Case {
+        rlim_t size;
+        int animals;
+    };
+    for (const auto& [size, animals] : {Case{40'000, 10}, Case{200'000, 2000}, Case{1'000'000, 20'000}}) {
+        std::string text = "name,sex,breed\n";
+        for (int i = 1; i <= animals; ++i) text += "Ada " + std::to_string(i) + ",f," + std::string(100, 'b') + "\n";
+        const std::string source = write("herd.csv", text);
+        fs::remove(path("herd.cax"));
+        driver.boxes.clear();
+        {
+            const SmallDisk disk(size);
+            convert("Csv", "Rsd", source);
+        }
+        ASSERT_EQ(driver.boxes.size(), 1U) << size;
+        if (driver.isOpen("frmWait")) {
+            EXPECT_NE(driver.text("frmWait", "lblMessage"), "Found  - Ada 20000\n20000 records") << "it ran on";
+            driver.closeWindow("frmWait");
+        }
+        EXPECT_NE(driver.boxes[0].text.find("disk"), std::string::npos) << driver.boxes[0].text;
+        EXPECT_FALSE(fs::exists(path("herd.cax-journal"))) << size;
+        EXPECT_EQ(read(source), text);
+    }
+}
+
+TEST_F(BadInput, ALineOfTenMegabytes) {
+    const std::string big(10'000'000, 'x');
+    EXPECT_EQ(convertText("name,sex,notes\nAda,f," + big + "\nBob,m,\n"), Texts{"Operation completed"});
+    EXPECT_EQ(tree("name, length(notes)"), (Texts{"Ada|10000000", "Bob|0"}));
+    convert("Rsd", "Csv", path("herd.cax"));
+    EXPECT_GT(fs::file_size(path("herd( tree ).csv")), big.size());
+    appSystem::CSVa = TextGrid(appSystem::CSVa.rowCount(), appSystem::CSVa.columnCount());
+    // Longer than a search text may be: the name finds nobody.
+    EXPECT_EQ(convertText("name,sex,sire\nAda,f," + std::string(60000, 'x') + "\n"), Texts{"Operation completed"});
+    EXPECT_EQ(tree("fatherId"), Texts{""});
+}
+
+}  // namespace
