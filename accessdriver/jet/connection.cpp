@@ -1,6 +1,7 @@
 #include "accessdriver/jet/connection.h"
 
 #include <algorithm>
+#include <thread>
 
 #include "accessdriver/jet/failure.h"
 #include "accessdriver/jet/records/text.h"
@@ -11,6 +12,21 @@ namespace jet {
 namespace {
 
 using Lock = std::lock_guard<std::mutex>;
+
+// Tries again and again while somebody else has the file, for as long as the options say.
+std::shared_ptr<SharedFile> attachWaiting(const std::string& path, const OpenOptions& options) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds pause(20);
+    const Clock::time_point end = Clock::now() + options.wait;
+    for (;;) {
+        try {
+            return SharedFile::attach(path, options.access);
+        } catch (const Error& error) {
+            if (error.fault() != Fault::inUse || Clock::now() >= end) throw;
+        }
+        std::this_thread::sleep_for(pause);
+    }
+}
 
 }  // namespace
 
@@ -69,11 +85,14 @@ class Connection::RowCursor : public Cursor {
     mutable std::uint64_t changes_ = 0;
 };
 
-std::unique_ptr<Database> Database::open(const std::string& path, const std::string& password) {
-    return std::make_unique<Connection>(path, password);
+std::unique_ptr<Database> Database::open(const std::string& path, const std::string& password,
+                                         const OpenOptions& options) {
+    return std::make_unique<Connection>(path, password, options);
 }
 
-Connection::Connection(const std::string& path, const std::string& password) : file_(SharedFile::attach(path)) {
+Connection::Connection(const std::string& path, const std::string& password, const OpenOptions& options)
+    : file_(attachWaiting(path, options)),
+      readOnly_(options.access == OpenOptions::Access::read || !file_->writable()) {
     try {
         const Lock lock(file_->mutex);
         pages_ = std::make_unique<PageAccess>(file_->pager());
@@ -89,8 +108,11 @@ Connection::~Connection() {
     try {
         const Lock lock(file_->mutex);
         pages_->rollback();
+        if (ownCommits_ > 0) file_->sync();
     } catch (...) {
-        // The pager is broken now and says so to the other connections; the journal restores the file at the next open.
+        // Nobody is left to be told. After a rollback that failed the pager is broken and says so to the other
+        // connections, and the journal restores the file at the next open. Pages that could not be synced are with the
+        // system, which goes on trying.
     }
     SharedFile::detach(file_);
 }
@@ -138,8 +160,13 @@ TableStore& Connection::store(const TableInfo& table) {
     return *found->second;
 }
 
+void Connection::requireWritable() const {
+    if (readOnly_) throw Error(Fault::readOnly, "The file " + file_->path() + " is open for reading only.");
+}
+
 RowId Connection::insert(const TableInfo& table, std::span<const Assignment> values) {
     const Lock lock(file_->mutex);
+    requireWritable();
     TableStore& rows = store(table);
     PageAccess::Statement statement(*pages_);
     const RowId row = rows.insert(values);
@@ -149,6 +176,7 @@ RowId Connection::insert(const TableInfo& table, std::span<const Assignment> val
 
 void Connection::update(const TableInfo& table, RowId row, std::span<const Assignment> values) {
     const Lock lock(file_->mutex);
+    requireWritable();
     TableStore& rows = store(table);
     PageAccess::Statement statement(*pages_);
     rows.update(row, values);
@@ -171,7 +199,7 @@ void Connection::commit() {
     const Lock lock(file_->mutex);
     if (!pages_->inTransaction()) return;
     pages_->commit();
-    ++file_->commits;
+    file_->noteCommit();
     ++ownCommits_;
 }
 
@@ -182,14 +210,19 @@ void Connection::rollback() {
     pages_->rollback();
 }
 
+void Connection::sync() {
+    const Lock lock(file_->mutex);
+    file_->sync();
+}
+
 std::uint64_t Connection::foreignChanges() const {
     const Lock lock(file_->mutex);
-    return file_->commits - ownCommits_ + ownRollbacks_;
+    return file_->commits() - ownCommits_ + ownRollbacks_;
 }
 
 bool Connection::alive() const {
     const Lock lock(file_->mutex);
-    return file_->reachable();
+    return !file_->pager().broken();
 }
 
 }  // namespace jet

@@ -15,9 +15,10 @@ namespace jet {
 /// The Database that open() gives out. Every call holds the lock of the shared file.
 class Connection : public Database {
   public:
-    Connection(const std::string& path, const std::string& password);
+    Connection(const std::string& path, const std::string& password, const OpenOptions& options);
     ~Connection() override;
 
+    bool readOnly() const override { return readOnly_; }
     std::vector<std::string> tableNames() const override;
     const TableInfo& table(std::string_view name) override;
     RowId insert(const TableInfo& table, std::span<const Assignment> values) override;
@@ -26,6 +27,7 @@ class Connection : public Database {
     std::unique_ptr<Cursor> fetch(const TableInfo& table, RowId row) override;
     void commit() override;
     void rollback() override;
+    void sync() override;
     std::uint64_t foreignChanges() const override;
     bool alive() const override;
 
@@ -37,8 +39,10 @@ class Connection : public Database {
     class RowCursor;
 
     void requirePassword(const std::string& password);
+    void requireWritable() const;
 
     mutable std::shared_ptr<SharedFile> file_;
+    bool readOnly_;
     std::unique_ptr<PageAccess> pages_;
     std::uint32_t defaultSortOrder_ = 0;
     std::vector<CatalogEntry> catalog_;

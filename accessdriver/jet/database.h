@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -30,6 +31,7 @@ enum class Fault {
     nullNotAllowed,  ///< Null for a primary key or required index
     duplicateKey,    ///< a unique index already holds the key
     busy,            ///< another connection of this process has uncommitted changes
+    readOnly,        ///< a change through a connection that is open for reading only
     io               ///< reading or writing the file failed (disk full, ...)
 };
 
@@ -112,21 +114,38 @@ class Cursor {
     virtual Value value(std::size_t column) const = 0;
 };
 
+/// How a file is opened.
+struct OpenOptions {
+    enum class Access {
+        write,           ///< a file or folder that can't be written is noPermission
+        writeIfAllowed,  ///< for reading only where file or folder can't be written
+        read             ///< for reading only, with nothing written but the play-back of a journal
+    };
+    Access access = Access::write;
+    /// How long to wait for a file that is in use before that is the answer.
+    std::chrono::milliseconds wait{0};
+};
+
 /// One connection to one Access file (Jet 4). Connections of one process to the same file share its pages and see each
 /// other's commits; a write while another connection has uncommitted changes fails with Fault::busy.
 /// Every call that refuses leaves the file and the open transaction as they were before that call.
 class Database {
   public:
-    /// Opens an existing file for reading and writing; plays back a rollback journal (the file's name with
-    /// "-jetjournal" behind it) that a crash left beside it. password is UTF-8; it is ignored where the file has none.
-    /// Throws Error. A file or folder that can't be written is noPermission. A lock file of Access (.ldb) beside the
-    /// file is inUse, even if it was left over: nothing tells, and the message says what to do. The file stays locked
-    /// against other processes, and against another copy of this library in the same one, until the last connection
-    /// is gone.
-    static std::unique_ptr<Database> open(const std::string& path, const std::string& password);
+    /// Opens an existing file; plays back a rollback journal (the file's name with "-jetjournal" behind it) that a
+    /// crash left beside it. password is UTF-8; it is ignored where the file has none.
+    /// Throws Error. A lock file of Access (.ldb) beside the file is inUse, even if it was left over: nothing tells,
+    /// and the message says what to do. Until its last connection is gone, a file that is open for writing is locked
+    /// against other processes, and against another copy of this library in the same one; a file that is open for
+    /// reading is locked against those that would write. A process that has a file open for reading only can't open it
+    /// for writing beside that: inUse.
+    static std::unique_ptr<Database> open(const std::string& path, const std::string& password,
+                                          const OpenOptions& options = {});
 
-    /// Rolls back what was not committed; the last connection of the process syncs the file to the disk.
+    /// Rolls back what was not committed, and syncs what was, without a word if that fails.
     virtual ~Database() = default;
+
+    /// Whether insert and update are refused: asked for, or what the file's permissions allow.
+    virtual bool readOnly() const = 0;
 
     /// Names of the user tables, in the order of the catalog.
     virtual std::vector<std::string> tableNames() const = 0;
@@ -149,14 +168,19 @@ class Database {
     /// One row by its identity, already positioned (no next() needed); null if there is no such row.
     virtual std::unique_ptr<Cursor> fetch(const TableInfo& table, RowId row) = 0;
 
+    /// The changes reach the file, so that other programs see them, and a crash of this one can't undo them.
     virtual void commit() = 0;
     virtual void rollback() = 0;
+    /// Brings to the disk what was committed, if that has not been done yet. Whoever wants to know whether it arrived
+    /// calls it before letting go of the connection. Throws Error(io).
+    virtual void sync() = 0;
 
     /// Changes its value whenever rows of this file may have changed other than through this connection's insert and
     /// update (another connection's commit, this connection's rollback). Lookups built over rows compare it.
     virtual std::uint64_t foreignChanges() const = 0;
 
-    /// False once the file can no longer be reached.
+    /// False once the file could not be written or restored. An open file whose path is gone is alive: what is
+    /// written reaches it as before.
     virtual bool alive() const = 0;
 };
 

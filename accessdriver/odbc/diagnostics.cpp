@@ -20,7 +20,7 @@ struct FaultCode {
 // What the storage engine's faults are called outside. The native codes are this driver's own; applications may keep
 // them, so a number never changes its meaning.
 using jet::Fault;
-constexpr std::array<FaultCode, 17> faultCodes = {{
+constexpr std::array<FaultCode, 18> faultCodes = {{
     {Fault::noSuchFile, "08001", -1001},
     {Fault::noPermission, "08001", -1002},
     {Fault::inUse, "08004", -1003},
@@ -38,6 +38,7 @@ constexpr std::array<FaultCode, 17> faultCodes = {{
     {Fault::nullNotAllowed, "23000", -1105},
     {Fault::duplicateKey, "23000", -1106},
     {Fault::busy, "40001", -1107},
+    {Fault::readOnly, "HY000", -1108},
 }};
 
 constexpr SQLINTEGER refusedStatement = -1200;  // any refusal of the SQL room, told apart by its SQLSTATE

@@ -2,10 +2,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
 #include "accessdriver/jet/making/cavTables.h"
+#include "platform/desktop/yield.h"
 #include "tests/cav/rsdSource.h"
 #include "tests/support/programFixture.h"
 #include "tests/support/sqlFile.h"
@@ -77,6 +79,26 @@ TEST_F(ThroughAccessDriver, RsdRowsArriveAndSpoiledOnesAreLost) {
     EXPECT_EQ(driver.boxes.back().text, "Operation completed");
     EXPECT_EQ(rows("vaccinations"), Lines{"2021-01-01|Bob|Myxo|1"});
     EXPECT_EQ(rows("tree"), Lines{"Ärmel`s|weiß|||||||兎|||||||||||||||||||||||||"});
+}
+
+// One box for each animal that was left: the driver called a connection to a deleted file dead.
+TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
+    yielding::setPump(yielding::Pump::everyCall);
+    std::string herd = "name,id\n";
+    for (int i = 1; i <= 60; ++i) herd += "Ada " + std::to_string(i) + "," + std::to_string(i) + "\n";
+    bool pressed = false;
+    driver.onEveryTurn([&] {
+        if (pressed || !driver.isOpen("frmWait")) return;
+        if (driver.text("frmWait", "lblMessage").find("Ada 20") == std::string::npos) return;
+        pressed = true;
+        driver.click("frmWait", "cmdCancel");
+        EXPECT_FALSE(std::filesystem::exists(cav()));
+    });
+    driver.answers = {"Yes", "Yes"};
+    convertToCav("Csv", write("herd.csv", herd));
+    EXPECT_TRUE(pressed);
+    EXPECT_EQ(driver.boxes.back().text, "Operation completed");
+    EXPECT_LE(driver.boxes.size(), 6U);
 }
 
 }  // namespace

@@ -91,14 +91,15 @@ void makeFile(const std::string& path, const MakeOptions& options) {
     // The journal of an earlier file of that name has nothing to say about this one.
     ::unlink((path + "-jetjournal").c_str());
     writeFirstPages(path, options.password);
-    std::shared_ptr<SharedFile> file = SharedFile::attach(path);
+    std::shared_ptr<SharedFile> file = SharedFile::attach(path, OpenOptions::Access::write);
     try {
         PageAccess pages(file->pager());
         PageAccess::Statement statement(pages);
         enterTables(pages, options.tables);
         statement.finish();
         pages.commit();
-        ++file->commits;
+        file->noteCommit();
+        file->sync();
     } catch (...) {
         SharedFile::detach(file);
         ::unlink(path.c_str());

@@ -37,12 +37,12 @@ Fault faultOfOpen(int error) {
     }
 }
 
-std::string sentenceOfOpen(Fault fault, const std::string& path, int error) {
+std::string sentenceOfOpen(Fault fault, const std::string& path, const char* action, int error) {
     switch (fault) {
         case Fault::noSuchFile:
             return "There is no file " + path + ".";
         case Fault::noPermission:
-            return "The file " + path + " may not be read and written: " + std::strerror(error) + ".";
+            return "The file " + path + " may not be " + action + ": " + std::strerror(error) + ".";
         case Fault::notAccess:
             return path + " is a folder, no Access file.";
         default:
@@ -53,12 +53,13 @@ std::string sentenceOfOpen(Fault fault, const std::string& path, int error) {
 }  // namespace
 
 File::File(std::string path, Mode mode, unsigned permissions) : path_(std::move(path)) {
-    const int flags = O_RDWR | O_CLOEXEC | O_NONBLOCK | (mode == Mode::createIfMissing ? O_CREAT | O_NOFOLLOW : 0);
-    descriptor_ = ::open(path_.c_str(), flags, permissions);
+    const bool reads = mode == Mode::readOnly;
+    const int flags = (reads ? O_RDONLY : O_RDWR) | (mode == Mode::createIfMissing ? O_CREAT | O_NOFOLLOW : 0);
+    descriptor_ = ::open(path_.c_str(), flags | O_CLOEXEC | O_NONBLOCK, permissions);
     if (descriptor_ < 0) {
         const int error = errno;
         const Fault fault = faultOfOpen(error);
-        throw Error(fault, sentenceOfOpen(fault, path_, error));
+        throw Error(fault, sentenceOfOpen(fault, path_, reads ? "read" : "read and written", error));
     }
     struct stat info = {};
     if (::fstat(descriptor_, &info) != 0 || !S_ISREG(info.st_mode)) {
@@ -81,19 +82,25 @@ std::uint64_t File::size() const {
     return static_cast<std::uint64_t>(info.st_size);
 }
 
+bool File::isAtItsPath() const {
+    struct stat info = {};
+    return ::stat(path_.c_str(), &info) == 0 && FileIdentity(info.st_dev, info.st_ino) == identity();
+}
+
 unsigned File::permissions() const {
     struct stat info = {};
     if (::fstat(descriptor_, &info) != 0) fail("looked at");
     return info.st_mode & 0777;
 }
 
-bool File::tryLock() {
+bool File::tryLock(Lock lock) {
+    const bool shared = lock == Lock::shared;
     // A file system without locks of one kind can't tell us of others; the second kind may still do.
-    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+    if (::flock(descriptor_, (shared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
     bool free = true;
 #ifdef F_OFD_SETLK
     struct flock whole = {};
-    whole.l_type = F_WRLCK;
+    whole.l_type = shared ? F_RDLCK : F_WRLCK;
     whole.l_whence = SEEK_SET;
     free = ::fcntl(descriptor_, F_OFD_SETLK, &whole) == 0 || (errno != EAGAIN && errno != EACCES);
 #endif

@@ -16,7 +16,8 @@ using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 /// An open file. Every failure of the system is an Error with a sentence that names the file.
 class File {
   public:
-    enum class Mode { existing, createIfMissing };
+    enum class Mode { existing, readOnly, createIfMissing };
+    enum class Lock { shared, exclusive };
 
     /// permissions are those of a file that is made. Such a one is never made, or found, behind a symbolic link.
     File(std::string path, Mode mode, unsigned permissions = 0666);
@@ -27,12 +28,15 @@ class File {
     const std::string& path() const { return path_; }
     FileIdentity identity() const;
     std::uint64_t size() const;
+    /// Whether its path leads to it, and not to nothing or to another file.
+    bool isAtItsPath() const;
     /// Who may read and write it, as in File().
     unsigned permissions() const;
 
-    /// Takes the lock that keeps other processes out until the file is closed; false if another one holds it.
-    /// Both kinds of lock that programs use are taken, since they do not see each other.
-    bool tryLock();
+    /// Takes the lock that keeps other processes out until the file is closed, a shared one only those that want it
+    /// for themselves; false if another one holds it. Both kinds of lock that programs use are taken, since they do
+    /// not see each other.
+    bool tryLock(Lock lock);
 
     /// Reads exactly as many bytes as to holds; false if the file ends before that.
     bool readAt(std::uint64_t at, std::span<std::uint8_t> to) const;

@@ -102,7 +102,12 @@ Journal::Journal(std::string path, const File& file) : path_(std::move(path)), o
 }
 
 Journal::~Journal() {
-    if (file_ && !active()) ::unlink(path_.c_str());
+    try {
+        // The folder may hold another file of our file's name by now, with a journal of its own.
+        if (file_ && !active() && file_->isAtItsPath()) ::unlink(path_.c_str());
+    } catch (const Error&) {
+        // A journal whose transaction has ended does no harm.
+    }
 }
 
 std::vector<std::uint64_t> Journal::append(std::uint32_t fileLength, const std::vector<OriginalPage>& originals) {
@@ -159,6 +164,12 @@ void Journal::finish() {
     } catch (const Error&) {
         // The transaction has ended all the same; a long journal only takes room.
     }
+}
+
+bool Journal::waits(const std::string& path) {
+    if (::access(path.c_str(), F_OK) != 0) return false;
+    Batch first;
+    return readBatch(File(path, File::Mode::readOnly), 0, 0, first);
 }
 
 void Journal::playBack(const std::string& path, File& file) {

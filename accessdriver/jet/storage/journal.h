@@ -44,6 +44,8 @@ class Journal {
     void finish();
     bool active() const { return batches_ > 0; }
 
+    /// Whether a journal lies at path that playBack would have something to do with. Throws Error: io, noPermission.
+    static bool waits(const std::string& path);
     /// Brings file back to its last committed state if a journal lies at path, and removes the journal.
     /// Throws Error: corrupt for a journal that can't be this file's, io, noPermission.
     static void playBack(const std::string& path, File& file);

@@ -2,8 +2,8 @@
 
 #include <array>
 #include <cstdlib>
+#include <fcntl.h>
 #include <map>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "accessdriver/jet/failure.h"
@@ -53,10 +53,14 @@ void requireNoLockFile(const std::string& path) {
     }
 }
 
+void requireLock(File& file, File::Lock lock, const std::string& path) {
+    if (!file.tryLock(lock)) throw Error(Fault::inUse, "The file " + path + " is in use by another program.");
+}
+
 void requireWritableFolder(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
-    if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+    if (::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) != 0) {
         throw Error(Fault::noPermission,
                     "The folder " + folder + " may not be written, and changes to " + path + " need a journal there.");
     }
@@ -86,8 +90,8 @@ std::string journalOf(const std::string& path) { return path + "-jetjournal"; }
 
 }  // namespace
 
-SharedFile::SharedFile(std::string path, std::unique_ptr<File> file)
-    : path_(std::move(path)), file_(std::move(file)), identity_(file_->identity()) {
+SharedFile::SharedFile(std::string path, std::unique_ptr<File> file, bool writable)
+    : path_(std::move(path)), file_(std::move(file)), identity_(file_->identity()), writable_(writable) {
     pager_ = std::make_unique<Pager>(*file_, journalOf(path_), cacheCapacity);
 }
 
@@ -95,24 +99,62 @@ void SharedFile::setCacheCapacity(std::size_t pages) { cacheCapacity = pages; }
 
 SharedFile::~SharedFile() = default;
 
-std::shared_ptr<SharedFile> SharedFile::attach(const std::string& name) {
-    Registry& all = registry();
-    const std::lock_guard lock(all.mutex);
-    auto file = std::make_unique<File>(name, File::Mode::existing);
-    const FileIdentity identity = file->identity();
-    if (auto shared = all.files[identity].lock()) return shared;
-
-    const std::string path = resolved(name);
-    if (!file->tryLock()) {
-        throw Error(Fault::inUse, "The file " + path + " is in use by another program.");
+std::shared_ptr<SharedFile> SharedFile::attach(const std::string& name, OpenOptions::Access access) {
+    using Access = OpenOptions::Access;
+    const std::lock_guard lock(registry().mutex);
+    if (access != Access::read) {
+        try {
+            return openForWriting(name);
+        } catch (const Error& error) {
+            if (access != Access::writeIfAllowed || error.fault() != Fault::noPermission) throw;
+        }
     }
+    return openForReading(name);
+}
+
+std::shared_ptr<SharedFile> SharedFile::openForWriting(const std::string& name) {
+    auto file = std::make_unique<File>(name, File::Mode::existing);
+    std::weak_ptr<SharedFile>& entry = registry().files[file->identity()];
+    if (auto shared = entry.lock()) {
+        if (shared->writable_) return shared;
+        throw Error(Fault::inUse, "This program has the file " + name +
+                                      " open for reading only; it can't be written before that connection is closed.");
+    }
+    const std::string path = resolved(name);
+    requireLock(*file, File::Lock::exclusive, path);
     requireFormat(*file);
     requireNoLockFile(path);
     requireWritableFolder(path);
     Journal::playBack(journalOf(path), *file);
     requireWholePages(*file);
-    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file)));
-    all.files[identity] = shared;
+    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), true));
+    entry = shared;
+    return shared;
+}
+
+std::shared_ptr<SharedFile> SharedFile::openForReading(const std::string& name) {
+    const std::string path = resolved(name);
+    auto file = std::make_unique<File>(name, File::Mode::readOnly);
+    std::weak_ptr<SharedFile>& entry = registry().files[file->identity()];
+    if (auto shared = entry.lock()) return shared;
+    requireLock(*file, File::Lock::shared, path);
+    if (Journal::waits(journalOf(path))) {
+        // Nobody is writing, so a crash left it. To restore the file is a matter of a moment for a writer.
+        file.reset();
+        try {
+            openForWriting(name);
+        } catch (const Error& error) {
+            throw Error(error.fault(), "A change to " + path +
+                                           " was cut short, and has to be undone before it can be " + "read. " +
+                                           error.what());
+        }
+        return openForReading(name);
+    }
+    requireFormat(*file);
+    requireNoLockFile(path);
+    requireWholePages(*file);
+    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), false));
+    entry = shared;
     return shared;
 }
 
@@ -120,21 +162,14 @@ void SharedFile::detach(std::shared_ptr<SharedFile>& file) noexcept {
     Registry& all = registry();
     // Closing happens under the registry's lock, so that nobody meets the file half closed and still locked.
     const std::lock_guard lock(all.mutex);
-    if (file.use_count() == 1) {
-        try {
-            if (file->commits > 0) file->file_->sync();
-        } catch (const Error&) {
-            // Nobody is left to be told; the pages are with the system, which writes them in its own time.
-        }
-        all.files.erase(file->identity_);
-    }
+    if (file.use_count() == 1) all.files.erase(file->identity_);
     file.reset();
 }
 
-bool SharedFile::reachable() const {
-    struct stat info = {};
-    return !pager_->broken() && ::stat(path_.c_str(), &info) == 0 &&
-           FileIdentity(info.st_dev, info.st_ino) == identity_;
+void SharedFile::sync() {
+    if (synced_) return;
+    file_->sync();
+    synced_ = true;
 }
 
 }  // namespace jet

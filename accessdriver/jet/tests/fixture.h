@@ -52,8 +52,9 @@ Refusal refusalOf(Call call) {
         return {error.fault(), error.what()};
     }
 }
-inline Refusal refusalOfOpen(const std::string& path, const std::string& password = "") {
-    return refusalOf([&] { Database::open(path, password); });
+inline Refusal refusalOfOpen(const std::string& path, const std::string& password = "",
+                             const OpenOptions& options = {}) {
+    return refusalOf([&] { Database::open(path, password, options); });
 }
 
 /// A table with a column and an index of every kind: id is the primary key and an AutoNumber.

@@ -24,8 +24,10 @@ class FakeDatabase : public jet::Database {
     void update(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values) override;
     std::unique_ptr<jet::Cursor> scan(const jet::TableInfo& table) override;
     std::unique_ptr<jet::Cursor> fetch(const jet::TableInfo& table, jet::RowId row) override;
+    bool readOnly() const override { return false; }
     void commit() override;
     void rollback() override;
+    void sync() override {}
     std::uint64_t foreignChanges() const override { return foreignChanges_; }
     bool alive() const override { return true; }
 
