@@ -1,5 +1,9 @@
 #include "platform/desktop/controls.h"
 
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
@@ -20,6 +24,12 @@
 namespace {
 
 QString shown(const std::string& text) { return QString::fromStdString(text); }
+
+/// The nearest one; a share of nothing is nothing.
+int wholeNumber(double value) {
+    constexpr double most = std::numeric_limits<int>::max();
+    return std::isnan(value) ? 0 : static_cast<int>(std::lround(std::clamp(value, 0.0, most)));
+}
 
 void setTextColour(QWidget* widget, QPalette::ColorRole role, const Colour& colour) {
     QPalette palette = widget->palette();
@@ -183,6 +193,7 @@ void ProgressBar::setValue(double value) {
 }
 
 void ProgressBar::apply() {
-    bar_->setMaximum(static_cast<int>(maximum_));
-    bar_->setValue(static_cast<int>(value_));
+    // The toolkit takes a bar from nothing to nothing for one without an end, and moves it for ever.
+    bar_->setMaximum(std::max(wholeNumber(maximum_), 1));
+    bar_->setValue(wholeNumber(value_));
 }

@@ -13,6 +13,8 @@ namespace {
 
 struct State {
     int depth = 0;
+    int postponements = 0;
+    std::vector<std::function<void()>> postponed;
     std::exception_ptr pending;
     std::vector<std::unique_ptr<Window>> retired;
     std::function<void(const std::string&)> reporter;
@@ -43,6 +45,9 @@ void report() {
 }
 
 void settle() {
+    if (state().postponements > 0) return;
+    // First, for they may be those of a closed window.
+    for (const auto& handler : std::exchange(state().postponed, {})) events::run(handler);
     if (state().depth > 0) return;
     state().retired.clear();
     if (state().idleObserver) state().idleObserver();
@@ -53,6 +58,10 @@ void settle() {
 namespace events {
 
 void run(const std::function<void()>& handler) {
+    if (state().postponements > 0) {
+        state().postponed.push_back(handler);
+        return;
+    }
     ++state().depth;
     try {
         handler();
@@ -67,6 +76,13 @@ void run(const std::function<void()>& handler) {
     if (state().depth > 0) return;
     // Not here: the control whose event this is may belong to a closed window.
     QTimer::singleShot(0, settle);
+}
+
+Postponement::Postponement() { ++state().postponements; }
+
+Postponement::~Postponement() {
+    const bool nothingWaits = state().postponed.empty() && state().retired.empty();
+    if (--state().postponements == 0 && !nothingWaits) QTimer::singleShot(0, settle);
 }
 
 void rethrowPending() {
@@ -84,6 +100,7 @@ void setIdleObserver(std::function<void()> observer) { state().idleObserver = st
 
 void clear() {
     state().pending = nullptr;
+    state().postponed.clear();
     state().retired.clear();
 }
 

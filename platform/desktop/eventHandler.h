@@ -12,8 +12,17 @@ class Window;
 /// program ends with exit code 1.
 namespace events {
 
-/// Runs a handler of a control, menu or window.
+/// Runs a handler of a control, menu or window; while a Postponement lives, after it.
 void run(const std::function<void()>& handler);
+
+/// As long as one lives, handlers wait. They run when events are handled next.
+class Postponement {
+  public:
+    Postponement();
+    ~Postponement();
+    Postponement(const Postponement&) = delete;
+    Postponement& operator=(const Postponement&) = delete;
+};
 
 /// Throws a failure that a nested handler left behind, if there is one.
 void rethrowPending();

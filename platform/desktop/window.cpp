@@ -1,7 +1,6 @@
 #include "platform/desktop/window.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include <QtGui/QCloseEvent>
 #include <QtGui/QGuiApplication>
@@ -14,11 +13,9 @@
 #include "platform/desktop/child.h"
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/menuBar.h"
+#include "platform/desktop/painting.h"
 
 namespace {
-
-/// Nobody sees more than about sixty pictures a second.
-constexpr auto paintInterval = std::chrono::milliseconds(16);
 
 std::vector<Window*>& openWindows() {
     static std::vector<Window*> windows;
@@ -98,6 +95,7 @@ void Window::show() {
     }
     widget_->show();
     bringToFront();
+    painting::paintFirst(*widget_);
 }
 
 void Window::bringToFront() {
@@ -116,13 +114,10 @@ void Window::close() {
 }
 
 void Window::refresh(bool immediate) {
-    using Clock = std::chrono::steady_clock;
-    static Clock::time_point lastPaint;
-    const auto now = Clock::now();
-    if (!immediate || now - lastPaint < paintInterval) return;
-    lastPaint = now;
+    if (!immediate || !painting::isDue()) return;
     Control::applyChanges();
     widget_->repaint();
+    painting::paint();
 }
 
 int Window::openCount() { return static_cast<int>(openWindows().size()); }

@@ -35,7 +35,8 @@ class Window {
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    /// Makes the window visible and brings it to the front; does nothing if it is visible already. Returns at once.
+    /// Makes the window visible, brings it to the front and paints it; does nothing if it is visible already. Returns
+    /// once it is painted.
     void show();
     void bringToFront();
 
