@@ -1,7 +1,7 @@
 #include "fieldtext/normalisers.h"
 
+#include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
@@ -21,20 +21,36 @@ bool isOneOf(const std::array<std::string_view, 10>& words, std::string_view tex
     return false;
 }
 
-/// The number that the whole value reads as.
-std::optional<double> numberOf(std::string_view value) {
-    const std::string_view text = text::trim(value);
-    if (text.find_first_not_of("0123456789+-.eE") != std::string_view::npos) return std::nullopt;
-    double number = 0;
-    const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return failed != std::errc() || end != text.data() + text.size() ? std::nullopt : std::optional(number);
+std::size_t digitsAt(std::string_view text) { return std::min(text.find_first_not_of("0123456789"), text.size()); }
+
+/// Whether the text is a number, however large, and not 0.
+bool isNumberButZero(std::string_view text) {
+    const auto take = [&text](std::string_view characters) {
+        const bool found = !text.empty() && characters.find(text.front()) != std::string_view::npos;
+        if (found) text.remove_prefix(1);
+        return found;
+    };
+    take("+-");
+    const std::string_view whole = text.substr(0, digitsAt(text));
+    text.remove_prefix(whole.size());
+    const std::string_view decimals = take(".") ? text.substr(0, digitsAt(text)) : std::string_view{};
+    text.remove_prefix(decimals.size());
+    if (whole.empty() && decimals.empty()) return false;
+    if (take("eE")) {
+        take("+-");
+        const std::size_t digits = digitsAt(text);
+        if (digits == 0) return false;
+        text.remove_prefix(digits);
+    }
+    const auto hasMore = [](std::string_view digits) {
+        return digits.find_first_not_of('0') != std::string_view::npos;
+    };
+    return text.empty() && (hasMore(whole) || hasMore(decimals));
 }
 
 bool isTrue(std::string_view value) {
     const std::string_view word = text::trim(value);
-    if (text::equals(word, "true") || text::equals(word, "yes")) return true;
-    const auto number = numberOf(value);
-    return number && *number != 0;
+    return text::equals(word, "true") || text::equals(word, "yes") || isNumberButZero(word);
 }
 
 }  // namespace
@@ -52,8 +68,8 @@ std::string convertSex(std::string_view text) {
 }
 
 std::string getBooleanString(std::string_view value) {
-    const bool isMinusOne = numberOf(value) == -1.0 || value == "-1";
-    return isTrue(value) || isMinusOne ? "True" : "False";
+    // The integer -1 and the text "-1" are numbers but 0.
+    return isTrue(value) ? "True" : "False";
 }
 
 std::optional<Date> CDate(std::string_view value) {

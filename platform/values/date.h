@@ -21,21 +21,18 @@ struct Date {
 
 namespace dates {
 
-/// Which of two numbers in front of the year is the day.
-enum class Order { dayMonth, monthDay };
+class Region;
 
-/// The order that the computer's regional settings ask for.
-Order regionalOrder();
-
-/// Reads a date as a breeder types it. Day, month and year as numbers, in the regional order, with "/", "-", "." or a
-/// blank between them; a first group of four digits is the year, followed by month and day. The month may be a name or
-/// short name, regional or English, in any order with day and year. Two-digit years from 69 on are 19xx, the others
-/// 20xx. A time of day may follow and is dropped. Everything else, and any day that the calendar does not have, gives
-/// nothing.
+/// Reads a date as a breeder types it, in the region of the computer's settings. The region's own short and long form
+/// come first, with two or four digits of the year, with or without the weekday and a closing mark. Then day, month and
+/// year as numbers, in the region's order, with "/", "-", "." or a blank between them; a first group of four digits is
+/// the year, followed by month and day. The month may be a name or short name, regional or English, in any order with
+/// day and year. Two-digit years from 69 on are 19xx, the others 20xx. A time of day, with or without a zone, may
+/// follow and is dropped. Everything else, and any day that the calendar does not have, gives nothing.
 std::optional<Date> parse(std::string_view text);
 
-/// Same, with a given order of day and month.
-std::optional<Date> parse(std::string_view text, Order order);
+/// Same, in a given region.
+std::optional<Date> parse(std::string_view text, const Region& region);
 
 /// Reads the SQL form, with or without a time behind it; nothing if the text is anything else.
 std::optional<Date> parseSql(std::string_view text);

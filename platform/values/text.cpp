@@ -155,7 +155,8 @@ std::string replaceAll(std::string_view text, std::string_view from, std::string
 }
 
 std::string lower(std::string_view text) {
-    return mapped(text, [](char32_t code) { return QChar::toLower(code); });
+    // The toolkit keeps the dotted capital I, as its small letter may be written as two characters.
+    return mapped(text, [](char32_t code) { return code == 0x130 ? U'i' : QChar::toLower(code); });
 }
 
 std::string upper(std::string_view text) {
