@@ -107,7 +107,8 @@ DatabaseRecord makeRecord(int row, const ColumnMap& columnMap) {
 Outcome removeEarlierResult(const FileReference& destination) {
     if (!destination.exists()) return Outcome::goOn;
     if (!askYesNo("Overwrite file",
-                  "This file has been converted before. Do you want to overwrite the old converted file?")) {
+                  "This file has been converted before. Do you want to overwrite the old converted file?",
+                  Answer::no)) {
         showMessage("Rename or move your old converted file and try again.");
         return Outcome::endConversion;
     }

@@ -165,7 +165,10 @@ void WindowDriver::answerDialog(QWidget* widget) {
     QTest::keyClick(name, Qt::Key_Return);
 }
 
-void WindowDriver::later(std::function<void()> action) { QTimer::singleShot(0, qApp, std::move(action)); }
+void WindowDriver::later(std::function<void()> action) {
+    // A timer without a delay is none: it would fire also where the program only paints.
+    QTimer::singleShot(1, qApp, std::move(action));
+}
 
 void WindowDriver::settle() {
     for (int i = 0; i < 5; ++i) QApplication::processEvents();

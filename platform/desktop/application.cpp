@@ -1,32 +1,36 @@
 #include "platform/desktop/application.h"
 
+#include <QtCore/QSettings>
 #include <QtGui/QFont>
 #include <QtGui/QIcon>
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
-#include <QtWidgets/QStyleFactory>
 
 #include "platform/desktop/eventHandler.h"
+#include "platform/desktop/houseStyle.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/window.h"
+#include "platform/desktop/windowFont.h"
 #include "platform/values/failure.h"
 
 namespace {
 
 Application* instance = nullptr;
 
-/// The windows have a fixed geometry and light backgrounds, so the same style, colours and font serve on every
-/// platform.
+/// The windows have light backgrounds, so the same colours serve on every desktop.
 void setAppearance() {
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle(std::make_unique<HouseStyle>().release());
     QPalette palette(QColor(239, 239, 239));
     palette.setColor(QPalette::Highlight, QColor(48, 110, 180));
     QApplication::setPalette(palette);
-    QFont font;
-    font.setFamilies({"Liberation Sans", "Helvetica", "Arial", "Nimbus Sans", "DejaVu Sans"});
+    QFont font = windowFont();
     font.setPixelSize(12);
     QApplication::setFont(font);
 }
+
+/// The toolkit's own dialogs would write theirs into the user's configuration, and nothing is stored. No file can be
+/// made below this path.
+void storeNoSettings() { QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null"); }
 
 }  // namespace
 
@@ -34,6 +38,7 @@ Application::Application(int& argumentCount, char** arguments)
     : toolkit_(std::make_unique<QApplication>(argumentCount, arguments)) {
     instance = this;
     setAppearance();
+    storeNoSettings();
     // The toolkit would quit inside a conversion whose windows have just been closed; the program ends after it
     // instead.
     QApplication::setQuitOnLastWindowClosed(false);

@@ -6,6 +6,8 @@
 
 #include <QtWidgets/QWidget>
 
+#include "platform/desktop/windowFont.h"
+
 namespace {
 
 std::vector<Control*>& changedControls() {
@@ -65,6 +67,12 @@ void Control::applyChanges() {
         control->changed_ = false;
         control->apply();
     }
+}
+
+TextControl::TextControl(QWidget* widget, std::string name, const Place& place)
+    : Control(widget, std::move(name), place) {
+    // Said on every control: a desktop that puts another font in the place of the program's does not reach these.
+    widget->setFont(windowFont());
 }
 
 void TextControl::setTextSize(float size) {

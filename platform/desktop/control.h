@@ -65,5 +65,5 @@ class TextControl : public Control {
     virtual void setText(const std::string& text) = 0;
 
   protected:
-    using Control::Control;
+    TextControl(QWidget* widget, std::string name, const Place& place);
 };

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
-#include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QPlainTextEdit>
@@ -19,6 +19,8 @@
 
 #include "platform/desktop/child.h"
 #include "platform/desktop/eventHandler.h"
+#include "platform/desktop/fittingLabel.h"
+#include "platform/desktop/givenPath.h"
 #include "platform/values/text.h"
 
 namespace {
@@ -40,13 +42,9 @@ void setTextColour(QWidget* widget, QPalette::ColorRole role, const Colour& colo
 }  // namespace
 
 Label::Label(QWidget* parent, std::string name, const Place& place, std::string text, Lines lines)
-    : TextControl(makeChild<QLabel>(parent), std::move(name), place),
-      label_(static_cast<QLabel*>(widget())),
-      text_(std::move(text)),
-      lines_(lines) {
-    label_->setTextFormat(Qt::PlainText);
-    label_->setWordWrap(lines == Lines::several);
-    if (lines == Lines::several) label_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    : TextControl(makeChild<FittingLabel>(parent, lines == Lines::several), std::move(name), place),
+      label_(static_cast<FittingLabel*>(widget())),
+      text_(std::move(text)) {
     changed();
 }
 
@@ -59,15 +57,7 @@ void Label::setColour(const Colour& colour) { setTextColour(label_, QPalette::Wi
 
 void Label::apply() {
     // An animal's name may be as long as its file; a label of this many characters is overfull by far.
-    const QString whole = shown(text::shortened(text_, 1000));
-    label_->setAccessibleName(whole);
-    if (lines_ == Lines::several) {
-        label_->setText(whole);
-        return;
-    }
-    const QString fitting = label_->fontMetrics().elidedText(whole, Qt::ElideMiddle, label_->width());
-    label_->setText(fitting);
-    label_->setToolTip(fitting == whole ? QString() : whole);
+    label_->setWhole(shown(text::shortened(text_, 1000)));
 }
 
 TextField::TextField(QWidget* parent, std::string name, const Place& place)
@@ -80,6 +70,19 @@ void TextField::setText(const std::string& text) { field_->setText(shown(text));
 void TextField::setColour(const Colour& colour) { setTextColour(field_, QPalette::Text, colour); }
 
 void TextField::setTabStop(bool tabStop) { field_->setFocusPolicy(tabStop ? Qt::StrongFocus : Qt::ClickFocus); }
+
+void TextField::takePaths() {
+    field_->setAcceptDrops(false);
+    const auto before = std::make_shared<QString>(field_->text());
+    QObject::connect(field_, &QLineEdit::textEdited, field_, [this, before](const QString& now) {
+        const QString clean = givenPath::cleaned(*before, now);
+        if (clean == now) return;
+        const QSignalBlocker onlyOnce(field_);
+        field_->selectAll();
+        field_->insert(clean);
+    });
+    QObject::connect(field_, &QLineEdit::textChanged, field_, [this, before] { *before = field_->text(); });
+}
 
 TextArea::TextArea(QWidget* parent, std::string name, const Place& place)
     : TextControl(makeChild<QPlainTextEdit>(parent), std::move(name), place),
@@ -125,6 +128,19 @@ RadioButton::RadioButton(QWidget* parent, std::string name, const Place& place, 
 }
 
 bool RadioButton::selected() const { return button()->isChecked(); }
+
+void RadioButton::onAction(std::function<void()> action) {
+    auto* radio = button();
+    QObject::connect(radio, &QAbstractButton::toggled, radio, [action](bool on) {
+        if (on) events::run(action);
+    });
+    // A press on the selected one toggles nothing.
+    const auto wasSelected = std::make_shared<bool>(false);
+    QObject::connect(radio, &QAbstractButton::pressed, radio, [=] { *wasSelected = radio->isChecked(); });
+    QObject::connect(radio, &QAbstractButton::clicked, radio, [action = std::move(action), wasSelected] {
+        if (*wasSelected) events::run(action);
+    });
+}
 
 GroupBox::GroupBox(QWidget* parent, std::string name, const Place& place, const std::string& title)
     : TextControl(makeChild<QGroupBox>(parent), std::move(name), place), box_(static_cast<QGroupBox*>(widget())) {

@@ -6,7 +6,7 @@
 #include "platform/desktop/control.h"
 #include "platform/desktop/picture.h"
 
-class QLabel;
+class FittingLabel;
 class QLineEdit;
 class QAbstractButton;
 class QComboBox;
@@ -22,8 +22,8 @@ struct Colour {
     int blue = 0;
 };
 
-/// A label of one line, in which a text too long for it is shortened in the middle and shown whole when pointed at, or
-/// of several wrapped lines.
+/// A label of one line, in which a text too long for it is shortened in the middle, or of several wrapped lines, of
+/// which the longest paragraph gives way. What is shortened is shown whole when pointed at.
 class Label : public TextControl {
   public:
     enum class Lines { one, several };
@@ -36,9 +36,8 @@ class Label : public TextControl {
   private:
     void apply() override;
 
-    QLabel* label_;
+    FittingLabel* label_;
     std::string text_;
-    Lines lines_;
 };
 
 /// A one-line text field with a border.
@@ -50,6 +49,10 @@ class TextField : public TextControl {
     void setText(const std::string& text) override;
     void setColour(const Colour& colour);
     void setTabStop(bool tabStop);
+
+    /// Has what is pasted taken for the path of a file: a file's address becomes its path, blanks and line ends around
+    /// it go. What is dropped on the field goes to the window.
+    void takePaths();
 
   private:
     QLineEdit* field_;
@@ -74,7 +77,7 @@ class Button : public TextControl {
     void setText(const std::string& text) override;
 
     /// The handler for a press by the user.
-    void onAction(std::function<void()> action);
+    virtual void onAction(std::function<void()> action);
 
     /// Presses the button as the user would.
     void press();
@@ -108,6 +111,9 @@ class RadioButton : public Button {
   public:
     RadioButton(QWidget* parent, std::string name, const Place& place, const std::string& text);
     bool selected() const;
+
+    /// The handler for a press, and for a choice without one, as assistive technology makes it.
+    void onAction(std::function<void()> action) override;
 };
 
 class GroupBox : public TextControl {

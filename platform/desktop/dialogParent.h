@@ -1,11 +1,8 @@
 #pragma once
 
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QWidget>
+class QWidget;
 
-/// The window that a box or dialog stands in front of. A window that has just been closed may still count as the active
-/// one, and would take the box along when it is destroyed; then there is none.
-inline QWidget* dialogParent() {
-    QWidget* active = QApplication::activeWindow();
-    return active != nullptr && active->isVisible() ? active : nullptr;
-}
+/// The window that a box or dialog stands in front of: the active one, or else the newest of the program's windows that
+/// is on the screen. None where there is none. A window that has just been closed may still count as the active one,
+/// and would take the box along when it is destroyed.
+QWidget* dialogParent();

@@ -14,6 +14,7 @@ namespace {
 struct State {
     int depth = 0;
     int postponements = 0;
+    bool unsettled = false;
     std::vector<std::function<void()>> postponed;
     std::exception_ptr pending;
     std::vector<std::unique_ptr<Window>> retired;
@@ -45,7 +46,8 @@ void report() {
 }
 
 void settle() {
-    if (state().postponements > 0) return;
+    state().unsettled = state().postponements > 0;
+    if (state().unsettled) return;
     // First, for they may be those of a closed window.
     for (const auto& handler : std::exchange(state().postponed, {})) events::run(handler);
     if (state().depth > 0) return;
@@ -60,6 +62,7 @@ namespace events {
 void run(const std::function<void()>& handler) {
     if (state().postponements > 0) {
         state().postponed.push_back(handler);
+        state().unsettled = true;
         return;
     }
     ++state().depth;
@@ -81,8 +84,7 @@ void run(const std::function<void()>& handler) {
 Postponement::Postponement() { ++state().postponements; }
 
 Postponement::~Postponement() {
-    const bool nothingWaits = state().postponed.empty() && state().retired.empty();
-    if (--state().postponements == 0 && !nothingWaits) QTimer::singleShot(0, settle);
+    if (--state().postponements == 0 && state().unsettled) QTimer::singleShot(0, settle);
 }
 
 void rethrowPending() {

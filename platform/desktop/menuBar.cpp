@@ -46,7 +46,8 @@ void MenuBar::fill(QMenuBar& bar) const {
             action->setShortcut(QKeySequence(QString::fromStdString(keys)));
             if (item.icon) action->setIcon(QIcon(item.icon.pixmap()));
             action->setIconVisibleInMenu(true);
-            if (item.quits) action->setMenuRole(QAction::QuitRole);
+            // Without a role, a platform with a menu of its own for the program would sort items in by their texts.
+            action->setMenuRole(item.quits ? QAction::QuitRole : QAction::NoRole);
             QObject::connect(action, &QAction::triggered, action,
                              [this, &item] { events::run([&] { choose(item); }); });
         }

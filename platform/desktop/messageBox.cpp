@@ -1,6 +1,9 @@
 #include "platform/desktop/messageBox.h"
 
+#include <memory>
+
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QGridLayout>
 #include <QtWidgets/QMessageBox>
 
 #include "platform/desktop/control.h"
@@ -12,6 +15,15 @@ namespace {
 
 /// No box may grow so tall that its buttons leave the screen.
 constexpr std::size_t longestText = 3000;
+
+/// The toolkit leaves room for a picture also beside a text that has none.
+void removeIndent(QMessageBox& box) {
+    auto* layout = qobject_cast<QGridLayout*>(box.layout());
+    layout->setHorizontalSpacing(0);
+    for (int i = layout->count() - 1; i >= 0; --i) {
+        if (layout->itemAt(i)->spacerItem() != nullptr) std::unique_ptr<QLayoutItem>(layout->takeAt(i)).reset();
+    }
+}
 
 int run(QMessageBox& box, const std::string& text) {
     box.setTextFormat(Qt::PlainText);
@@ -29,15 +41,17 @@ void showMessage(const std::string& text) {
     box.setObjectName("message");
     // For an empty title the toolkit puts the program's file name.
     box.setWindowTitle(" ");
+    removeIndent(box);
     run(box, text);
 }
 
-bool askYesNo(const std::string& title, const std::string& text) {
+bool askYesNo(const std::string& title, const std::string& text, Answer onEnter) {
     QMessageBox box(dialogParent());
     box.setObjectName("question");
     box.setWindowTitle(QString::fromStdString(title));
     box.setIcon(QMessageBox::Question);
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(onEnter == Answer::yes ? QMessageBox::Yes : QMessageBox::No);
     box.setEscapeButton(QMessageBox::No);
     return run(box, text) == QMessageBox::Yes;
 }

@@ -17,16 +17,25 @@ QString filterText(const FileType& type) {
     return QString::fromStdString(type.name) + " (" + patterns.join(' ') + ")";
 }
 
+/// The folder that a file was picked in last.
+FileReference& lastFolder() {
+    static FileReference folder;
+    return folder;
+}
+
 }  // namespace
 
 std::optional<FileReference> OpenFileDialog::showModal() const {
     QFileDialog dialog(dialogParent(), QString::fromStdString(title));
     dialog.setFileMode(QFileDialog::ExistingFile);
     if (const FileType* type = FileType::named(filter)) dialog.setNameFilter(filterText(*type));
-    if (initialFolder.exists()) dialog.setDirectory(QString::fromStdString(initialFolder.nativePath()));
+    const FileReference& start = initialFolder.exists() ? initialFolder : lastFolder();
+    dialog.setDirectory(start.exists() ? QString::fromStdString(start.nativePath()) : QDir::currentPath());
     Control::applyChanges();
     const bool picked = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
     events::rethrowPending();
     if (!picked) return std::nullopt;
-    return FileReference(QDir::toNativeSeparators(dialog.selectedFiles().front()).toStdString());
+    const FileReference file(QDir::toNativeSeparators(dialog.selectedFiles().front()).toStdString());
+    lastFolder() = file.parent();
+    return file;
 }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include <QtGui/QCloseEvent>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
@@ -14,6 +13,7 @@
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/menuBar.h"
 #include "platform/desktop/painting.h"
+#include "platform/desktop/windowWidget.h"
 
 namespace {
 
@@ -21,21 +21,6 @@ std::vector<Window*>& openWindows() {
     static std::vector<Window*> windows;
     return windows;
 }
-
-/// The widget behind a window; its close box closes the window.
-class WindowWidget : public QWidget {
-  public:
-    explicit WindowWidget(Window& window) : window_(window) {}
-
-  protected:
-    void closeEvent(QCloseEvent* event) override {
-        event->accept();
-        events::run([this] { window_.close(); });
-    }
-
-  private:
-    Window& window_;
-};
 
 Qt::WindowFlags flagsOf(WindowLayout::Kind kind) {
     const Qt::WindowFlags type = kind == WindowLayout::Kind::document ? Qt::Window : Qt::Dialog;
@@ -120,8 +105,17 @@ void Window::refresh(bool immediate) {
     painting::paint();
 }
 
+void Window::takeFiles(std::function<void(const std::string& path)> taker) { widget_->takeFiles(std::move(taker)); }
+
 int Window::openCount() { return static_cast<int>(openWindows().size()); }
 
 void Window::closeAll() {
     while (!openWindows().empty()) openWindows().back()->close();
+}
+
+QWidget* Window::newestOnScreen() {
+    const auto& windows = openWindows();
+    const auto newest = std::find_if(windows.rbegin(), windows.rend(),
+                                     [](const Window* window) { return window->widget_->isVisible(); });
+    return newest == windows.rend() ? nullptr : (*newest)->widget_.get();
 }

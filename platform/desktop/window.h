@@ -10,6 +10,7 @@
 
 class MenuBar;
 class QWidget;
+class WindowWidget;
 
 /// What a window looks like before it has controls. Sizes in pixels.
 struct WindowLayout {
@@ -56,8 +57,14 @@ class Window {
     /// Closes all open windows.
     static void closeAll();
 
+    /// The window opened last of those on the screen; null if there is none.
+    static QWidget* newestOnScreen();
+
   protected:
     explicit Window(const WindowLayout& layout);
+
+    /// Has files dropped anywhere on the window handed to the taker, by their paths, one at a time.
+    void takeFiles(std::function<void(const std::string& path)> taker);
 
     virtual void Event_Open() {}
     virtual void Event_Close() {}
@@ -82,7 +89,7 @@ class Window {
     void open(std::function<std::unique_ptr<Window>()> release);
     QWidget* content() const { return content_; }
 
-    std::unique_ptr<QWidget> widget_;
+    std::unique_ptr<WindowWidget> widget_;
     QWidget* content_ = nullptr;
     std::vector<std::unique_ptr<Control>> controls_;
     std::function<std::unique_ptr<Window>()> release_;

@@ -70,6 +70,7 @@ void FrmMain::createControls() {
     txtFilePath_->setTextSize(10);
     txtFilePath_->setColour(navy);
     txtFilePath_->setTabStop(false);
+    txtFilePath_->takePaths();
     lblDestinationFilePath_->setTextSize(10);
     lblDestinationFilePath_->setColour(navy);
 }
@@ -83,6 +84,7 @@ void FrmMain::connectControls() {
     optToRsd_->onAction([this] { optToRsd_Action(); });
     optToCsv_->onAction([this] { optToCsv_Action(); });
     cmdConvert_->onAction([this] { cmdConvert_Action(); });
+    takeFiles([this](const std::string& path) { txtFilePath_->setText(path); });
 }
 
 void FrmMain::Event_Open() {
@@ -149,6 +151,7 @@ void FrmMain::cmdBrowse_Action() {
         return;
     }
     OpenFileDialog dialog;
+    dialog.initialFolder = FileReference(txtFilePath_->text()).parent();
     if (optFromRsd_->selected()) {
         dialog.title = "Select a Tolvaris data file";
         dialog.filter = DatabaseFiles::All();

@@ -31,9 +31,10 @@ void FrmWait::Event_Open() { appSystem::setFontSize(frmWait()); }
 
 void FrmWait::cmdCancel_Action() {
     appSystem::closeData();
-    const bool unwanted =
-        askYesNo("Delete Incomplete File", "The new file doesn't contain all the records yet." +
-                                               std::string(text::endOfLine()) + "Do you want to delete the new file? ");
+    const bool unwanted = askYesNo("Delete Incomplete File",
+                                   "The new file doesn't contain all the records yet." +
+                                       std::string(text::endOfLine()) + "Do you want to delete the new file? ",
+                                   Answer::no);
     if (unwanted) {
         const FileReference file(appSystem::destinationFilePath);
         if (file.exists()) {

@@ -13,6 +13,7 @@
 #include "platform/files/textStream.h"
 #include "platform/values/text.h"
 #include "shell/app.h"
+#include "shell/windows/frmMain.h"
 #include "windowdriver/windowDriver.h"
 
 namespace {
@@ -66,6 +67,19 @@ const std::map<std::string, Scenario>& scenarios() {
     static const std::map<std::string, Scenario> all{
         {"close", [](User& user) { user.driver.closeWindow("frmMain"); }},
         {"quit", [](User& user) { user.driver.chooseMenu("frmMain", "FileQuit"); }},
+        {"look at every window",
+         [](User& user) {
+             user.choose("Csv", "Rsd", "");
+             user.driver.files = {user.path("herd.csv"), "", ""};
+             user.driver.click("frmMain", "cmdBrowse");
+             user.driver.click("frmMain", "cmdConvert");
+             user.driver.click("frmMain", "cmdBrowse");
+             user.driver.answers = {"Yes"};
+             frmMain().makeCavFile();
+             user.driver.chooseMenu("frmMain", "AboutItem");
+             user.driver.click("frmSplash", "cmdExit");
+             user.driver.closeWindow("frmMain");
+         }},
         {"close in the middle",
          [](User& user) {
              user.during("Record: 50", [&user] { user.driver.closeWindow("frmMain"); });

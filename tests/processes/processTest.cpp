@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <set>
 #include <sstream>
 #include <sys/wait.h>
 
@@ -74,6 +75,16 @@ TEST_F(Process, EndsByItselfWhenItsLastWindowCloses) {
         EXPECT_EQ(end.code, 0) << scenario;
         EXPECT_EQ(end.said, Texts{}) << scenario;
     }
+}
+
+TEST_F(Process, LeavesNoFileButTheNewOne) {
+    makeCsv();
+    fs::remove(path("Desktop"));
+    EXPECT_EQ(run("look at every window").code, 0);
+    std::set<std::string> left;
+    for (const auto& entry : fs::recursive_directory_iterator(path(""))) left.insert(entry.path().filename().string());
+    EXPECT_EQ(left, (std::set<std::string>{"herd.csv", "herd.cax", "stderr.txt"}))
+        << "settings of the toolkit's dialogs";
 }
 
 TEST_F(Process, TellsAFailureThatNothingStoppedAndEndsWithOne) {

@@ -41,9 +41,12 @@ class Painting : public ProgramTest {
 };
 
 TEST_F(Painting, AWindowIsPaintedAtOnceAndPressesWaitForTheYield) {
+    frmWait();
+    driver.settle();
+    driver.window("frmWait")->hide();
     Paintings paintings;
     pressFromAfar("frmMain", "cmdConvert");
-    frmWait();
+    frmWait().show();
     EXPECT_GT(paintings.of("lblMessage"), 0) << "an empty frame until the next yield";
     EXPECT_GT(paintings.of("cmdCancel"), 0);
 

@@ -1,0 +1,109 @@
+#include "platform/desktop/fittingLabel.h"
+
+#include <algorithm>
+#include <vector>
+
+#include <QtGui/QPainter>
+#include <QtGui/QResizeEvent>
+#include <QtGui/QTextDocument>
+#include <QtGui/QTextLayout>
+
+namespace {
+
+/// A paragraph, broken between words where it can be and anywhere else where a word is too long.
+QStringList broken(const QString& paragraph, const QFont& font, int width) {
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QTextLayout layout(paragraph, font);
+    layout.setTextOption(option);
+    QStringList lines;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        lines << paragraph.mid(line.textStart(), line.textLength());
+    }
+    layout.endLayout();
+    return lines.isEmpty() ? QStringList(QString()) : lines;
+}
+
+/// Takes the last line away and says with three dots that there was more.
+void shorten(QStringList& lines, const QFontMetrics& metrics, int width) {
+    const QString rest = lines.takeLast();
+    lines.last() = metrics.elidedText(lines.last() + rest, Qt::ElideRight, width);
+}
+
+/// A tool tip that reads like a piece of a page would be taken for one.
+QString plain(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
+}
+
+}  // namespace
+
+FittingLabel::FittingLabel(bool severalLines, QWidget* parent) : QLabel(parent), severalLines_(severalLines) {
+    setTextFormat(Qt::PlainText);
+    if (severalLines) setAlignment(Qt::AlignLeft | Qt::AlignTop);
+}
+
+void FittingLabel::setWhole(const QString& text) {
+    whole_ = text;
+    setAccessibleName(text);
+    fit();
+}
+
+void FittingLabel::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::FontChange) fit();
+}
+
+void FittingLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    fit();
+}
+
+void FittingLabel::paintEvent(QPaintEvent* event) {
+    if (!severalLines_) {
+        QLabel::paintEvent(event);
+        return;
+    }
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    const QFontMetrics metrics = fontMetrics();
+    int baseline = (lineHeight() - metrics.ascent() - metrics.descent()) / 2 + metrics.ascent();
+    for (const QString& line : text().split('\n')) {
+        painter.drawText(0, baseline, line);
+        baseline += lineHeight();
+    }
+}
+
+void FittingLabel::fit() {
+    const QString fitting = severalLines_ ? severalLines() : oneLine();
+    setText(fitting);
+    const bool shortened = fitting.contains(QChar(0x2026)) && !whole_.contains(QChar(0x2026));
+    setToolTip(shortened ? plain(whole_) : QString());
+}
+
+QString FittingLabel::oneLine() const { return fontMetrics().elidedText(whole_, Qt::ElideMiddle, width()); }
+
+QString FittingLabel::severalLines() const {
+    std::vector<QStringList> paragraphs;
+    qsizetype lines = 0;
+    for (const QString& paragraph : whole_.split('\n')) {
+        paragraphs.push_back(broken(paragraph, font(), width()));
+        lines += paragraphs.back().size();
+    }
+    // The lowest row of pixels is empty in nearly every line.
+    const qsizetype room = (height() + 1) / lineHeight();
+    const auto shorter = [](const QStringList& a, const QStringList& b) { return a.size() < b.size(); };
+    for (; lines > room; --lines) {
+        // The longest gives way, so that a name of many lines leaves room for the count below it.
+        QStringList& longest = *std::max_element(paragraphs.begin(), paragraphs.end(), shorter);
+        if (longest.size() == 1) break;
+        shorten(longest, fontMetrics(), width());
+    }
+    QStringList shown;
+    for (const QStringList& paragraph : paragraphs) shown << paragraph.join('\n');
+    return shown.join('\n');
+}
+
+/// Some fonts leave so much between lines that the texts would not fit the fixed geometry.
+int FittingLabel::lineHeight() const { return std::min(fontMetrics().lineSpacing(), qCeil(font().pixelSize() * 1.15)); }

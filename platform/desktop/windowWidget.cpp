@@ -1,0 +1,31 @@
+#include "platform/desktop/windowWidget.h"
+
+#include <QtGui/QCloseEvent>
+#include <QtGui/QDropEvent>
+#include <QtWidgets/QApplication>
+
+#include "platform/desktop/eventHandler.h"
+#include "platform/desktop/givenPath.h"
+#include "platform/desktop/window.h"
+
+void WindowWidget::takeFiles(std::function<void(const std::string& path)> taker) {
+    fileTaker_ = std::move(taker);
+    setAcceptDrops(true);
+}
+
+void WindowWidget::closeEvent(QCloseEvent* event) {
+    event->accept();
+    events::run([this] { window_.close(); });
+}
+
+void WindowWidget::dragEnterEvent(QDragEnterEvent* event) {
+    // Dropping does not ask whether a box or the progress window stands in front.
+    const QWidget* inFront = QApplication::activeModalWidget();
+    const bool reachable = inFront == nullptr || inFront == this;
+    if (reachable && !givenPath::in(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void WindowWidget::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    events::run([this, path = givenPath::in(*event->mimeData()).toStdString()] { fileTaker_(path); });
+}

@@ -1,0 +1,133 @@
+// The ways by which a file and a form come into the selector.
+
+#include <filesystem>
+
+#include <QtCore/QMimeData>
+#include <QtCore/QUrl>
+#include <QtGui/QAccessible>
+#include <QtGui/QClipboard>
+#include <QtGui/QDropEvent>
+#include <QtTest/QTest>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QLineEdit>
+
+#include "shell/windows/frmMain.h"
+#include "shell/windows/frmWait.h"
+#include "tests/support/programFixture.h"
+
+namespace {
+
+class Choosing : public ProgramTest {
+  protected:
+    QLineEdit* field() const { return qobject_cast<QLineEdit*>(driver.widget("frmMain", "txtFilePath")); }
+
+    /// The field's text after the text was pasted over what the selection covers.
+    std::string pasted(const std::string& text) const {
+        QApplication::clipboard()->setText(QString::fromStdString(text));
+        QTest::keySequence(field(), QKeySequence::Paste);
+        return field()->text().toStdString();
+    }
+
+    std::string pastedOver(const std::string& before, const std::string& text) const {
+        field()->setText(QString::fromStdString(before));
+        field()->selectAll();
+        return pasted(text);
+    }
+
+    /// Drops data on the window, somewhere far from the field. False if it is not taken.
+    bool drop(const QMimeData& data) const {
+        QWidget* window = driver.window("frmMain");
+        QDragEnterEvent enter(QPoint(20, 60), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        enter.ignore();
+        QApplication::sendEvent(window, &enter);
+        if (!enter.isAccepted()) return false;
+        QDropEvent dropped(QPointF(20, 60), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window, &dropped);
+        return true;
+    }
+};
+
+TEST_F(Choosing, APastedPathIsCleaned) {
+    EXPECT_EQ(pastedOver("", "/home/a b/dogs.csv\n"), "/home/a b/dogs.csv");
+    EXPECT_EQ(pastedOver("/old.csv", " \t/home/dogs.csv\r\n"), "/home/dogs.csv");
+    EXPECT_EQ(pastedOver("", "file:///home/a%20b/Zo%C3%AB%2520.csv"), "/home/a b/Zo\xC3\xAB%20.csv");
+    EXPECT_EQ(pastedOver("flock.csv", "file:///home/flock.csv"), "/home/flock.csv") << "letters in common";
+    EXPECT_EQ(pastedOver("", "file:///a.csv\r\nfile:///b.csv\r\n"), "/a.csv");
+    EXPECT_EQ(pastedOver("", "https://example.org/dogs.csv"), "https://example.org/dogs.csv")
+        << "no file of this computer";
+
+    field()->setText("/home/dogs.csv");
+    field()->setCursorPosition(5);
+    EXPECT_EQ(pasted("/my herds\n"), "/home/my herds/dogs.csv");
+    field()->end(false);
+    EXPECT_EQ(pasted("\n"), "/home/my herds/dogs.csv");
+    field()->undo();
+    EXPECT_NE(field()->text(), "") << "what was pasted can be taken back";
+
+    field()->clear();
+    QTest::keyClicks(field(), "/a b .csv");
+    EXPECT_EQ(field()->text(), "/a b .csv") << "what is typed stays as it is";
+    frmMain().txtFilePath().setText("/picked \n");
+    EXPECT_EQ(frmMain().txtFilePath().text(), "/picked \n") << "a file may have any name";
+}
+
+TEST_F(Choosing, AFileDroppedAnywhereGoesToTheField) {
+    EXPECT_FALSE(field()->acceptDrops()) << "it would put the address into its own text";
+    QMimeData files;
+    files.setUrls({QUrl("https://example.org/"), QUrl::fromLocalFile("/home/a b/dogs.csv"), QUrl::fromLocalFile("/b")});
+    EXPECT_TRUE(drop(files));
+    EXPECT_EQ(field()->text(), "/home/a b/dogs.csv");
+    QMimeData text;
+    text.setText("file:///home/cats.csv\n");
+    EXPECT_TRUE(drop(text));
+    EXPECT_EQ(field()->text(), "/home/cats.csv");
+    QMimeData picture;
+    picture.setImageData(1);
+    EXPECT_FALSE(drop(picture));
+    frmWait();
+    EXPECT_FALSE(drop(files)) << "the selector is out of reach";
+    EXPECT_EQ(field()->text(), "/home/cats.csv");
+}
+
+TEST_F(Choosing, BrowseStartsWhereTheFieldsFileLiesOrTheLastOneLay) {
+    const auto folderFor = [&](const std::string& typed, const std::string& picked) {
+        driver.files = {picked};
+        frmMain().txtFilePath().setText(typed);
+        driver.click("frmMain", "cmdBrowse");
+        return driver.dialogs.back().folder;
+    };
+    std::filesystem::create_directories(path("herds"));
+    std::filesystem::create_directories(path("elsewhere"));
+    const std::string csv = write("herds/dogs.csv", "name\n");
+    driver.click("frmMain", "optFromCsv");
+    driver.click("frmMain", "optToRsd");
+    EXPECT_EQ(folderFor(path("elsewhere/none.csv"), csv), path("elsewhere"));
+    EXPECT_EQ(folderFor("", ""), path("herds"));
+    EXPECT_EQ(folderFor("/no/such/folder/dogs.csv", ""), path("herds"));
+    EXPECT_EQ(folderFor("dogs.csv", ""), path("herds"));
+    EXPECT_EQ(folderFor(path("elsewhere/none.csv"), ""), path("elsewhere"));
+}
+
+TEST_F(Choosing, RadioButtonsToggledByAssistiveTechnologyCount) {
+    const auto toggle = [&](const char* option) {
+        QAccessibleInterface* seen = QAccessible::queryAccessibleInterface(driver.widget("frmMain", option));
+        seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    };
+    toggle("optFromCsv");
+    toggle("optToRsd");
+    EXPECT_EQ(frmMain().fromFileType + frmMain().toFileType, "csvrsd");
+    EXPECT_TRUE(driver.isVisible("frmMain", "cvFromCSV"));
+
+    int changes = 0;
+    QObject::connect(field(), &QLineEdit::textChanged, field(), [&] { ++changes; });
+    for (const char* option : {"optFromCsv", "optFromRsd"}) {
+        changes = 0;
+        frmMain().txtFilePath().setText("/some/file.csv");
+        driver.click("frmMain", option);
+        EXPECT_EQ(field()->text(), "") << "a press empties the path, also one on the chosen form";
+        EXPECT_EQ(changes, 2) << option << " acted more than once";
+    }
+    field()->disconnect();
+}
+
+}  // namespace
