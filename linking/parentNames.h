@@ -62,7 +62,7 @@ class ParentNames {
     bool startedAnew_ = false;
 };
 
-/// The two statements of a parent id as they are worded: the id and the name go into them as they stand. Raises
+/// The two plain statements of a parent id: the id and the name go into them as they stand. Raises
 /// NullReference where the select is refused.
 void fillNameLiterally(Database& db, const std::string& idColumn, const std::string& nameColumn, const std::string& id);
 

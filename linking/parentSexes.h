@@ -46,7 +46,7 @@ class ParentSexes {
     SQLiteStatement writer_;
 };
 
-/// The statement as it is worded; the id goes into it as it stands.
+/// The plain statement; the id goes into it as it stands.
 void setSexLiterally(Database& db, const std::string& id, std::string_view sex);
 
 inline constexpr std::string_view male = "male";

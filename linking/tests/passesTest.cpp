@@ -1,5 +1,5 @@
-// The passes take a quick way through a herd; the statements that they are worded in are the slow one. Both have to
-// leave the same behind, whatever the herd holds.
+// The passes take a quick way through a herd; the plain statements are the slow one. Both have to leave the same
+// behind, whatever the herd holds.
 
 #include <filesystem>
 #include <functional>
