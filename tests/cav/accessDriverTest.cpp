@@ -81,6 +81,21 @@ TEST_F(ThroughAccessDriver, RsdRowsArriveAndSpoiledOnesAreLost) {
     EXPECT_EQ(rows("tree"), Lines{"Ärmel`s|weiß|||||||兎|||||||||||||||||||||||||"});
 }
 
+TEST_F(ThroughAccessDriver, NamesOfAllScriptsArriveInAnIndexedColumn) {
+    jet::makeCavFile(cav(), jet::CavColumns::typed);
+    convertToCav("Csv",
+                 write("herd.csv", "name,id,sex\nСнежок,1,m\nΩmega,2,f\n兎,3,m\nPaw 🐾,4,f\nViệt,5,m\nうさぎ,6,f\n"));
+    Lines names;
+    for (const std::string& row : rows("tree")) names.push_back(row.substr(0, row.find('|')));
+    // This reader knows the basic plane only, and shows the halves of what lies beyond it as question marks.
+    EXPECT_EQ(names, (Lines{"Снежок", "Ωmega", "兎", "Paw ??", "Việt", "うさぎ"}));
+    const auto database = jet::Database::open(cav(), jet::cavPassword);
+    const jet::TableInfo& tree = database->table("tree");
+    const auto rows = database->scan(tree);
+    for (int i = 0; i < 4; ++i) ASSERT_TRUE(rows->next());
+    EXPECT_EQ(rows->value(1), jet::Value(std::string("Paw 🐾")));
+}
+
 // One box for each animal that was left: the driver called a connection to a deleted file dead.
 TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
     yielding::setPump(yielding::Pump::everyCall);

@@ -15,7 +15,7 @@ struct IndexKey {
 };
 
 /// Computes the key of a row from its fields. Memos are fetched through pages.
-/// Throws Error(badValue) for a text that has no key, Error(tooLong) for a key that no index page could hold.
+/// Throws Error(tooLong) for a key that no index page could hold.
 void makeIndexKey(PageAccess& pages, const TableDefinition& table, const Index& index, const std::vector<Field>& fields,
                   IndexKey& key);
 

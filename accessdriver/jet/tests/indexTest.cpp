@@ -45,8 +45,51 @@ TEST(TextKey, agreesWithKnownKeys) {
     EXPECT_EQ(textKeyOf("Æ"), "4a510100");
     EXPECT_EQ(textKeyOf("Straße"), "6b6d694a6b6b510100");
     EXPECT_EQ(textKeyOf(""), "0100");
+    // Further scripts, by the published table: letters, several accents, both Japanese alphabets, halves of pairs.
+    EXPECT_EQ(textKeyOf("Снежок"), "7949794479367938794679400100");
+    EXPECT_EQ(textKeyOf("Ωmega"), "79236051554a0100");
+    EXPECT_EQ(textKeyOf("兎"), "a2760100");
+    EXPECT_EQ(textKeyOf("Paw 🐾"), "664a7307b03fb53801020202023f3f00");
+    EXPECT_EQ(textKeyOf("Việt"), "7159516d0102026a00");
+    EXPECT_EQ(textKeyOf("한"), "ab750100");
+    EXPECT_EQ(textKeyOf("うさぎ"), "7f047f127f0b010202030101ff0280ff8000");
+    EXPECT_EQ(textKeyOf("ラビット-"), "7f427f2b7f1c7f1e0102030101beff0280ff80ff018017068200");
+    // Accents that combine with the letter before them, or with none.
+    EXPECT_EQ(textKeyOf("a\u0301b"), "4a4c010e00");
+    EXPECT_EQ(textKeyOf("\u0301a-b"), "4a4c010c010101800b068200");
     // Only the first 255 characters count.
     EXPECT_EQ(textKeyOf(std::string(255, 'a') + "Ж"), textKeyOf(std::string(255, 'a')));
+}
+
+// Each character of the basic plane begins a name, and a thousand beyond it.
+TEST_F(IndexTest, holdsNamesOfAllScripts) {
+    const std::string path = folder.file("names.mdb");
+    makeFile(path, {"",
+                    {{"t",
+                      {{"name", ColumnType::text, 50, false, true}},
+                      {{"up", {"name"}, false, false, false, false, {}},
+                       {"down", {"name"}, false, false, false, false, {true}}}}}});
+    const std::u16string ends[] = {u"", u" 🐾", u"-ko", u"\u0301", u" Снежок", u"うさぎ", u"é"};
+    const auto database = Database::open(path, "");
+    const TableInfo& table = database->table("t");
+    std::size_t names = 0;
+    for (unsigned code = 0x21; code < 0x103E8; ++code) {
+        if (code >= 0xD800 && code < 0xE000) continue;
+        if (code == 0xFEFF) continue;  // no text of the format can begin with it
+        std::u16string name;
+        if (code > 0xFFFF)
+            name = {char16_t(0xD83D), char16_t(0xDC00 + (code & 0x3FF))};
+        else
+            name = {char16_t(code)};
+        name += ends[code % std::size(ends)];
+        const Assignment values[] = {{0, utf8FromUtf16(name)}};
+        if (refusalOf([&] { database->insert(table, values); }).fault) ADD_FAILURE() << "U+" << std::hex << code;
+        ++names;
+    }
+    database->commit();
+    EXPECT_GE(names, 60000U);
+    EXPECT_EQ(rowsOf(*database, "t").size(), names);
+    EXPECT_EQ(findings(*database), "");
 }
 
 // The key that the only row of a one-column table gets in an index over that column.
