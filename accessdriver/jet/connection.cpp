@@ -160,13 +160,14 @@ TableStore& Connection::store(const TableInfo& table) {
     return *found->second;
 }
 
-void Connection::requireWritable() const {
+void Connection::prepareToWrite() {
     if (readOnly_) throw Error(Fault::readOnly, "The file " + file_->path() + " is open for reading only.");
+    if (!pages_->inTransaction()) file_->announceWriting();
 }
 
 RowId Connection::insert(const TableInfo& table, std::span<const Assignment> values) {
     const Lock lock(file_->mutex);
-    requireWritable();
+    prepareToWrite();
     TableStore& rows = store(table);
     PageAccess::Statement statement(*pages_);
     const RowId row = rows.insert(values);
@@ -176,7 +177,7 @@ RowId Connection::insert(const TableInfo& table, std::span<const Assignment> val
 
 void Connection::update(const TableInfo& table, RowId row, std::span<const Assignment> values) {
     const Lock lock(file_->mutex);
-    requireWritable();
+    prepareToWrite();
     TableStore& rows = store(table);
     PageAccess::Statement statement(*pages_);
     rows.update(row, values);

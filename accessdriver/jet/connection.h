@@ -39,7 +39,7 @@ class Connection : public Database {
     class RowCursor;
 
     void requirePassword(const std::string& password);
-    void requireWritable() const;
+    void prepareToWrite();
 
     mutable std::shared_ptr<SharedFile> file_;
     bool readOnly_;

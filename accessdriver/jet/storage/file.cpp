@@ -29,6 +29,7 @@ Fault faultOfOpen(int error) {
         case EROFS:
             return Fault::noPermission;
         case ETXTBSY:
+        case EEXIST:
             return Fault::inUse;
         case EISDIR:
             return Fault::notAccess;
@@ -54,7 +55,9 @@ std::string sentenceOfOpen(Fault fault, const std::string& path, const char* act
 
 File::File(std::string path, Mode mode, unsigned permissions) : path_(std::move(path)) {
     const bool reads = mode == Mode::readOnly;
-    const int flags = (reads ? O_RDONLY : O_RDWR) | (mode == Mode::createIfMissing ? O_CREAT | O_NOFOLLOW : 0);
+    const bool creates = mode == Mode::createIfMissing || mode == Mode::createNew;
+    const int flags =
+        (reads ? O_RDONLY : O_RDWR) | (creates ? O_CREAT | O_NOFOLLOW : 0) | (mode == Mode::createNew ? O_EXCL : 0);
     descriptor_ = ::open(path_.c_str(), flags | O_CLOEXEC | O_NONBLOCK, permissions);
     if (descriptor_ < 0) {
         const int error = errno;

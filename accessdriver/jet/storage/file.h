@@ -16,7 +16,7 @@ using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
 /// An open file. Every failure of the system is an Error with a sentence that names the file.
 class File {
   public:
-    enum class Mode { existing, readOnly, createIfMissing };
+    enum class Mode { existing, readOnly, createIfMissing, createNew };
     enum class Lock { shared, exclusive };
 
     /// permissions are those of a file that is made. Such a one is never made, or found, behind a symbolic link.

@@ -30,6 +30,15 @@ std::string lockFileOf(const std::string& database, const char* extension) {
 
 bool exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
 
+std::string draftOf(const std::string& path) { return path + "-new"; }
+
+Entry ourEntry() {
+    Entry entry = {};
+    (void)::gethostname(reinterpret_cast<char*>(entry.data()) + computerAt, userAt - 1);
+    std::copy(ourUser.begin(), ourUser.end(), entry.begin() + userAt);
+    return entry;
+}
+
 bool isOurs(const std::string& path) {
     Entry entry;
     const File file(path, File::Mode::readOnly);
@@ -45,12 +54,15 @@ LockFile::LockFile(const std::string& database, unsigned permissions) {
     if (path == database) return;
     requireNone(database);
     removeStale(database);
-    file_ = std::make_unique<File>(path, File::Mode::createNew, permissions);
+    // It gets its name when it is whole: a crash must not leave one that nobody can tell from one of Access.
+    const std::string draft = draftOf(path);
+    File(draft, File::Mode::createNew, permissions).writeAt(0, ByteSpan(ourEntry()));
+    if (::rename(draft.c_str(), path.c_str()) != 0) {
+        ::unlink(draft.c_str());
+        throw Error(Fault::io, "The lock file " + path + " can't be made.");
+    }
+    file_ = std::make_unique<File>(path, File::Mode::existing);
     file_->tryLock(File::Lock::exclusive);
-    Entry entry = {};
-    (void)::gethostname(reinterpret_cast<char*>(entry.data()) + computerAt, userAt - 1);
-    std::copy(ourUser.begin(), ourUser.end(), entry.begin() + userAt);
-    file_->writeAt(0, ByteSpan(entry));
 }
 
 LockFile::~LockFile() {
@@ -72,6 +84,7 @@ void LockFile::requireNone(const std::string& database) {
 
 void LockFile::removeStale(const std::string& database) {
     const std::string path = lockFileOf(database, ".ldb");
+    ::unlink(draftOf(path).c_str());
     if (path != database && exists(path) && isOurs(path)) ::unlink(path.c_str());
 }
 

@@ -263,15 +263,15 @@ void Pager::save(bool all) {
 }
 
 void Pager::journalOriginals(const std::vector<Frame*>& frames) {
-    std::vector<OriginalPage> pages;
+    std::vector<PageImage> pages, changed;
     for (const Frame* frame : frames) {
+        changed.push_back({frame->page, frame->bytes});
         const auto found = originals_.find(frame->page);
         if (found != originals_.end() && !found->second.journaled) {
             pages.push_back({frame->page, found->second.frame->bytes});
         }
     }
-    if (pages.empty() && journal_.active()) return;
-    const std::vector<std::uint64_t> places = journal_.append(committedCount_, pages);
+    const std::vector<std::uint64_t> places = journal_.append(committedCount_, pages, changed);
     for (std::size_t i = 0; i < pages.size(); ++i) {
         Original& original = originals_.at(pages[i].page);
         original.journalAt = places[i];

@@ -36,23 +36,6 @@ std::string resolved(const std::string& path) {
     return real ? std::string(real.get()) : path;
 }
 
-bool exists(const std::string& path) { return ::access(path.c_str(), F_OK) == 0; }
-
-// Access keeps a lock file beside a database while it is open. Nothing tells a live one from one that a crash left
-// behind, so any counts as live and the message says what can be done.
-void requireNoLockFile(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::size_t dot = path.rfind('.');
-    const bool hasExtension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
-    const std::string stem = hasExtension ? path.substr(0, dot) : path;
-    for (const char* extension : {".ldb", ".LDB"}) {
-        const std::string lock = stem + extension;
-        if (lock == path || !exists(lock)) continue;
-        throw Error(Fault::inUse, "The file " + path + " is in use by Access: there is a lock file " + lock +
-                                      ". If nobody has the file open, delete the lock file and try again.");
-    }
-}
-
 void requireLock(File& file, File::Lock lock, const std::string& path) {
     if (!file.tryLock(lock)) throw Error(Fault::inUse, "The file " + path + " is in use by another program.");
 }
@@ -113,18 +96,19 @@ std::shared_ptr<SharedFile> SharedFile::attach(const std::string& name, OpenOpti
 }
 
 std::shared_ptr<SharedFile> SharedFile::openForWriting(const std::string& name) {
-    auto file = std::make_unique<File>(name, File::Mode::existing);
+    const std::string path = resolved(name);
+    auto file = std::make_unique<File>(path, File::Mode::existing);
     std::weak_ptr<SharedFile>& entry = registry().files[file->identity()];
     if (auto shared = entry.lock()) {
         if (shared->writable_) return shared;
-        throw Error(Fault::inUse, "This program has the file " + name +
+        throw Error(Fault::inUse, "This program has the file " + path +
                                       " open for reading only; it can't be written before that connection is closed.");
     }
-    const std::string path = resolved(name);
     requireLock(*file, File::Lock::exclusive, path);
     requireFormat(*file);
-    requireNoLockFile(path);
+    LockFile::requireNone(path);
     requireWritableFolder(path);
+    LockFile::removeStale(path);
     Journal::playBack(journalOf(path), *file);
     requireWholePages(*file);
     std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), true));
@@ -134,7 +118,7 @@ std::shared_ptr<SharedFile> SharedFile::openForWriting(const std::string& name) 
 
 std::shared_ptr<SharedFile> SharedFile::openForReading(const std::string& name) {
     const std::string path = resolved(name);
-    auto file = std::make_unique<File>(name, File::Mode::readOnly);
+    auto file = std::make_unique<File>(path, File::Mode::readOnly);
     std::weak_ptr<SharedFile>& entry = registry().files[file->identity()];
     if (auto shared = entry.lock()) return shared;
     requireLock(*file, File::Lock::shared, path);
@@ -151,7 +135,7 @@ std::shared_ptr<SharedFile> SharedFile::openForReading(const std::string& name) 
         return openForReading(name);
     }
     requireFormat(*file);
-    requireNoLockFile(path);
+    LockFile::requireNone(path);
     requireWholePages(*file);
     std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), false));
     entry = shared;
@@ -164,6 +148,12 @@ void SharedFile::detach(std::shared_ptr<SharedFile>& file) noexcept {
     const std::lock_guard lock(all.mutex);
     if (file.use_count() == 1) all.files.erase(file->identity_);
     file.reset();
+}
+
+void SharedFile::announceWriting() {
+    // Beside a file whose path is gone nobody is to be told.
+    if (lockFile_ || !file_->isAtItsPath()) return;
+    lockFile_ = std::make_unique<LockFile>(path_, file_->permissions());
 }
 
 void SharedFile::sync() {

@@ -6,6 +6,7 @@
 
 #include "accessdriver/jet/database.h"
 #include "accessdriver/jet/storage/file.h"
+#include "accessdriver/jet/storage/lockFile.h"
 #include "accessdriver/jet/storage/pager.h"
 
 namespace jet {
@@ -38,6 +39,10 @@ class SharedFile {
     /// Brings to the disk what was committed, if that has not been done yet. Throws Error(io).
     void sync();
 
+    /// Puts a lock file beside the file, for Access, which stays until the file is closed. Comes before every change.
+    /// Throws Error: inUse if Access has come in the meantime, io, noPermission.
+    void announceWriting();
+
     const std::string& path() const { return path_; }
     bool writable() const { return writable_; }
 
@@ -49,6 +54,7 @@ class SharedFile {
 
     std::string path_;
     std::unique_ptr<File> file_;
+    std::unique_ptr<LockFile> lockFile_;
     FileIdentity identity_;
     bool writable_;
     bool synced_ = true;

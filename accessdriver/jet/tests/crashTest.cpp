@@ -173,7 +173,7 @@ TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {
     for (const auto& lie : cases) {
         {
             const File owner(lie.owner, File::Mode::existing);
-            Journal(journalPath, owner).append(lie.length, {{lie.page, ConstPageBytes(bytes.data(), pageSize)}});
+            Journal(journalPath, owner).append(lie.length, {{lie.page, ConstPageBytes(bytes.data(), pageSize)}}, {});
         }
         const Refusal refusal = refusalOfOpen(path);
         EXPECT_EQ(refusal.fault, Fault::corrupt) << lie.what;
@@ -182,6 +182,56 @@ TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {
         ASSERT_TRUE(std::filesystem::remove(journalPath)) << lie.what;
         EXPECT_EQ(findings(*Database::open(path, "")), "") << lie.what;
     }
+}
+
+// The journal of a crash was played back into a file that another program had written to since, and wrecked it.
+TEST_F(CrashTest, aJournalHarmsNoFileThatWasWrittenSince) {
+    SharedFile::setCacheCapacity(70);
+    commitsOf(
+        [&](int pipe) {
+            // Half of some pages of a transaction that did not fit the cache.
+            int writes = 0;
+            File::setWriteHook([&](int descriptor, std::uint64_t at, std::span<const ByteSpan> pieces) {
+                if (pieces.size() < 9 || ++writes < 3) return;
+                for (std::size_t i = 0; i < pieces.size() / 2; ++i) {
+                    (void)!::pwrite(descriptor, pieces[i].data(), pageSize, static_cast<off_t>(at + i * pageSize));
+                }
+                ::_exit(1);
+            });
+            work(path, pipe, 12, 60);
+        },
+        [](pid_t) {});
+    SharedFile::setCacheCapacity(Pager::defaultCapacity);
+    const std::string journalPath = path + "-jetjournal";
+    ASSERT_TRUE(std::filesystem::exists(journalPath));
+    const std::string file = readWhole(path), journal = readWhole(journalPath);
+    Database::open(path, "");
+    const std::string restored = readWhole(path);
+    ASSERT_FALSE(restored == file);
+
+    // Pages of the transaction, old and new, each in another sector; and one behind them.
+    std::size_t refused = 0;
+    for (std::size_t at = 100; at < file.size(); at += pageSize + 512) {
+        std::string changed = file;
+        changed[at] = static_cast<char>(changed[at] ^ 1);
+        writeWhole(path, changed);
+        writeWhole(journalPath, journal);
+        const Refusal refusal = refusalOfOpen(path);
+        if (!refusal.fault) continue;
+        ++refused;
+        EXPECT_EQ(refusal.fault, Fault::corrupt);
+        EXPECT_NE(refusal.text.find(journalPath), std::string::npos) << refusal.text;
+        EXPECT_TRUE(readWhole(path) == changed && readWhole(journalPath) == journal) << at;
+    }
+    EXPECT_GT(refused, restored.size() / pageSize / 2);
+    writeWhole(path, file + std::string(pageSize, 'x'));
+    writeWhole(journalPath, journal);
+    EXPECT_EQ(refusalOfOpen(path).fault, Fault::corrupt);
+    // Copied back together, both restore it.
+    writeWhole(path, file);
+    writeWhole(journalPath, journal);
+    EXPECT_EQ(refusalOfOpen(path, "", {OpenOptions::Access::read, {}}).fault, std::nullopt);
+    EXPECT_TRUE(readWhole(path) == restored);
 }
 
 TEST_F(CrashTest, aJournalIsAsPrivateAsItsFileAndFollowsNoLink) {
