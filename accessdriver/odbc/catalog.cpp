@@ -30,7 +30,7 @@ struct AnswerColumn {
 sql::RowSet emptyAnswer(std::initializer_list<AnswerColumn> columns) {
     std::vector<sql::ResultColumn> out;
     for (const AnswerColumn& column : columns) {
-        out.push_back({column.name, column.type, column.type == text ? 255 : 0, true, false, {}});
+        out.push_back({column.name, column.type, column.type == text ? 255 : 0});
     }
     return sql::RowSet(std::move(out));
 }
@@ -98,6 +98,7 @@ const jet::IndexInfo* primaryKey(const TableInfo& table) {
 std::vector<Value> columnRow(const TableInfo& table, std::size_t at) {
     const ColumnInfo& column = table.columns[at];
     const SqlType& type = sqlTypeOf(column.type);
+    const Extent extent = extentOf(column);
     const bool isText = type.searchable == SQL_PRED_SEARCHABLE && (type.sqlType <= SQL_WVARCHAR || column.type == text);
     const bool isDate = column.type == ColumnType::dateTime;
     return {null,
@@ -106,16 +107,16 @@ std::vector<Value> columnRow(const TableInfo& table, std::size_t at) {
             column.name,
             num(type.sqlType),
             str(column.autoNumber ? "COUNTER" : type.name),
-            num(columnSize(column.type, column.length)),
-            num(octetLength(column.type, column.length)),
-            type.decimals < 0 ? null : num(type.decimals),
+            num(extent.size),
+            num(extent.octets),
+            extent.decimals < 0 ? null : num(extent.decimals),
             type.radix == 0 ? null : num(type.radix),
             num(column.required ? SQL_NO_NULLS : SQL_NULLABLE),
             null,
             null,
             num(type.verboseType),
             isDate ? num(SQL_CODE_TIMESTAMP) : null,
-            isText ? num(octetLength(column.type, column.length)) : null,
+            isText ? num(extent.octets) : null,
             num(static_cast<SQLINTEGER>(at + 1)),
             str(column.required ? "NO" : "YES")};
 }
@@ -238,11 +239,89 @@ sql::RowSet specialColumnsAnswer(jet::Database& database, SQLUSMALLINT kind, con
     for (const auto& part : key->parts) {
         const ColumnInfo& column = info->columns[part.column];
         const SqlType& type = sqlTypeOf(column.type);
-        answer.add({num(SQL_SCOPE_SESSION), column.name, num(type.sqlType), str(type.name),
-                    num(columnSize(column.type, column.length)), num(octetLength(column.type, column.length)),
-                    type.decimals < 0 ? null : num(type.decimals), num(SQL_PC_NOT_PSEUDO)});
+        const Extent extent = extentOf(column);
+        answer.add({num(SQL_SCOPE_SESSION), column.name, num(type.sqlType), str(type.name), num(extent.size),
+                    num(extent.octets), extent.decimals < 0 ? null : num(extent.decimals), num(SQL_PC_NOT_PSEUDO)});
     }
     return answer;
+}
+
+sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalName& table, bool exact) {
+    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+                                      {"TABLE_SCHEM", text},
+                                      {"TABLE_NAME", text},
+                                      {"GRANTOR", text},
+                                      {"GRANTEE", text},
+                                      {"PRIVILEGE", text},
+                                      {"IS_GRANTABLE", text}});
+    for (const std::string& name : sortedTables(database)) {
+        if (!isMeant(name, table, exact)) continue;
+        for (const char* privilege : {"DELETE", "INSERT", "SELECT", "UPDATE"}) {
+            answer.add({null, null, name, null, str("admin"), str(privilege), str("NO")});
+        }
+    }
+    return answer;
+}
+
+sql::RowSet foreignKeysAnswer() {
+    return emptyAnswer({{"PKTABLE_CAT", text},
+                        {"PKTABLE_SCHEM", text},
+                        {"PKTABLE_NAME", text},
+                        {"PKCOLUMN_NAME", text},
+                        {"FKTABLE_CAT", text},
+                        {"FKTABLE_SCHEM", text},
+                        {"FKTABLE_NAME", text},
+                        {"FKCOLUMN_NAME", text},
+                        {"KEY_SEQ", small},
+                        {"UPDATE_RULE", small},
+                        {"DELETE_RULE", small},
+                        {"FK_NAME", text},
+                        {"PK_NAME", text},
+                        {"DEFERRABILITY", small}});
+}
+
+sql::RowSet proceduresAnswer() {
+    return emptyAnswer({{"PROCEDURE_CAT", text},
+                        {"PROCEDURE_SCHEM", text},
+                        {"PROCEDURE_NAME", text},
+                        {"NUM_INPUT_PARAMS", number},
+                        {"NUM_OUTPUT_PARAMS", number},
+                        {"NUM_RESULT_SETS", number},
+                        {"REMARKS", text},
+                        {"PROCEDURE_TYPE", small}});
+}
+
+sql::RowSet procedureColumnsAnswer() {
+    return emptyAnswer({{"PROCEDURE_CAT", text},
+                        {"PROCEDURE_SCHEM", text},
+                        {"PROCEDURE_NAME", text},
+                        {"COLUMN_NAME", text},
+                        {"COLUMN_TYPE", small},
+                        {"DATA_TYPE", small},
+                        {"TYPE_NAME", text},
+                        {"COLUMN_SIZE", number},
+                        {"BUFFER_LENGTH", number},
+                        {"DECIMAL_DIGITS", small},
+                        {"NUM_PREC_RADIX", small},
+                        {"NULLABLE", small},
+                        {"REMARKS", text},
+                        {"COLUMN_DEF", text},
+                        {"SQL_DATA_TYPE", small},
+                        {"SQL_DATETIME_SUB", small},
+                        {"CHAR_OCTET_LENGTH", number},
+                        {"ORDINAL_POSITION", number},
+                        {"IS_NULLABLE", text}});
+}
+
+sql::RowSet columnPrivilegesAnswer() {
+    return emptyAnswer({{"TABLE_CAT", text},
+                        {"TABLE_SCHEM", text},
+                        {"TABLE_NAME", text},
+                        {"COLUMN_NAME", text},
+                        {"GRANTOR", text},
+                        {"GRANTEE", text},
+                        {"PRIVILEGE", text},
+                        {"IS_GRANTABLE", text}});
 }
 
 sql::RowSet typeInfoAnswer(SQLSMALLINT sqlType) {
@@ -269,11 +348,13 @@ sql::RowSet typeInfoAnswer(SQLSMALLINT sqlType) {
         if (sqlType != SQL_ALL_TYPES && sqlType != type.sqlType) continue;
         const bool isDate = type.type == ColumnType::dateTime;
         const Value scale = type.decimals < 0 ? null : num(type.decimals);
+        constexpr SQLINTEGER mostDecimals = 28;
+        const Value mostScale = type.type == ColumnType::numeric ? num(mostDecimals) : scale;
         answer.add({str(type.name), num(type.sqlType), num(type.size), str(type.quote), str(type.quote),
                     str(type.createParameters), num(type.type == ColumnType::boolean ? SQL_NO_NULLS : SQL_NULLABLE),
                     num(SQL_FALSE), num(type.searchable), type.radix == 0 ? null : num(type.isUnsigned),
                     num(type.type == ColumnType::currency ? SQL_TRUE : SQL_FALSE),
-                    type.radix == 0 ? null : num(SQL_FALSE), null, scale, scale, num(type.verboseType),
+                    type.radix == 0 ? null : num(SQL_FALSE), null, scale, mostScale, num(type.verboseType),
                     isDate ? num(SQL_CODE_TIMESTAMP) : null, type.radix == 0 ? null : num(type.radix), null});
     }
     return answer;

@@ -31,6 +31,16 @@ sql::RowSet statisticsAnswer(jet::Database& database, const std::string& table, 
 /// The primary key's columns for SQL_BEST_ROWID; nothing for SQL_ROWVER.
 sql::RowSet specialColumnsAnswer(jet::Database& database, SQLUSMALLINT kind, const std::string& table);
 
+/// What the user may do with each table: everything.
+sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalName& table, bool exact);
+
+/// The answers for what a file does not have or does not tell: relationships between tables, procedures, and
+/// privileges for single columns.
+sql::RowSet foreignKeysAnswer();
+sql::RowSet proceduresAnswer();
+sql::RowSet procedureColumnsAnswer();
+sql::RowSet columnPrivilegesAnswer();
+
 /// One type, or all of them for SQL_ALL_TYPES.
 sql::RowSet typeInfoAnswer(SQLSMALLINT sqlType);
 

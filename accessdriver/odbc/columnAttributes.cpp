@@ -9,14 +9,16 @@ namespace odbc {
 
 ColumnAttribute columnAttribute(const sql::ResultColumn& column, SQLUSMALLINT field) {
     const SqlType& type = sqlTypeOf(column.type);
+    const Extent extent = extentOf(column);
     const auto text = [](const char* value) { return std::string(value == nullptr ? "" : value); };
     const auto number = [](auto value) { return static_cast<SQLLEN>(value); };
     switch (field) {
         case SQL_DESC_NAME:
         case SQL_DESC_LABEL:
         case SQL_COLUMN_NAME:
-        case SQL_DESC_BASE_COLUMN_NAME:
             return column.name;
+        case SQL_DESC_BASE_COLUMN_NAME:
+            return column.base;
         case SQL_DESC_TABLE_NAME:
         case SQL_DESC_BASE_TABLE_NAME:
             return column.table;
@@ -33,18 +35,22 @@ ColumnAttribute columnAttribute(const sql::ResultColumn& column, SQLUSMALLINT fi
             return number(type.sqlType);
         case SQL_DESC_TYPE:
             return number(type.verboseType);
+        case SQL_DESC_DATETIME_INTERVAL_CODE:
+            return number(column.type == jet::ColumnType::dateTime ? SQL_CODE_TIMESTAMP : 0);
+        case SQL_DESC_DATETIME_INTERVAL_PRECISION:
+            return number(0);
         case SQL_DESC_LENGTH:
         case SQL_DESC_PRECISION:
         case SQL_COLUMN_PRECISION:
-            return number(columnSize(column.type, column.length));
+            return number(extent.size);
         case SQL_DESC_OCTET_LENGTH:
         case SQL_COLUMN_LENGTH:
-            return number(octetLength(column.type, column.length));
+            return number(extent.octets);
         case SQL_DESC_DISPLAY_SIZE:
-            return number(displaySize(column.type, column.length));
+            return number(extent.displaySize);
         case SQL_DESC_SCALE:
         case SQL_COLUMN_SCALE:
-            return number(std::max<SQLSMALLINT>(type.decimals, 0));
+            return number(std::max<SQLSMALLINT>(extent.decimals, 0));
         case SQL_DESC_NUM_PREC_RADIX:
             return number(type.radix);
         case SQL_DESC_NULLABLE:
@@ -62,6 +68,8 @@ ColumnAttribute columnAttribute(const sql::ResultColumn& column, SQLUSMALLINT fi
             return number(type.searchable);
         case SQL_DESC_UNNAMED:
             return number(SQL_NAMED);
+        case SQL_DESC_ROWVER:
+            return number(SQL_FALSE);
         case SQL_DESC_UPDATABLE:
             return number(SQL_ATTR_READONLY);
         default:

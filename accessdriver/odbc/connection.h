@@ -48,6 +48,9 @@ class Connection : public Handle {
     const std::string& path() const { return path_; }
     const std::string& source() const { return source_; }
 
+    /// Counts the cursors that get a name from the driver.
+    int nextCursorNumber() { return ++cursors_; }
+
     SQLULEN attribute(SQLINTEGER attribute) const;
     void setAttribute(SQLINTEGER attribute, SQLULEN value);
 
@@ -56,6 +59,7 @@ class Connection : public Handle {
     std::mutex mutex_;
     std::unique_ptr<sql::Session> session_;
     Attributes attributes_;
+    int cursors_ = 0;
     std::string path_;
     std::string source_;  // the data source's name, empty without one
 };

@@ -32,21 +32,9 @@ SQLRETURN setConnectAttr(SQLHDBC raw, SQLINTEGER attribute, SQLPOINTER value) {
     });
 }
 
-bool isDescriptor(SQLINTEGER attribute) {
-    return attribute == SQL_ATTR_APP_ROW_DESC || attribute == SQL_ATTR_APP_PARAM_DESC ||
-           attribute == SQL_ATTR_IMP_ROW_DESC || attribute == SQL_ATTR_IMP_PARAM_DESC;
-}
-
 SQLRETURN getStmtAttr(SQLHSTMT raw, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER* length) {
-    return withHandle<Statement>(raw, [&](Statement& statement) -> SQLRETURN {
-        // The driver manager asks each new statement for its four descriptors, and does without them.
-        if (isDescriptor(attribute)) {
-            statement.diagnostics.refuse("HYC00", "The driver has no descriptors.");
-            return SQL_ERROR;
-        }
-        giveValue(statement.attribute(attribute), value, length);
-        return SQL_SUCCESS;
-    });
+    return withHandle<Statement>(
+        raw, [&](Statement& statement) { giveValue(statement.attribute(attribute), value, length); });
 }
 
 SQLRETURN setStmtAttr(SQLHSTMT raw, SQLINTEGER attribute, SQLPOINTER value) {

@@ -57,6 +57,18 @@ SQLRETURN specialColumns(SQLHSTMT raw, SQLUSMALLINT kind, const Char* table, SQL
     });
 }
 
+template <class Char>
+SQLRETURN tablePrivileges(SQLHSTMT raw, const Char* table, SQLSMALLINT length) {
+    return answerWith(raw, [&](jet::Database& database, bool exact) {
+        return tablePrivilegesAnswer(database, optionalUtf8From(table, length), exact);
+    });
+}
+
+// The same answer whatever is asked for.
+SQLRETURN giveEmpty(SQLHSTMT raw, sql::RowSet (*answer)()) {
+    return answerWith(raw, [&](jet::Database&, bool) { return answer(); });
+}
+
 SQLRETURN typeInfo(SQLHSTMT raw, SQLSMALLINT type) {
     return withHandle<Statement>(raw, [&](Statement& statement) { statement.answer(typeInfoAnswer(type)); });
 }
@@ -120,5 +132,53 @@ SQLRETURN SQL_API SQLSpecialColumnsW(SQLHSTMT raw, SQLUSMALLINT kind, SQLWCHAR*,
 SQLRETURN SQL_API SQLGetTypeInfo(SQLHSTMT raw, SQLSMALLINT type) { return typeInfo(raw, type); }
 
 SQLRETURN SQL_API SQLGetTypeInfoW(SQLHSTMT raw, SQLSMALLINT type) { return typeInfo(raw, type); }
+
+SQLRETURN SQL_API SQLForeignKeys(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
+                                 SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, foreignKeysAnswer);
+}
+
+SQLRETURN SQL_API SQLForeignKeysW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT,
+                                  SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, foreignKeysAnswer);
+}
+
+SQLRETURN SQL_API SQLProcedures(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, proceduresAnswer);
+}
+
+SQLRETURN SQL_API SQLProceduresW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, proceduresAnswer);
+}
+
+SQLRETURN SQL_API SQLProcedureColumns(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
+                                      SQLCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, procedureColumnsAnswer);
+}
+
+SQLRETURN SQL_API SQLProcedureColumnsW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*,
+                                       SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, procedureColumnsAnswer);
+}
+
+SQLRETURN SQL_API SQLColumnPrivileges(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
+                                      SQLCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, columnPrivilegesAnswer);
+}
+
+SQLRETURN SQL_API SQLColumnPrivilegesW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*,
+                                       SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
+    return giveEmpty(raw, columnPrivilegesAnswer);
+}
+
+SQLRETURN SQL_API SQLTablePrivileges(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR* table,
+                                     SQLSMALLINT length) {
+    return tablePrivileges(raw, table, length);
+}
+
+SQLRETURN SQL_API SQLTablePrivilegesW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR* table,
+                                      SQLSMALLINT length) {
+    return tablePrivileges(raw, table, length);
+}
 
 }  // extern "C"

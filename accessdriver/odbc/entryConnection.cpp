@@ -120,6 +120,9 @@ SQLRETURN SQL_API SQLDisconnect(SQLHDBC raw) {
         for (const auto& handle : allHandles(SQL_HANDLE_STMT)) {
             if (&static_cast<Statement&>(*handle).connection() == &connection) forgetHandle(handle.get());
         }
+        for (const auto& handle : allHandles(SQL_HANDLE_DESC)) {
+            if (&static_cast<Descriptor&>(*handle).connection() == &connection) forgetHandle(handle.get());
+        }
     });
 }
 

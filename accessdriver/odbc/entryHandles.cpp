@@ -38,6 +38,8 @@ SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* 
             return allocate<Environment, Connection>(parent, out);
         case SQL_HANDLE_STMT:
             return allocate<Connection, Statement>(parent, out);
+        case SQL_HANDLE_DESC:
+            return allocate<Connection, Descriptor>(parent, out);
         default:
             return SQL_ERROR;
     }
@@ -52,6 +54,12 @@ SQLRETURN SQL_API SQLFreeHandle(SQLSMALLINT type, SQLHANDLE raw) {
             return withHandle<Connection>(raw, [](Connection& connection) { forgetHandle(&connection); });
         case SQL_HANDLE_STMT:
             return withHandle<Statement>(raw, [](Statement& statement) { forgetHandle(&statement); });
+        case SQL_HANDLE_DESC:
+            return withHandle<Descriptor>(raw, [](Descriptor& descriptor) {
+                if (descriptor.isAutomatic()) throw sql::Error("HY017", "The descriptor belongs to its statement.");
+                descriptor.freed = true;
+                forgetHandle(&descriptor);
+            });
         default:
             return SQL_INVALID_HANDLE;
     }

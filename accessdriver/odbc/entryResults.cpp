@@ -18,8 +18,9 @@ SQLRETURN describeColumn(SQLHSTMT raw, SQLUSMALLINT number, Char* name, SQLSMALL
         const SqlType& type = sqlTypeOf(column.type);
         giveText(&statement.diagnostics, column.name, name, capacity, length);
         giveValue(type.sqlType, sqlType);
-        giveValue(static_cast<SQLULEN>(columnSize(column.type, column.length)), size);
-        giveValue(std::max<SQLSMALLINT>(type.decimals, 0), decimals);
+        const Extent extent = extentOf(column);
+        giveValue(static_cast<SQLULEN>(extent.size), size);
+        giveValue(std::max<SQLSMALLINT>(extent.decimals, 0), decimals);
         giveValue(static_cast<SQLSMALLINT>(column.nullable ? SQL_NULLABLE : SQL_NO_NULLS), nullable);
     });
 }
@@ -72,18 +73,33 @@ SQLRETURN SQL_API SQLColAttributeW(SQLHSTMT raw, SQLUSMALLINT number, SQLUSMALLI
 SQLRETURN SQL_API SQLBindCol(SQLHSTMT raw, SQLUSMALLINT number, SQLSMALLINT cType, SQLPOINTER buffer, SQLLEN capacity,
                              SQLLEN* indicator) {
     return withHandle<Statement>(raw, [&](Statement& statement) {
-        statement.bindColumn(number, {cType, buffer, capacity, indicator});
+        statement.bindColumn(number, {cType, buffer, capacity, indicator, indicator});
     });
 }
 
 SQLRETURN SQL_API SQLFetch(SQLHSTMT raw) {
-    return withHandle<Statement>(raw, [](Statement& statement) { return statement.fetch(); });
+    return withHandle<Statement>(
+        raw, [](Statement& statement) { return statement.fetch(SQL_FETCH_NEXT, 0, statement.rowset()); });
 }
 
-SQLRETURN SQL_API SQLFetchScroll(SQLHSTMT raw, SQLSMALLINT orientation, SQLLEN) {
+SQLRETURN SQL_API SQLFetchScroll(SQLHSTMT raw, SQLSMALLINT orientation, SQLLEN offset) {
+    return withHandle<Statement>(
+        raw, [&](Statement& statement) { return statement.fetch(orientation, offset, statement.rowset()); });
+}
+
+// The older form, with a rowset of its own.
+SQLRETURN SQL_API SQLExtendedFetch(SQLHSTMT raw, SQLUSMALLINT orientation, SQLLEN offset, SQLULEN* fetched,
+                                   SQLUSMALLINT* status) {
     return withHandle<Statement>(raw, [&](Statement& statement) {
-        if (orientation != SQL_FETCH_NEXT) throw sql::Error("HY106", "A result is read from first to last.");
-        return statement.fetch();
+        return statement.fetch(static_cast<SQLSMALLINT>(orientation), offset,
+                               {statement.attribute(SQL_ROWSET_SIZE), status, fetched});
+    });
+}
+
+SQLRETURN SQL_API SQLSetPos(SQLHSTMT raw, SQLSETPOSIROW row, SQLUSMALLINT operation, SQLUSMALLINT) {
+    return withHandle<Statement>(raw, [&](Statement& statement) {
+        if (operation != SQL_POSITION) throw sql::Error("HYC00", "Rows are changed by statements, not by position.");
+        statement.setPosition(row);
     });
 }
 
@@ -91,7 +107,7 @@ SQLRETURN SQL_API SQLGetData(SQLHSTMT raw, SQLUSMALLINT number, SQLSMALLINT cTyp
                              SQLLEN* indicator) {
     return withHandle<Statement>(raw, [&](Statement& statement) {
         if (capacity < 0) throw sql::Error("HY090", "The length of a buffer is negative.");
-        return statement.getData(number, {cType, buffer, capacity, indicator});
+        return statement.getData(number, {cType, buffer, capacity, indicator, indicator});
     });
 }
 

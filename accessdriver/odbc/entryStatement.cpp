@@ -1,4 +1,4 @@
-// Preparing and running statements, and their parameters.
+// Preparing and running statements, their parameters and names.
 
 #include "accessdriver/odbc/arguments.h"
 #include "accessdriver/odbc/sqlTypes.h"
@@ -19,6 +19,18 @@ SQLRETURN executeDirect(SQLHSTMT raw, const Char* text, SQLINTEGER length) {
     return withHandle<Statement>(raw, [&](Statement& statement) {
         statement.prepare(utf8From(text, length));
         return statement.execute();
+    });
+}
+
+template <class Char>
+SQLRETURN setCursorName(SQLHSTMT raw, const Char* name, SQLSMALLINT length) {
+    return withHandle<Statement>(raw, [&](Statement& statement) { statement.setCursorName(utf8From(name, length)); });
+}
+
+template <class Char>
+SQLRETURN getCursorName(SQLHSTMT raw, Char* name, SQLSMALLINT capacity, SQLSMALLINT* length) {
+    return withHandle<Statement>(raw, [&](Statement& statement) {
+        giveText(&statement.diagnostics, statement.cursorName(), name, capacity, length);
     });
 }
 
@@ -58,24 +70,56 @@ SQLRETURN SQL_API SQLDescribeParam(SQLHSTMT raw, SQLUSMALLINT number, SQLSMALLIN
         const jet::ColumnInfo& column = plan.table->columns[plan.parameters[number - 1U]];
         const SqlType& type = sqlTypeOf(column.type);
         giveValue(type.sqlType, sqlType);
-        giveValue(static_cast<SQLULEN>(columnSize(column.type, column.length)), size);
-        giveValue(std::max<SQLSMALLINT>(type.decimals, 0), decimals);
+        const Extent extent = extentOf(column);
+        giveValue(static_cast<SQLULEN>(extent.size), size);
+        giveValue(std::max<SQLSMALLINT>(extent.decimals, 0), decimals);
         giveValue(static_cast<SQLSMALLINT>(column.required ? SQL_NO_NULLS : SQL_NULLABLE), nullable);
     });
 }
 
 SQLRETURN SQL_API SQLBindParameter(SQLHSTMT raw, SQLUSMALLINT number, SQLSMALLINT direction, SQLSMALLINT cType,
-                                   SQLSMALLINT sqlType, SQLULEN, SQLSMALLINT, SQLPOINTER buffer, SQLLEN,
-                                   SQLLEN* indicator) {
+                                   SQLSMALLINT sqlType, SQLULEN size, SQLSMALLINT decimals, SQLPOINTER buffer,
+                                   SQLLEN capacity, SQLLEN* indicator) {
     return withHandle<Statement>(raw, [&](Statement& statement) {
         if (direction != SQL_PARAM_INPUT) throw sql::Error("HYC00", "The driver has input parameters only.");
-        statement.bindParameter(number, {cType, sqlType, buffer, indicator});
+        statement.bindParameter(
+            number,
+            {.type = cType,
+             .octetLength = capacity,
+             .data = buffer,
+             .lengthPlace = indicator,
+             .indicatorPlace = indicator},
+            {.type = sqlType, .length = size, .precision = static_cast<SQLSMALLINT>(size), .scale = decimals});
     });
 }
 
-// A statement runs to its end within its call, so there is never one to stop.
+SQLRETURN SQL_API SQLParamData(SQLHSTMT raw, SQLPOINTER* token) {
+    return withHandle<Statement>(raw, [&](Statement& statement) { return statement.parameterData(token); });
+}
+
+SQLRETURN SQL_API SQLPutData(SQLHSTMT raw, SQLPOINTER data, SQLLEN length) {
+    return withHandle<Statement>(raw, [&](Statement& statement) { statement.putData(data, length); });
+}
+
+// A statement runs to its end within its call, so all that can be stopped is the wait for its data.
 SQLRETURN SQL_API SQLCancel(SQLHSTMT raw) {
-    return withHandle<Statement>(raw, [](Statement&) {});
+    return withHandle<Statement>(raw, [](Statement& statement) { statement.cancel(); });
+}
+
+SQLRETURN SQL_API SQLSetCursorName(SQLHSTMT raw, SQLCHAR* name, SQLSMALLINT length) {
+    return setCursorName(raw, name, length);
+}
+
+SQLRETURN SQL_API SQLSetCursorNameW(SQLHSTMT raw, SQLWCHAR* name, SQLSMALLINT length) {
+    return setCursorName(raw, name, length);
+}
+
+SQLRETURN SQL_API SQLGetCursorName(SQLHSTMT raw, SQLCHAR* name, SQLSMALLINT capacity, SQLSMALLINT* length) {
+    return getCursorName(raw, name, capacity, length);
+}
+
+SQLRETURN SQL_API SQLGetCursorNameW(SQLHSTMT raw, SQLWCHAR* name, SQLSMALLINT capacity, SQLSMALLINT* length) {
+    return getCursorName(raw, name, capacity, length);
 }
 
 }  // extern "C"

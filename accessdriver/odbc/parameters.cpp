@@ -4,9 +4,10 @@
 #include <array>
 #include <cstring>
 
-#include "accessdriver/odbc/moved.h"
 #include "accessdriver/odbc/text.h"
 #include "accessdriver/sql/calendar.h"
+#include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/decimal.h"
 #include "accessdriver/sql/error.h"
 #include "accessdriver/sql/numbers.h"
 
@@ -93,12 +94,36 @@ Literal readTimestamp(const Source& source, Texts&) {
     return date({stamp.year, stamp.month, stamp.day, stamp.hour, stamp.minute, stamp.second});
 }
 
+// The scale is the structure's own: applications rarely set that of the descriptor.
+Literal readNumeric(const Source& source, Texts& texts) {
+    const auto given = source.as<SQL_NUMERIC_STRUCT>();
+    sql::Decimal decimal{.negative = given.sign == 0, .scale = given.scale};
+    std::copy(std::begin(given.val), std::end(given.val), decimal.magnitude.begin());
+    return number(sql::writeDecimal(decimal), texts);
+}
+
+Literal readGuid(const Source& source, Texts& texts) {
+    const jet::Bytes bytes(source.data, source.data + sizeof(SQLGUID));
+    return {.kind = Literal::Kind::text, .text = texts.emplace_back(sql::textOf(bytes, jet::ColumnType::guid))};
+}
+
+// A text that stands for a value of a binary type holds two digits for each byte.
+Literal bytesFromDigits(const Literal& text, Texts& texts) {
+    const auto bytes = sql::readHexadecimal(text.text);
+    if (!bytes) throw sql::Error("22018", "The text of a binary parameter is no row of hexadecimal digits.");
+    return {.kind = Literal::Kind::bytes, .text = texts.emplace_back(bytes->begin(), bytes->end())};
+}
+
+bool isBinary(SQLSMALLINT sqlType) {
+    return sqlType == SQL_BINARY || sqlType == SQL_VARBINARY || sqlType == SQL_LONGVARBINARY;
+}
+
 struct Reader {
     SQLSMALLINT cType;
     Literal (*read)(const Source&, Texts&);
 };
 
-constexpr std::array<Reader, 24> readers = {{
+constexpr std::array<Reader, 26> readers = {{
     {SQL_C_CHAR, readNarrow},
     {SQL_C_WCHAR, readWide},
     {SQL_C_BINARY, readBytes},
@@ -117,6 +142,8 @@ constexpr std::array<Reader, 24> readers = {{
     {SQL_BIGINT, readWhole<SQLBIGINT>},
     {SQL_C_FLOAT, readReal<SQLREAL>},
     {SQL_C_DOUBLE, readReal<SQLDOUBLE>},
+    {SQL_C_NUMERIC, readNumeric},
+    {SQL_C_GUID, readGuid},
     {SQL_C_DATE, readDate},
     {SQL_C_TYPE_DATE, readDate},
     {SQL_C_TIME, readTime},
@@ -153,24 +180,122 @@ SQLSMALLINT defaultCType(SQLSMALLINT sqlType) {
     }
 }
 
+bool isVarying(SQLSMALLINT cType) { return cType == SQL_C_CHAR || cType == SQL_C_WCHAR || cType == SQL_C_BINARY; }
+
 }  // namespace
 
 bool isParameterType(SQLSMALLINT cType) { return cType == SQL_C_DEFAULT || readerOf(cType) != nullptr; }
 
-Literal literalFrom(const BoundParameter& parameter, SQLULEN offset, Texts& texts) {
-    const SQLLEN* indicator = moved(parameter.indicator, offset);
-    const SQLLEN length = indicator == nullptr ? SQL_NTS : *indicator;
-    if (length == SQL_NULL_DATA) return {};
-    if (length == SQL_DATA_AT_EXEC || length <= SQL_LEN_DATA_AT_EXEC_OFFSET) {
-        throw sql::Error("HYC00", "The driver does not take parameter data at execution.");
+ParameterSets::ParameterSets(const Descriptor& application, const Descriptor& implementation, std::size_t parameters)
+    : application_(&application), implementation_(&implementation), parameters_(parameters) {
+    for (std::size_t number = 1; number <= parameters; ++number) {
+        if (application.isBound(number)) continue;
+        throw sql::Error("07002", "Nothing is bound to parameter " + std::to_string(number) + ".");
     }
-    if (length == SQL_DEFAULT_PARAM) throw sql::Error("07S01", "A statement has no default parameters.");
-    const char* buffer = static_cast<const char*>(parameter.buffer);
-    if (buffer == nullptr) throw sql::Error("HY009", "A parameter has no buffer.");
-    const SQLSMALLINT cType = parameter.cType == SQL_C_DEFAULT ? defaultCType(parameter.sqlType) : parameter.cType;
-    const Reader* const reader = readerOf(cType);
-    if (reader == nullptr) throw sql::Error("HY003", "The driver does not read parameters of this C type.");
-    return reader->read({moved(buffer, offset), length}, texts);
+}
+
+bool ParameterSets::isIgnored(SQLULEN set) const {
+    return application_->arrayStatus != nullptr && application_->arrayStatus[set] == SQL_PARAM_IGNORE;
+}
+
+SQLSMALLINT ParameterSets::cTypeOf(std::size_t parameter) const {
+    const SQLSMALLINT given = application_->records[parameter].type;
+    if (given != SQL_C_DEFAULT) return given;
+    const bool described = parameter < implementation_->records.size();
+    return defaultCType(described ? implementation_->records[parameter].type : SQLSMALLINT{SQL_VARCHAR});
+}
+
+// In bytes, or one of the codes.
+SQLLEN ParameterSets::lengthOf(const ParameterPlace& place) const {
+    const DescriptorRecord& record = application_->records[place.parameter];
+    const auto at = [&](SQLLEN* base) { return application_->element(base, place.set, sizeof(SQLLEN)); };
+    const SQLLEN* const indicator = at(record.indicatorPlace);
+    if (indicator != nullptr && *indicator == SQL_NULL_DATA) return SQL_NULL_DATA;
+    const SQLLEN* const length = at(record.lengthPlace);
+    return length == nullptr ? SQL_NTS : *length;
+}
+
+const char* ParameterSets::dataOf(const ParameterPlace& place) const {
+    const DescriptorRecord& record = application_->records[place.parameter];
+    const SQLULEN bytes = sizeOfVariable(cTypeOf(place.parameter), record.octetLength);
+    return application_->element(static_cast<const char*>(record.data), place.set, bytes);
+}
+
+std::optional<ParameterPlace> ParameterSets::awaitNext() {
+    ParameterPlace at = awaited_.value_or(ParameterPlace{});
+    if (started_) ++at.parameter;
+    started_ = true;
+    awaited_.reset();
+    for (; at.set < sets(); at = {at.set + 1, 0}) {
+        if (isIgnored(at.set)) continue;
+        for (; at.parameter < parameters_; ++at.parameter) {
+            const SQLLEN length = lengthOf(at);
+            if (length != SQL_DATA_AT_EXEC && length > SQL_LEN_DATA_AT_EXEC_OFFSET) continue;
+            given_.try_emplace(at);
+            awaited_ = at;
+            return at;
+        }
+    }
+    return std::nullopt;
+}
+
+SQLPOINTER ParameterSets::token(const ParameterPlace& place) const {
+    return const_cast<char*>(dataOf(place));  // NOLINT: handed back as it was given
+}
+
+void ParameterSets::put(const void* data, SQLLEN length) {
+    if (!awaited_) throw sql::Error("HY010", "No parameter waits for its data.");
+    Pieces& pieces = given_[*awaited_];
+    const SQLSMALLINT cType = cTypeOf(awaited_->parameter);
+    if (pieces.null) throw sql::Error("HY020", "A value that is Null has no further pieces.");
+    if (pieces.begun && !isVarying(cType)) throw sql::Error("HY019", "Only texts and bytes come in pieces.");
+    if (length == SQL_NULL_DATA) {
+        if (pieces.begun) throw sql::Error("HY020", "A value that has pieces can't become Null.");
+        pieces.null = true;
+        return;
+    }
+    pieces.begun = true;
+    const char* const bytes = static_cast<const char*>(data);
+    if (!isVarying(cType)) length = static_cast<SQLLEN>(sizeOfVariable(cType, 0));
+    if (length == SQL_NTS && cType == SQL_C_CHAR) length = static_cast<SQLLEN>(std::strlen(bytes));
+    if (length == SQL_NTS && cType == SQL_C_WCHAR) {
+        length = 0;
+        while (bytes[length] != 0 || bytes[length + 1] != 0) length += 2;
+    }
+    if (length < 0) throw sql::Error("HY090", "A piece of a parameter has a negative length.");
+    if (bytes == nullptr && length > 0) throw sql::Error("HY009", "A piece of a parameter has no address.");
+    if (length > 0) pieces.bytes.append(bytes, static_cast<std::size_t>(length));
+}
+
+std::vector<Literal> ParameterSets::values(SQLULEN set, Texts& texts) const {
+    std::vector<Literal> out;
+    out.reserve(parameters_);
+    for (ParameterPlace at{set, 0}; at.parameter < parameters_; ++at.parameter) {
+        const Reader* const reader = readerOf(cTypeOf(at.parameter));
+        if (reader == nullptr) throw sql::Error("HY003", "The driver does not read parameters of this C type.");
+        Source source{dataOf(at), lengthOf(at)};
+        if (const auto given = given_.find(at); given != given_.end()) {
+            const Pieces& pieces = given->second;
+            if (!pieces.null && !pieces.begun && !isVarying(reader->cType)) {
+                throw sql::Error("HY010", "A parameter did not get its data.");
+            }
+            source = {pieces.bytes.data(),
+                      pieces.null ? SQLLEN{SQL_NULL_DATA} : static_cast<SQLLEN>(pieces.bytes.size())};
+        }
+        if (source.length == SQL_NULL_DATA) {
+            out.emplace_back();
+            continue;
+        }
+        if (source.length == SQL_DEFAULT_PARAM) throw sql::Error("07S01", "A statement has no default parameters.");
+        if (source.data == nullptr && source.length != 0) throw sql::Error("HY009", "A parameter has no buffer.");
+        out.push_back(reader->read(source, texts));
+        const bool described = at.parameter < implementation_->records.size();
+        if (described && isBinary(implementation_->records[at.parameter].type) &&
+            out.back().kind == Literal::Kind::text) {
+            out.back() = bytesFromDigits(out.back(), texts);
+        }
+    }
+    return out;
 }
 
 }  // namespace odbc

@@ -15,10 +15,9 @@ constexpr SQLINTEGER mostText = 255;
 constexpr SQLSMALLINT none = -1;
 constexpr SQLSMALLINT all = SQL_PRED_SEARCHABLE;
 
-// Sizes, display sizes and octet lengths by the ODBC reference's appendix on data types. A Numeric column's digits
-// can't be read without its scale, so it is shown as the bytes that it is.
+// Sizes, display sizes and octet lengths by the ODBC reference's appendix on data types.
 constexpr std::array<SqlType, 14> types = {{
-    {ColumnType::guid, "GUID", SQL_GUID, SQL_GUID, SQL_C_CHAR, 36, 38, 16, none, 0, SQL_TRUE, SQL_PRED_NONE, "'",
+    {ColumnType::guid, "GUID", SQL_GUID, SQL_GUID, SQL_C_GUID, 36, 38, 16, none, 0, SQL_TRUE, SQL_PRED_NONE, "'",
      nullptr},
     {ColumnType::memo, "LONGCHAR", SQL_WLONGVARCHAR, SQL_WLONGVARCHAR, SQL_C_WCHAR, longText, longText, 2 * longText,
      none, 0, SQL_TRUE, all, "'", nullptr},
@@ -31,10 +30,10 @@ constexpr std::array<SqlType, 14> types = {{
      longBinary, none, 0, SQL_TRUE, SQL_PRED_NONE, nullptr, nullptr},
     {ColumnType::binary, "VARBINARY", SQL_VARBINARY, SQL_VARBINARY, SQL_C_BINARY, mostText, 2 * mostText, mostText,
      none, 0, SQL_TRUE, SQL_PRED_NONE, nullptr, "MAX LENGTH"},
-    {ColumnType::numeric, "DECIMAL", SQL_BINARY, SQL_BINARY, SQL_C_BINARY, 17, 34, 17, none, 0, SQL_TRUE, SQL_PRED_NONE,
-     nullptr, nullptr},
     {ColumnType::currency, "CURRENCY", SQL_NUMERIC, SQL_NUMERIC, SQL_C_CHAR, 19, 21, 21, 4, 10, SQL_FALSE, all, nullptr,
      nullptr},
+    {ColumnType::numeric, "DECIMAL", SQL_DECIMAL, SQL_DECIMAL, SQL_C_CHAR, 28, 30, 30, 0, 10, SQL_FALSE, all, nullptr,
+     "PRECISION,SCALE"},
     {ColumnType::longInteger, "INTEGER", SQL_INTEGER, SQL_INTEGER, SQL_C_SLONG, 10, 11, 4, 0, 10, SQL_FALSE, all,
      nullptr, nullptr},
     {ColumnType::integer, "SMALLINT", SQL_SMALLINT, SQL_SMALLINT, SQL_C_SSHORT, 5, 6, 2, 0, 10, SQL_FALSE, all, nullptr,
@@ -49,10 +48,6 @@ constexpr std::array<SqlType, 14> types = {{
 static_assert(std::is_sorted(types.begin(), types.end(),
                              [](const auto& a, const auto& b) { return a.sqlType < b.sqlType; }));
 
-bool hasOwnLength(ColumnType type, int length) {
-    return length > 0 && (type == ColumnType::text || type == ColumnType::binary);
-}
-
 }  // namespace
 
 std::span<const SqlType> sqlTypes() { return types; }
@@ -61,18 +56,15 @@ const SqlType& sqlTypeOf(ColumnType type) {
     return *std::find_if(types.begin(), types.end(), [&](const SqlType& t) { return t.type == type; });
 }
 
-SQLINTEGER columnSize(ColumnType type, int length) {
-    return hasOwnLength(type, length) ? length : sqlTypeOf(type).size;
-}
-
-SQLINTEGER displaySize(ColumnType type, int length) {
-    if (!hasOwnLength(type, length)) return sqlTypeOf(type).displaySize;
-    return type == ColumnType::binary ? 2 * length : length;
-}
-
-SQLINTEGER octetLength(ColumnType type, int length) {
-    if (!hasOwnLength(type, length)) return sqlTypeOf(type).octets;
-    return type == ColumnType::text ? 2 * length : length;
+Extent extentOf(ColumnType type, int length, int precision, int scale) {
+    const SqlType& known = sqlTypeOf(type);
+    if (type == ColumnType::text && length > 0) return {length, length, 2 * length, none};
+    if (type == ColumnType::binary && length > 0) return {length, 2 * length, length, none};
+    // A sign and a point.
+    if (type == ColumnType::numeric && precision > 0) {
+        return {precision, precision + 2, precision + 2, static_cast<SQLSMALLINT>(scale)};
+    }
+    return {known.size, known.displaySize, known.octets, known.decimals};
 }
 
 }  // namespace odbc

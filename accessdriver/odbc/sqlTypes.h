@@ -32,9 +32,20 @@ std::span<const SqlType> sqlTypes();
 
 const SqlType& sqlTypeOf(jet::ColumnType type);
 
-/// Size, display size and octets of a column; text and binary columns have lengths of their own.
-SQLINTEGER columnSize(jet::ColumnType type, int length);
-SQLINTEGER displaySize(jet::ColumnType type, int length);
-SQLINTEGER octetLength(jet::ColumnType type, int length);
+/// How much room a column's values take: text, binary and Decimal columns have sizes of their own.
+struct Extent {
+    SQLINTEGER size = 0;
+    SQLINTEGER displaySize = 0;
+    SQLINTEGER octets = 0;
+    SQLSMALLINT decimals = 0;  ///< -1 where they don't apply
+};
+
+Extent extentOf(jet::ColumnType type, int length, int precision, int scale);
+
+/// Of a jet::ColumnInfo or a sql::ResultColumn.
+template <class Column>
+Extent extentOf(const Column& column) {
+    return extentOf(column.type, column.length, column.precision, column.scale);
+}
 
 }  // namespace odbc

@@ -95,6 +95,8 @@ std::string repaired(std::string_view text) {
 
 template <class Char>
 std::size_t unitsOf(const Char* text, SQLLEN length) {
+    // Some callers count the ending zero, or their whole buffer.
+    while (length > 0 && text[length - 1] == 0) --length;
     if (length >= 0) return static_cast<std::size_t>(length);
     if (length != SQL_NTS) throw sql::Error("HY090", "The length of a text is negative.");
     std::size_t units = 0;

@@ -17,7 +17,8 @@ enum class Width { narrow, wide };
 template <class Char>
 inline constexpr Width widthOf = sizeof(Char) == 1 ? Width::narrow : Width::wide;
 
-/// A caller's text, with its length in characters or SQL_NTS, as UTF-8. A null pointer is empty text. Narrow bytes that
+/// A caller's text, with its length in characters or SQL_NTS, as UTF-8. A null pointer is empty text; zeroes at the end
+/// of a given length are none of it. Narrow bytes that
 /// are no UTF-8 are taken for Windows-1252, the code page of older applications; half a surrogate pair becomes U+FFFD.
 /// Throws sql::Error(HY090) for another negative length.
 std::string utf8From(const SQLCHAR* text, SQLLEN length);

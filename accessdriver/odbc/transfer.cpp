@@ -11,6 +11,7 @@
 #include "accessdriver/odbc/text.h"
 #include "accessdriver/sql/calendar.h"
 #include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/decimal.h"
 #include "accessdriver/sql/error.h"
 #include "accessdriver/sql/numbers.h"
 
@@ -28,13 +29,19 @@ constexpr const char* truncatedText = "The text was cut to the size of the buffe
 // A value on its way into a plain variable.
 struct Job {
     const Value& value;
+    const sql::ResultColumn& column;
     const Target& target;
     Diagnostics& diagnostics;
 
     template <class T>
     void put(const T& out) const {
         if (target.buffer != nullptr) std::memcpy(target.buffer, &out, sizeof out);
-        if (target.indicator != nullptr) *target.indicator = sizeof out;
+        putLength(sizeof out);
+    }
+
+    void putLength(std::size_t bytes) const {
+        if (target.indicator != nullptr) *target.indicator = 0;
+        if (target.length != nullptr) *target.length = static_cast<SQLLEN>(bytes);
     }
 
     void warnOfLoss(const char* what) const { diagnostics.warn("01S07", what); }
@@ -130,12 +137,51 @@ void putTimestamp(const Job& job) {
                                  static_cast<SQLUSMALLINT>(m.minute), static_cast<SQLUSMALLINT>(m.second), 0});
 }
 
+// The digits of a number as text, exactly.
+std::string digitsFrom(const Job& job) {
+    if (const auto* text = std::get_if<std::string>(&job.value)) return *text;
+    numberFrom(job.value);  // refuses what is none
+    return sql::textOf(job.value, job.column.type);
+}
+
+void putNumeric(const Job& job) {
+    const int own =
+        job.column.type == jet::ColumnType::numeric ? job.column.scale : sqlTypeOf(job.column.type).decimals;
+    const std::string digits = digitsFrom(job);
+    if (!sql::readNumber(digits)) throw sql::Error("22018", "The text '" + digits + "' is no number.");
+    constexpr int mostDecimals = 15;  // of a floating-point number or a text
+    const auto exact = sql::readDecimal(digits, own < 0 ? mostDecimals : own);
+    const auto decimal = job.target.scale ? sql::readDecimal(digits, *job.target.scale) : exact;
+    if (!decimal || !exact) refuseRange();
+    if (decimal->scale < exact->scale && *sql::readNumber(sql::writeDecimal(*decimal)) != *sql::readNumber(digits)) {
+        job.warnOfLoss("The fraction of a number was cut off.");
+    }
+    constexpr SQLCHAR precision = 38;
+    SQL_NUMERIC_STRUCT out{
+        precision, static_cast<SQLSCHAR>(decimal->scale), static_cast<SQLCHAR>(decimal->negative ? 0 : 1), {}};
+    std::copy(decimal->magnitude.begin(), decimal->magnitude.end(), std::begin(out.val));
+    job.put(out);
+}
+
+void putGuid(const Job& job) {
+    jet::Value value = job.value;
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        const jet::ColumnInfo guid{.name = job.column.name, .type = jet::ColumnType::guid};
+        value = sql::fit({.kind = sql::Literal::Kind::text, .text = *text}, guid, sql::localeDateOrder());
+    }
+    const auto* const bytes = std::get_if<jet::Bytes>(&value);
+    if (bytes == nullptr || bytes->size() != sizeof(SQLGUID)) refuseConversion();
+    SQLGUID out{};
+    std::memcpy(&out, bytes->data(), sizeof out);
+    job.put(out);
+}
+
 struct Putter {
     SQLSMALLINT cType;
     void (*put)(const Job&);
 };
 
-constexpr std::array<Putter, 20> putters = {{
+constexpr std::array<Putter, 22> putters = {{
     {SQL_C_BIT, putBit},
     {SQL_C_TINYINT, putWhole<SQLSCHAR>},
     {SQL_C_STINYINT, putWhole<SQLSCHAR>},
@@ -150,6 +196,8 @@ constexpr std::array<Putter, 20> putters = {{
     {SQL_C_UBIGINT, putWhole<std::uint64_t>},
     {SQL_C_FLOAT, putFloat},
     {SQL_C_DOUBLE, putDouble},
+    {SQL_C_NUMERIC, putNumeric},
+    {SQL_C_GUID, putGuid},
     {SQL_C_DATE, putDate},
     {SQL_C_TYPE_DATE, putDate},
     {SQL_C_TIME, putTime},
@@ -177,7 +225,7 @@ std::string bytesFor(SQLSMALLINT cType, const Value& value, jet::ColumnType type
 SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Progress& progress) {
     if (!progress.bytes) progress.bytes = bytesFor(cType, job.value, type);
     const std::string_view rest = std::string_view(*progress.bytes).substr(progress.given);
-    if (job.target.indicator != nullptr) *job.target.indicator = static_cast<SQLLEN>(rest.size());
+    job.putLength(rest.size());
     if (job.target.buffer == nullptr) return SQL_SUCCESS;  // asks for the length alone
     const std::size_t unit = cType == SQL_C_WCHAR ? sizeof(SQLWCHAR) : 1;
     const std::size_t zero = cType == SQL_C_BINARY ? 0 : unit;
@@ -189,6 +237,10 @@ SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Prog
 }
 
 }  // namespace
+
+SQLSMALLINT resolvedType(SQLSMALLINT cType, const sql::ResultColumn& column) {
+    return cType == SQL_C_DEFAULT ? sqlTypeOf(column.type).cType : cType;
+}
 
 bool isTargetType(SQLSMALLINT cType) {
     return cType == SQL_C_DEFAULT || isPiecewise(cType) || putterOf(cType) != nullptr;
@@ -204,8 +256,8 @@ SQLRETURN transfer(const Value& value, const sql::ResultColumn& column, const Ta
         progress.finished = true;
         return SQL_SUCCESS;
     }
-    const SQLSMALLINT cType = target.cType == SQL_C_DEFAULT ? sqlTypeOf(column.type).cType : target.cType;
-    const Job job{value, target, diagnostics};
+    const SQLSMALLINT cType = resolvedType(target.cType, column);
+    const Job job{value, column, target, diagnostics};
     if (isPiecewise(cType)) return putPiece(cType, job, column.type, progress);
     const Putter* const putter = putterOf(cType);
     if (putter == nullptr) throw sql::Error("HY003", "The driver does not offer this C type.");

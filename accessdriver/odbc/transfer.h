@@ -15,8 +15,10 @@ namespace odbc {
 struct Target {
     SQLSMALLINT cType = SQL_C_DEFAULT;
     SQLPOINTER buffer = nullptr;
-    SQLLEN capacity = 0;  ///< bytes
-    SQLLEN* indicator = nullptr;
+    SQLLEN capacity = 0;                      ///< bytes
+    SQLLEN* length = nullptr;                 ///< gets the length of a value
+    SQLLEN* indicator = nullptr;              ///< gets SQL_NULL_DATA for Null; often the same place
+    std::optional<int> scale = std::nullopt;  ///< of an SQL_C_NUMERIC; the column's own if not given
 };
 
 /// How far a value has been handed out, for SQLGetData, which gives long values in pieces.
@@ -33,6 +35,9 @@ struct Progress {
 /// number or date, 07006 a conversion that ODBC does not have.
 SQLRETURN transfer(const jet::Value& value, const sql::ResultColumn& column, const Target& target, Progress& progress,
                    Diagnostics& diagnostics);
+
+/// The C type that is meant: that of the column for SQL_C_DEFAULT.
+SQLSMALLINT resolvedType(SQLSMALLINT cType, const sql::ResultColumn& column);
 
 /// Whether values can be handed to variables of that C type.
 bool isTargetType(SQLSMALLINT cType);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "accessdriver/sql/decimal.h"
 #include "accessdriver/sql/error.h"
 #include "accessdriver/sql/fold.h"
 #include "accessdriver/sql/numbers.h"
@@ -95,6 +96,11 @@ Value fitNumber(const Literal& literal, const ColumnInfo& column) {
         if (std::abs(*number) > std::numeric_limits<float>::max()) refuseRange(literal, column);
         return static_cast<double>(static_cast<float>(*number));
     }
+    if (column.type == ColumnType::numeric) {
+        const auto decimal = readDecimal(text, column.scale);
+        if (decimal && digitCount(*decimal) <= column.precision) return storedDecimal(*decimal);
+        refuseRange(literal, column);
+    }
     if (column.type == ColumnType::currency) {
         if (const auto amount = readCurrency(text)) return *amount;
         refuseRange(literal, column);
@@ -140,6 +146,7 @@ Value fitText(const Literal& literal, const ColumnInfo& column) {
         case Kind::null:
             return {};
         case Kind::text:
+        case Kind::bytes:
             text = literal.text;
             break;
         case Kind::number:
@@ -151,8 +158,6 @@ Value fitText(const Literal& literal, const ColumnInfo& column) {
         case Kind::date:
             text = writeDate(literal.date);
             break;
-        default:
-            refuseKind(column);
     }
     const auto most = static_cast<std::size_t>(column.length);
     if (column.type == ColumnType::text && text.size() > most && utf16Length(text) > most) {
@@ -180,17 +185,68 @@ std::string hexadecimal(const jet::Bytes& bytes) {
     return out;
 }
 
-// The first three groups are little-endian numbers, the last two plain bytes.
+// The first three groups of a GUID's text are little-endian numbers, the last two plain bytes.
+constexpr std::array<std::uint8_t, 16> guidOrder = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
+
 std::string guidText(const jet::Bytes& bytes) {
-    static constexpr std::array<std::uint8_t, 16> order = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
     jet::Bytes shown;
-    for (const std::uint8_t from : order) shown.push_back(bytes[from]);
+    for (const std::uint8_t from : guidOrder) shown.push_back(bytes[from]);
     std::string out = "{" + hexadecimal(shown) + "}";
     for (const std::size_t dash : {9, 14, 19, 24}) out.insert(dash, 1, '-');
     return out;
 }
 
+std::optional<jet::Bytes> readGuid(std::string_view text) {
+    text = trimmed(text);
+    if (text.size() == 38 && text.front() == '{' && text.back() == '}') text = text.substr(1, 36);
+    if (text.size() != 36) return std::nullopt;
+    std::string digits;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool dash = i == 8 || i == 13 || i == 18 || i == 23;
+        if (dash != (text[i] == '-')) return std::nullopt;
+        if (!dash) digits += text[i];
+    }
+    const auto plain = readHexadecimal(digits);
+    if (!plain) return std::nullopt;
+    jet::Bytes bytes(guidOrder.size());
+    for (std::size_t i = 0; i < guidOrder.size(); ++i) bytes[guidOrder[i]] = (*plain)[i];
+    return bytes;
+}
+
+Value fitGuid(const Literal& literal, const ColumnInfo& column) {
+    if (literal.kind == Kind::null || isEmptyText(literal)) return {};
+    if (literal.kind == Kind::bytes) return jet::Bytes(literal.text.begin(), literal.text.end());
+    if (literal.kind != Kind::text) refuseKind(column);
+    if (auto guid = readGuid(literal.text)) return *std::move(guid);
+    refuseText("22018", literal, column, "GUID");
+}
+
 }  // namespace
+
+std::optional<jet::Bytes> readHexadecimal(std::string_view digits) {
+    const auto value = [](char c) {
+        if (c >= '0' && c <= '9') return c - '0';
+        if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+        if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+        return -1;
+    };
+    if (digits.size() % 2 != 0) return std::nullopt;
+    jet::Bytes bytes;
+    bytes.reserve(digits.size() / 2);
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        const int high = value(digits[i]);
+        const int low = value(digits[i + 1]);
+        if (high < 0 || low < 0) return std::nullopt;
+        bytes.push_back(static_cast<std::uint8_t>(high << 4 | low));
+    }
+    return bytes;
+}
+
+jet::Value shown(jet::Value stored, const ColumnInfo& column) {
+    const auto* const bytes = std::get_if<jet::Bytes>(&stored);
+    if (column.type != ColumnType::numeric || bytes == nullptr) return stored;
+    return writeDecimal(fromStoredDecimal(*bytes, column.scale));
+}
 
 jet::Value fit(const Literal& literal, const ColumnInfo& column, DateOrder order) {
     switch (column.type) {
@@ -202,7 +258,10 @@ jet::Value fit(const Literal& literal, const ColumnInfo& column, DateOrder order
         case ColumnType::currency:
         case ColumnType::single:
         case ColumnType::doubleFloat:
+        case ColumnType::numeric:
             return fitNumber(literal, column);
+        case ColumnType::guid:
+            return fitGuid(literal, column);
         case ColumnType::dateTime:
             return fitDate(literal, column, order);
         case ColumnType::text:

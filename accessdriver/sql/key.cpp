@@ -4,6 +4,7 @@
 #include <functional>
 
 #include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/decimal.h"
 #include "accessdriver/sql/error.h"
 #include "accessdriver/sql/fold.h"
 #include "accessdriver/sql/numbers.h"
@@ -18,7 +19,8 @@ bool isText(ColumnType type) { return type == ColumnType::text || type == Column
 
 bool isNumber(ColumnType type) {
     return type == ColumnType::byte || type == ColumnType::integer || type == ColumnType::longInteger ||
-           type == ColumnType::currency || type == ColumnType::single || type == ColumnType::doubleFloat;
+           type == ColumnType::currency || type == ColumnType::single || type == ColumnType::doubleFloat ||
+           type == ColumnType::numeric;
 }
 
 constexpr double secondsPerDay = 24 * 60 * 60;
@@ -28,7 +30,7 @@ constexpr double currencyUnits = 10000;
 
 Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) {
     struct Maker {
-        ColumnType type;
+        const jet::ColumnInfo& column;
         Key operator()(std::monostate) const { return {}; }
         Key operator()(bool truth) const { return truth ? 1.0 : 0.0; }
         Key operator()(std::int32_t number) const { return static_cast<double>(number); }
@@ -36,13 +38,16 @@ Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) {
             return static_cast<double>(amount.tenThousandths) / currencyUnits;
         }
         Key operator()(double number) const {
-            return type == ColumnType::single ? static_cast<double>(static_cast<float>(number)) : number;
+            return column.type == ColumnType::single ? static_cast<double>(static_cast<float>(number)) : number;
         }
         Key operator()(jet::DateTime date) const { return std::round(date.days * secondsPerDay); }
         Key operator()(const std::string& text) const { return folded(text); }
-        Key operator()(const jet::Bytes&) const { return {}; }
+        Key operator()(const jet::Bytes& bytes) const {
+            if (column.type != ColumnType::numeric) return {};
+            return readNumber(writeDecimal(fromStoredDecimal(bytes, column.scale))).value_or(0);
+        }
     };
-    return std::visit(Maker{column.type}, value);
+    return std::visit(Maker{column}, value);
 }
 
 Key keyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder order) {

@@ -16,30 +16,31 @@ constexpr std::int64_t tenThousand = 10000;
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Adds a digit; false when the result would leave the range.
-bool appendDigit(std::int64_t& value, int digit) {
-    constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+bool appendDigit(std::uint64_t& value, unsigned digit) {
+    constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max() + std::uint64_t{1};  // of a negative amount
     if (value > (most - digit) / 10) return false;
     value = value * 10 + digit;
     return true;
 }
 
-// Plain digits with at most one point, no sign.
-std::optional<std::int64_t> readTenThousandths(std::string_view digits) {
+unsigned digitOf(char c) { return static_cast<unsigned>(c - '0'); }
+
+// Plain digits with at most one point, no sign; the result may be one more than the greatest positive amount.
+std::optional<std::uint64_t> readTenThousandths(std::string_view digits) {
     const std::size_t point = std::min(digits.find('.'), digits.size());
-    std::int64_t value = 0;
+    std::uint64_t value = 0;
     for (const char c : digits.substr(0, point)) {
-        if (!appendDigit(value, c - '0')) return std::nullopt;
+        if (!appendDigit(value, digitOf(c))) return std::nullopt;
     }
     const std::string_view decimals = digits.substr(std::min(point + 1, digits.size()));
     for (std::size_t i = 0; i < currencyDecimals; ++i) {
-        if (!appendDigit(value, i < decimals.size() ? decimals[i] - '0' : 0)) return std::nullopt;
+        if (!appendDigit(value, i < decimals.size() ? digitOf(decimals[i]) : 0)) return std::nullopt;
     }
     if (decimals.size() <= currencyDecimals) return value;
-    const int next = decimals[currencyDecimals] - '0';
+    const unsigned next = digitOf(decimals[currencyDecimals]);
     const bool beyond = decimals.find_first_not_of('0', currencyDecimals + 1) != std::string_view::npos;
     const bool up = next > 5 || (next == 5 && (beyond || value % 2 != 0));
-    if (up && value == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
-    return value + (up ? 1 : 0);
+    return value + (up ? 1U : 0U);
 }
 
 template <class Number>
@@ -81,8 +82,9 @@ std::optional<jet::Currency> readCurrency(std::string_view text) {
         return jet::Currency{static_cast<std::int64_t>(scaled)};
     }
     const auto units = readTenThousandths(text);
-    if (!units) return std::nullopt;
-    return jet::Currency{negative ? -*units : *units};
+    const std::uint64_t most = std::numeric_limits<std::int64_t>::max() + std::uint64_t{negative};
+    if (!units || *units > most) return std::nullopt;
+    return jet::Currency{static_cast<std::int64_t>(negative ? 0 - *units : *units)};
 }
 
 std::string writeNumber(double number) { return shortest(number); }

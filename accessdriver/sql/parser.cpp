@@ -135,10 +135,28 @@ class Parser {
                 term.literal = wordLiteral();
                 break;
             default:
+                if (acceptSymbol('{')) {
+                    term.literal = escapedLiteral();
+                    return term;
+                }
                 return signOrParameter(term);
         }
         advance();
         return term;
+    }
+
+    // {d '2020-01-31'}, {t '10:20:30'}, {ts '2020-01-31 10:20:30'} and {guid '{...}'}.
+    Literal escapedLiteral() {
+        const bool guid = acceptWord("guid");
+        if (!guid && !acceptWord("d") && !acceptWord("ts") && !acceptWord("t")) {
+            refuse("d, t, ts or guid was expected; there are no other escapes.");
+        }
+        if (token_.kind != TokenKind::text) refuse("a text was expected.");
+        Literal literal{.kind = Literal::Kind::text, .text = textOfToken()};
+        if (!guid) literal = dateLiteral();
+        advance();
+        expectSymbol('}', "a closing brace was expected.");
+        return literal;
     }
 
     Term signOrParameter(Term term) {

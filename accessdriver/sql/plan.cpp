@@ -113,12 +113,12 @@ Plan makePlan(const Statement& statement, jet::Database& database) {
 
 std::vector<ResultColumn> resultColumns(const Plan& plan) {
     // Access calls the first column without a name of its own so.
-    if (plan.kind == Statement::Kind::count) return {{"Expr1000", jet::ColumnType::longInteger, 4, false, false, {}}};
+    if (plan.kind == Statement::Kind::count) return {{"Expr1000", jet::ColumnType::longInteger, 4, false}};
     std::vector<ResultColumn> columns;
     for (const std::size_t at : plan.columns) {
         const jet::ColumnInfo& column = plan.table->columns[at];
-        columns.push_back(
-            {column.name, column.type, column.length, !column.required, column.autoNumber, plan.table->name});
+        columns.push_back({column.name, column.type, column.length, !column.required, column.autoNumber,
+                           plan.table->name, column.name, column.precision, column.scale});
     }
     return columns;
 }

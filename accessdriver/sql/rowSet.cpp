@@ -37,8 +37,6 @@ class Unpacker {
   public:
     Unpacker(const std::string& chunk, std::size_t at) : chunk_(chunk), at_(at) {}
 
-    std::size_t at() const { return at_; }
-
     void value(jet::Value& out) {
         const std::size_t type = static_cast<unsigned char>(chunk_[at_++]);
         valueOf<0>(type, out);
@@ -81,25 +79,39 @@ class Unpacker {
 
 }  // namespace
 
-void RowSet::add(const std::vector<jet::Value>& row) {
+void RowSet::add(const Row& row) {
     if (chunks_.empty() || chunks_.back().size() >= chunkBytes) chunks_.emplace_back().reserve(chunkBytes + 1024);
     std::string& chunk = chunks_.back();
+    starts_.push_back({static_cast<std::uint32_t>(chunks_.size() - 1), static_cast<std::uint32_t>(chunk.size())});
     for (const jet::Value& value : row) {
         chunk += static_cast<char>(value.index());
         std::visit([&](const auto& held) { put(chunk, held); }, value);
     }
 }
 
+void RowSet::keepRest() {
+    if (!source_) return;
+    Row row(columns_.size());
+    while (source_->next(row)) add(row);
+    source_.reset();
+}
+
 bool RowSet::next() {
-    if (!chunks_.empty() && at_ >= chunks_.front().size()) {
-        chunks_.pop_front();
-        at_ = 0;
+    if (next_ < starts_.size()) {
+        moveTo(next_);
+        return true;
     }
-    if (chunks_.empty()) return false;
-    Unpacker unpacker(chunks_.front(), at_);
+    if (!source_) return false;
+    if (source_->next(current_)) return true;
+    source_.reset();
+    return false;
+}
+
+void RowSet::moveTo(std::size_t row) {
+    const Place place = starts_[row];
+    Unpacker unpacker(chunks_[place.chunk], place.offset);
     for (jet::Value& value : current_) unpacker.value(value);
-    at_ = unpacker.at();
-    return true;
+    next_ = row + 1;
 }
 
 }  // namespace sql

@@ -28,9 +28,9 @@ Outcome Session::run(const Plan& plan, std::span<const Literal> parameters) {
     }
     switch (plan.kind) {
         case Statement::Kind::insert:
-            return {std::nullopt, insert(plan, parameters)};
+            return {nullptr, insert(plan, parameters)};
         case Statement::Kind::update:
-            return {std::nullopt, update(plan, parameters)};
+            return {nullptr, update(plan, parameters)};
         case Statement::Kind::count:
             return {count(plan, parameters)};
         default:
@@ -130,23 +130,39 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
     return matched;
 }
 
-RowSet Session::select(const Plan& plan, std::span<const Literal> parameters) {
-    RowSet rows(resultColumns(plan));
+std::shared_ptr<RowSet> Session::select(const Plan& plan, std::span<const Literal> parameters) {
+    auto rows = std::make_shared<RowSet>(resultColumns(plan));
     std::vector<jet::Value> row(plan.columns.size());
     eachMatch(plan, parameters, [&](const jet::Cursor& cursor) {
         std::transform(plan.columns.begin(), plan.columns.end(), row.begin(),
-                       [&](auto at) { return cursor.value(at); });
-        rows.add(row);
+                       [&](auto at) { return shown(cursor.value(at), plan.table->columns[at]); });
+        rows->add(row);
     });
     return rows;
 }
 
-RowSet Session::count(const Plan& plan, std::span<const Literal> parameters) {
+std::shared_ptr<RowSet> Session::count(const Plan& plan, std::span<const Literal> parameters) {
     std::int32_t found = 0;
     eachMatch(plan, parameters, [&](const jet::Cursor&) { ++found; });
-    RowSet rows(resultColumns(plan));
-    rows.add({found});
+    auto rows = std::make_shared<RowSet>(resultColumns(plan));
+    rows->add({found});
     return rows;
+}
+
+Session::Group::~Group() {
+    session_.autocommit_ = autocommit_;
+    if (finished_ || !autocommit_ || !session_.open_) return;
+    try {
+        session_.rollback();
+    } catch (...) {
+        // The file says so itself at its next use.
+    }
+}
+
+void Session::Group::finish() {
+    session_.autocommit_ = autocommit_;
+    finished_ = true;
+    if (session_.open_) session_.settle();
 }
 
 void Session::settle() {

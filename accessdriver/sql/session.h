@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 
 #include "accessdriver/jet/database.h"
@@ -14,7 +13,7 @@ namespace sql {
 
 /// What a statement gave: rows, or the number of rows that it changed.
 struct Outcome {
-    std::optional<RowSet> rows;
+    std::shared_ptr<RowSet> rows = nullptr;
     std::int64_t changed = -1;
 };
 
@@ -41,6 +40,24 @@ class Session {
     /// Whether there are changes that neither commit() nor rollback() has settled.
     bool hasOpenChanges() const { return open_; }
 
+    /// Makes one statement of all that run while it lives: under autocommit they are committed by finish(), and undone
+    /// without it.
+    class Group {
+      public:
+        explicit Group(Session& session) : session_(session), autocommit_(session.autocommit_) {
+            session_.autocommit_ = false;
+        }
+        Group(const Group&) = delete;
+        Group& operator=(const Group&) = delete;
+        ~Group();
+        void finish();
+
+      private:
+        Session& session_;
+        bool autocommit_;
+        bool finished_ = false;
+    };
+
     jet::Database& database() const { return *database_; }
 
   private:
@@ -51,8 +68,8 @@ class Session {
 
     std::int64_t insert(const Plan& plan, std::span<const Literal> parameters);
     std::int64_t update(const Plan& plan, std::span<const Literal> parameters);
-    RowSet select(const Plan& plan, std::span<const Literal> parameters);
-    RowSet count(const Plan& plan, std::span<const Literal> parameters);
+    std::shared_ptr<RowSet> select(const Plan& plan, std::span<const Literal> parameters);
+    std::shared_ptr<RowSet> count(const Plan& plan, std::span<const Literal> parameters);
 
     std::vector<jet::Assignment> assignments(const Plan& plan, std::span<const Literal> parameters) const;
     template <class Visit>

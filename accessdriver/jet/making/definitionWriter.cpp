@@ -144,6 +144,10 @@ void writeColumn(Writer& writer, const ColumnSpec& wanted, std::size_t number, c
     putU16(block, column::variableIndexAt, place.variable);
     putU16(block, column::positionAt, number);
     if (text) putU32(block, column::sortOrderAt, generalLegacyOrder);
+    if (wanted.type == ColumnType::numeric) {
+        putU8(block, column::precisionAt, static_cast<std::uint8_t>(wanted.precision));
+        putU8(block, column::scaleAt, static_cast<std::uint8_t>(wanted.scale));
+    }
     putU8(block, column::flagsAt, flags);
     putU8(block, column::moreFlagsAt, text && wanted.compressed ? column::compressedFlag : 0);
     putU16(block, column::fixedOffsetAt, place.offset);

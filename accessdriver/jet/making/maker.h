@@ -16,6 +16,8 @@ struct ColumnSpec {
     int length = 0;  ///< characters of a Text, bytes of a Binary; other types have their own
     bool autoNumber = false;
     bool compressed = true;  ///< texts: characters up to U+00FF may be stored in one byte
+    int precision = 18;      ///< Numeric: digits, and how many of them stand behind the point
+    int scale = 0;
 };
 
 struct IndexSpec {

@@ -64,6 +64,10 @@ Column readColumn(ByteSpan block, std::uint32_t defaultSortOrder) {
     column.variableIndex = getU16(block, column::variableIndexAt);
     column.sortOrder = getU32(block, column::sortOrderAt);
     if ((column.sortOrder & 0xFFFF) == 0) column.sortOrder = defaultSortOrder;
+    if (column.type == ColumnType::numeric) {
+        column.precision = block[column::precisionAt];
+        column.scale = block[column::scaleAt];
+    }
     const std::uint8_t flags = block[column::flagsAt];
     column.fixed = (flags & column::fixedFlag) != 0;
     column.autoNumber = (flags & column::autoNumberFlag) != 0 && column.type == ColumnType::longInteger;
@@ -196,6 +200,8 @@ void describeColumns(TableDefinition& table) {
         info.type = column.type;
         info.length = column.longValue() ? 0 : column.type == ColumnType::text ? column.length / 2 : column.length;
         info.autoNumber = column.autoNumber;
+        info.precision = column.precision;
+        info.scale = column.scale;
         table.info.columns.push_back(std::move(info));
     }
     for (const Index& index : table.indexes) {

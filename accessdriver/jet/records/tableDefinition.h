@@ -24,6 +24,8 @@ struct Column {
     std::uint16_t fixedOffset = 0;  ///< from the start of the fixed area
     std::uint16_t length = 0;       ///< bytes
     std::uint32_t sortOrder = 0;    ///< texts: language, 0, version
+    std::uint8_t precision = 0;     ///< Numeric: digits, and how many of them stand behind the point
+    std::uint8_t scale = 0;
     bool fixed = false;
     bool autoNumber = false;
     bool compressed = false;  ///< compressed text may be written

@@ -48,7 +48,7 @@ inline constexpr std::size_t counterAt = 4, counterSize = 12;
 //        5     2  column number
 //        7     2  index among the variable columns
 //        9     2  column number
-//       11     4  texts: sort order
+//       11     4  texts: sort order; Numeric: digits (1), digits behind the point (1)
 //       15     1  flags
 //       16     1  further flags
 //       17     4  0
@@ -56,8 +56,8 @@ inline constexpr std::size_t counterAt = 4, counterSize = 12;
 //       23     2  length in bytes
 namespace column {
 inline constexpr std::size_t typeAt = 0, constantAt = 1, numberAt = 5, variableIndexAt = 7, positionAt = 9,
-                             sortOrderAt = 11, flagsAt = 15, moreFlagsAt = 16, fixedOffsetAt = 21, lengthAt = 23,
-                             size = 25;
+                             sortOrderAt = 11, precisionAt = 11, scaleAt = 12, flagsAt = 15, moreFlagsAt = 16,
+                             fixedOffsetAt = 21, lengthAt = 23, size = 25;
 inline constexpr std::uint8_t fixedFlag = 0x01, alwaysFlag = 0x02, autoNumberFlag = 0x04, systemFlag = 0x10;
 inline constexpr std::uint8_t compressedFlag = 0x01;
 }  // namespace column

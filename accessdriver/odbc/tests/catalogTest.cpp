@@ -122,9 +122,9 @@ TEST_F(CatalogTest, InfoOfEachKind) {
 
 TEST_F(CatalogTest, AttributesKeepToWhatTheDriverCan) {
     const SQLHSTMT handle = statement_->handle();
-    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_ROW_ARRAY_SIZE, attribute(10), 0), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_CURSOR_TYPE, attribute(SQL_CURSOR_DYNAMIC), 0), SQL_SUCCESS_WITH_INFO);
     EXPECT_EQ(statement_->diagnosis().state, "01S02");
-    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_PARAMSET_SIZE, attribute(10), 0), SQL_ERROR);
+    EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_USE_BOOKMARKS, attribute(SQL_UB_VARIABLE), 0), SQL_ERROR);
     EXPECT_EQ(statement_->diagnosis().state, "HYC00");
     EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_MAX_ROWS, attribute(1), 0), SQL_SUCCESS);
     EXPECT_EQ(tables(nullptr, nullptr).size(), 1U);

@@ -1,0 +1,262 @@
+// Many rows or parameters at once, data at execution, scrolling, and the descriptors behind them.
+
+#include <array>
+#include <cstring>
+
+#include "accessdriver/odbc/tests/client.h"
+
+namespace {
+
+using namespace odbctest;
+
+class BlockTest : public OdbcTest {
+  protected:
+    void SetUp() override {
+        ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(makeCav())));
+        statement_ = std::make_unique<Statement>(connection_);
+        handle_ = statement_->handle();
+    }
+
+    void TearDown() override { statement_.reset(); }
+
+    void prepare(const std::string& text) {
+        ASSERT_EQ(SQLPrepare(handle_, chars(text), SQL_NTS), SQL_SUCCESS) << statement_->diagnosis().message;
+    }
+
+    Texts names() { return Statement(connection_).rows("SELECT name FROM tree"); }
+
+    Connection connection_;
+    std::unique_ptr<Statement> statement_;
+    SQLHSTMT handle_ = nullptr;
+};
+
+struct Animal {
+    char name[8];
+    SQLLEN nameLength;
+    SQLINTEGER oldId;
+    SQLLEN oldIdLength;
+};
+
+TEST_F(BlockTest, ArraysOfParametersAreOneStatement) {
+    std::array<Animal, 4> animals = {
+        {{"Ann", SQL_NTS, 1, 0}, {"left", SQL_NTS, 2, 0}, {"Cathy!", 5, 0, SQL_NULL_DATA}, {"Don", 3, 4, 0}}};
+    std::array<SQLUSMALLINT, 4> wanted = {SQL_PARAM_PROCEED, SQL_PARAM_IGNORE, SQL_PARAM_PROCEED, SQL_PARAM_PROCEED};
+    std::array<SQLUSMALLINT, 4> status{};
+    SQLULEN processed = 0;
+    prepare("INSERT INTO tree (name, weight) VALUES (?, ?)");
+    SQLSetStmtAttr(handle_, SQL_ATTR_PARAM_BIND_TYPE, attribute(sizeof(Animal)), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_PARAMSET_SIZE, attribute(4), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_PARAM_OPERATION_PTR, wanted.data(), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_PARAM_STATUS_PTR, status.data(), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_PARAMS_PROCESSED_PTR, &processed, 0);
+    SQLBindParameter(handle_, 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 8, 0, animals[0].name, 8,
+                     &animals[0].nameLength);
+    SQLBindParameter(handle_, 2, SQL_PARAM_INPUT, SQL_C_SLONG, SQL_INTEGER, 0, 0, &animals[0].oldId, 0,
+                     &animals[0].oldIdLength);
+    ASSERT_EQ(SQLExecute(handle_), SQL_SUCCESS) << statement_->diagnosis().message;
+    EXPECT_EQ(statement_->changed(), 3);
+    EXPECT_EQ(processed, 4U);
+    EXPECT_EQ(status,
+              (std::array<SQLUSMALLINT, 4>{SQL_PARAM_SUCCESS, SQL_PARAM_UNUSED, SQL_PARAM_SUCCESS, SQL_PARAM_SUCCESS}));
+    EXPECT_EQ(Statement(connection_).rows("SELECT name,weight FROM tree"), (Texts{"Ann|1", "Cathy|Null", "Don|4"}));
+
+    // One that fails undoes those before it.
+    SQLBindParameter(handle_, 2, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 8, 0, animals[0].name, 8,
+                     &animals[0].nameLength);
+    std::strcpy(animals[0].name, "7");
+    EXPECT_EQ(SQLExecute(handle_), SQL_ERROR);
+    EXPECT_EQ(statement_->diagnosis().state, "22018");
+    EXPECT_EQ(status[0], SQL_PARAM_SUCCESS);
+    EXPECT_EQ(status[2], SQL_PARAM_ERROR);
+    EXPECT_EQ(status[3], SQL_PARAM_UNUSED);
+    EXPECT_EQ(names().size(), 3U);
+}
+
+TEST_F(BlockTest, DataAtExecutionComesInPieces) {
+    prepare("INSERT INTO tree (name, notes, tag) VALUES (?, ?, 'x')");
+    SQLLEN nameLength = SQL_DATA_AT_EXEC;
+    SQLLEN notesLength = SQL_LEN_DATA_AT_EXEC(6);
+    int first = 0;
+    int second = 0;
+    SQLBindParameter(handle_, 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 255, 0, &first, 0, &nameLength);
+    SQLBindParameter(handle_, 2, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WLONGVARCHAR, 0, 0, &second, 0, &notesLength);
+    for (const bool cancelled : {true, false}) {
+        ASSERT_EQ(SQLExecute(handle_), SQL_NEED_DATA);
+        SQLPOINTER token = nullptr;
+        ASSERT_EQ(SQLParamData(handle_, &token), SQL_NEED_DATA);
+        EXPECT_EQ(token, &first);
+        EXPECT_EQ(SQLPutData(handle_, chars("Zo"), 2), SQL_SUCCESS);
+        if (cancelled) {
+            SQLCancel(handle_);
+            continue;
+        }
+        EXPECT_EQ(SQLPutData(handle_, chars("ë"), SQL_NTS), SQL_SUCCESS);
+        ASSERT_EQ(SQLParamData(handle_, &token), SQL_NEED_DATA);
+        EXPECT_EQ(token, &second);
+        char16_t notes[] = u"a🐹";
+        EXPECT_EQ(SQLPutData(handle_, notes, 4), SQL_SUCCESS) << "half a pair";
+        EXPECT_EQ(SQLPutData(handle_, notes + 2, 2), SQL_SUCCESS) << "and its other half";
+        EXPECT_EQ(SQLParamData(handle_, &token), SQL_SUCCESS);
+    }
+    EXPECT_EQ(Statement(connection_).rows("SELECT name,notes,tag FROM tree"), Texts{"Zoë|a🐹|x"});
+    ASSERT_EQ(SQLExecute(handle_), SQL_NEED_DATA);
+    SQLPOINTER token = nullptr;
+    SQLParamData(handle_, &token);
+    EXPECT_EQ(SQLPutData(handle_, nullptr, SQL_NULL_DATA), SQL_SUCCESS);
+    SQLParamData(handle_, &token);
+    EXPECT_EQ(SQLPutData(handle_, nullptr, 0), SQL_SUCCESS);
+    EXPECT_EQ(SQLParamData(handle_, &token), SQL_SUCCESS);
+    EXPECT_EQ(Statement(connection_).rows("SELECT name,notes FROM tree WHERE id=2"), Texts{"Null|"});
+}
+
+TEST_F(BlockTest, AStaticCursorGoesAnywhereInBlocks) {
+    Statement writer(connection_);
+    for (int i = 1; i <= 7; ++i) writer.outcome("INSERT INTO tree (name) VALUES ('a" + std::to_string(i) + "')");
+    std::array<SQLINTEGER, 3> ids{};
+    std::array<SQLUSMALLINT, 3> status{};
+    SQLULEN fetched = 0;
+    SQLSetStmtAttr(handle_, SQL_ATTR_CURSOR_TYPE, attribute(SQL_CURSOR_STATIC), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_ROW_ARRAY_SIZE, attribute(3), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_ROW_STATUS_PTR, status.data(), 0);
+    SQLSetStmtAttr(handle_, SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
+    SQLBindCol(handle_, 1, SQL_C_SLONG, ids.data(), 0, nullptr);
+    ASSERT_EQ(statement_->run("SELECT id,name FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(statement_->changed(), 7) << "how many rows there are";
+    writer.outcome("UPDATE tree SET name='changed'");
+
+    struct Step {
+        SQLSMALLINT orientation;
+        SQLLEN offset;
+        SQLRETURN result;
+        SQLULEN rows;
+        SQLINTEGER first;
+    };
+    const Step steps[] = {
+        {SQL_FETCH_PRIOR, 0, SQL_NO_DATA, 0, 0},     {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 3, 1},
+        {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 3, 4},      {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 1, 7},
+        {SQL_FETCH_NEXT, 0, SQL_NO_DATA, 0, 0},      {SQL_FETCH_PRIOR, 0, SQL_SUCCESS, 3, 5},
+        {SQL_FETCH_PRIOR, 0, SQL_SUCCESS, 3, 2},     {SQL_FETCH_PRIOR, 0, SQL_SUCCESS_WITH_INFO, 3, 1},
+        {SQL_FETCH_LAST, 0, SQL_SUCCESS, 3, 5},      {SQL_FETCH_ABSOLUTE, -7, SQL_SUCCESS, 3, 1},
+        {SQL_FETCH_ABSOLUTE, 0, SQL_NO_DATA, 0, 0},  {SQL_FETCH_ABSOLUTE, 6, SQL_SUCCESS, 2, 6},
+        {SQL_FETCH_RELATIVE, -4, SQL_SUCCESS, 3, 2}, {SQL_FETCH_ABSOLUTE, 8, SQL_NO_DATA, 0, 0},
+        {SQL_FETCH_FIRST, 0, SQL_SUCCESS, 3, 1}};
+    int number = 0;
+    for (const Step& step : steps) {
+        SCOPED_TRACE(++number);
+        EXPECT_EQ(SQLFetchScroll(handle_, step.orientation, step.offset), step.result);
+        EXPECT_EQ(fetched, step.rows);
+        EXPECT_EQ(status[2], step.rows == 3 ? SQL_ROW_SUCCESS : SQL_ROW_NOROW);
+        if (step.rows > 0) {
+            EXPECT_EQ(ids[0], step.first);
+        }
+    }
+    EXPECT_EQ(statement_->text(2), "a1") << "as it was when the statement ran";
+    EXPECT_EQ(SQLSetPos(handle_, 3, SQL_POSITION, SQL_LOCK_NO_CHANGE), SQL_SUCCESS);
+    EXPECT_EQ(statement_->text(2), "a3");
+    EXPECT_EQ(SQLSetPos(handle_, 4, SQL_POSITION, SQL_LOCK_NO_CHANGE), SQL_ERROR);
+    SQLFreeStmt(handle_, SQL_CLOSE);
+
+    SQLSetStmtAttr(handle_, SQL_ATTR_CURSOR_TYPE, attribute(SQL_CURSOR_FORWARD_ONLY), 0);
+    ASSERT_EQ(statement_->run("SELECT id FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+    EXPECT_EQ(ids[2], 6);
+    EXPECT_EQ(SQLFetchScroll(handle_, SQL_FETCH_FIRST, 0), SQL_ERROR);
+    EXPECT_EQ(statement_->diagnosis().state, "HY106");
+}
+
+TEST_F(BlockTest, DescriptorsTellAndTake) {
+    prepare("SELECT id,dob,price FROM tree WHERE name = ?");
+    SQLHDESC row = nullptr;
+    SQLHDESC variables = nullptr;
+    ASSERT_EQ(SQLGetStmtAttr(handle_, SQL_ATTR_IMP_ROW_DESC, &row, 0, nullptr), SQL_SUCCESS);
+    ASSERT_EQ(SQLGetStmtAttr(handle_, SQL_ATTR_APP_ROW_DESC, &variables, 0, nullptr), SQL_SUCCESS);
+    SQLSMALLINT count = 0;
+    EXPECT_EQ(SQLGetDescField(row, 0, SQL_DESC_COUNT, &count, 0, nullptr), SQL_SUCCESS);
+    EXPECT_EQ(count, 3);
+    std::array<SQLCHAR, 16> name{};
+    SQLSMALLINT type = 0;
+    SQLSMALLINT subtype = 0;
+    EXPECT_EQ(
+        SQLGetDescRec(row, 2, name.data(), name.size(), nullptr, &type, &subtype, nullptr, nullptr, nullptr, nullptr),
+        SQL_SUCCESS);
+    EXPECT_STREQ(reinterpret_cast<const char*>(name.data()), "dob");
+    EXPECT_EQ(type, SQL_DATETIME);
+    EXPECT_EQ(subtype, SQL_CODE_TIMESTAMP);
+    EXPECT_EQ(SQLGetDescField(row, 4, SQL_DESC_NAME, name.data(), name.size(), nullptr), SQL_NO_DATA);
+    EXPECT_EQ(SQLSetDescField(row, 1, SQL_DESC_TYPE, attribute(SQL_INTEGER), 0), SQL_ERROR);
+
+    // The usual way to the digits of a number: type, precision, scale and place of the variable, one by one.
+    Statement(connection_).outcome("INSERT INTO tree (name, price) VALUES ('Ann', -922337203685477.5808)");
+    SQL_NUMERIC_STRUCT price{};
+    SQLSetDescField(variables, 3, SQL_DESC_TYPE, attribute(SQL_C_NUMERIC), 0);
+    SQLSetDescField(variables, 3, SQL_DESC_PRECISION, attribute(19), 0);
+    SQLSetDescField(variables, 3, SQL_DESC_SCALE, attribute(4), 0);
+    ASSERT_EQ(SQLSetDescField(variables, 3, SQL_DESC_DATA_PTR, &price, 0), SQL_SUCCESS);
+    char wanted[] = "ann";
+    SQLBindParameter(handle_, 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 255, 0, wanted, 0, nullptr);
+    ASSERT_EQ(SQLExecute(handle_), SQL_SUCCESS);
+    ASSERT_EQ(SQLFetch(handle_), SQL_SUCCESS) << statement_->diagnosis().message;
+    EXPECT_EQ(price.sign, 0);
+    EXPECT_EQ(price.scale, 4);
+    std::uint64_t digits = 0;
+    std::memcpy(&digits, price.val, sizeof digits);
+    EXPECT_EQ(digits, std::uint64_t{1} << 63) << "the least amount there is";
+    SQLFreeStmt(handle_, SQL_CLOSE);
+
+    // An application's own descriptor serves in the place of the statement's until it is freed.
+    SQLHDESC own = nullptr;
+    ASSERT_EQ(SQLAllocHandle(SQL_HANDLE_DESC, connection_.handle(), &own), SQL_SUCCESS);
+    EXPECT_EQ(SQLCopyDesc(variables, own), SQL_SUCCESS);
+    ASSERT_EQ(SQLSetStmtAttr(handle_, SQL_ATTR_APP_ROW_DESC, own, 0), SQL_SUCCESS);
+    SQLINTEGER id = 0;
+    SQLBindCol(handle_, 1, SQL_C_SLONG, &id, 0, nullptr);
+    ASSERT_EQ(SQLExecute(handle_), SQL_SUCCESS);
+    price = {};
+    ASSERT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+    EXPECT_EQ(id, 1);
+    EXPECT_EQ(price.scale, 4);
+    EXPECT_EQ(SQLFreeHandle(SQL_HANDLE_DESC, own), SQL_SUCCESS);
+    SQLFreeStmt(handle_, SQL_CLOSE);
+    id = 0;
+    ASSERT_EQ(SQLExecute(handle_), SQL_SUCCESS);
+    ASSERT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+    EXPECT_EQ(id, 0) << "bound to the descriptor that is gone";
+}
+
+TEST_F(BlockTest, OldApplicationsAndNames) {
+    SQLHENV environment = nullptr;
+    SQLHDBC old = nullptr;
+    SQLHSTMT statement = nullptr;
+    SQLAllocHandle(SQL_HANDLE_ENV, nullptr, &environment);
+    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC2), 0);
+    SQLAllocHandle(SQL_HANDLE_DBC, environment, &old);
+    const std::string where = "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + (folder() / "a.cav").string() +
+                              ";PWD=" + jet::cavPassword + std::string(1, '\0');
+    ASSERT_TRUE(SQL_SUCCEEDED(SQLDriverConnect(old, nullptr, chars(where), static_cast<SQLSMALLINT>(where.size()),
+                                               nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT)))
+        << "a zero at the end is no part of the text";
+    SQLAllocHandle(SQL_HANDLE_STMT, old, &statement);
+    EXPECT_EQ(SQLExecDirect(statement, chars("UPDATE tree SET name='x' WHERE id=99"), SQL_NTS), SQL_SUCCESS);
+    SQLHSTMT named = nullptr;
+    SQLHSTMT other = nullptr;
+    SQLAllocHandle(SQL_HANDLE_STMT, old, &named);
+    SQLAllocHandle(SQL_HANDLE_STMT, old, &other);
+    std::array<SQLCHAR, 32> name{};
+    EXPECT_EQ(SQLGetCursorName(named, name.data(), name.size(), nullptr), SQL_SUCCESS);
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(name.data())).substr(0, 7), "SQL_CUR");
+    EXPECT_EQ(SQLSetCursorName(named, chars("animals"), SQL_NTS), SQL_SUCCESS);
+    EXPECT_EQ(SQLSetCursorName(other, chars("ANIMALS"), SQL_NTS), SQL_ERROR);
+    EXPECT_EQ(diagnosisOf(SQL_HANDLE_STMT, other).state, "3C000");
+    EXPECT_EQ(SQLForeignKeys(other, nullptr, 0, nullptr, 0, chars("tree"), 4, nullptr, 0, nullptr, 0, nullptr, 0),
+              SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(other), SQL_NO_DATA);
+    SQLFreeStmt(other, SQL_CLOSE);
+    EXPECT_EQ(SQLTablePrivileges(other, nullptr, 0, nullptr, 0, chars("tree"), 4), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(other), SQL_SUCCESS);
+    SQLDisconnect(old);
+    SQLFreeHandle(SQL_HANDLE_DBC, old);
+    SQLFreeHandle(SQL_HANDLE_ENV, environment);
+}
+
+}  // namespace

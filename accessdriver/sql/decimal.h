@@ -1,0 +1,34 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "accessdriver/jet/value.h"
+
+namespace sql {
+
+/// A decimal number of up to 38 digits, so many of them behind the point.
+struct Decimal {
+    bool negative = false;
+    std::array<std::uint8_t, 16> magnitude = {};  ///< without the point, little-endian
+    int scale = 0;
+};
+
+/// Reads a decimal number, with an optional exponent, exactly to so many decimals; further ones are rounded half to
+/// even. Nothing for text that is no number or has more than 38 digits.
+std::optional<Decimal> readDecimal(std::string_view text, int scale);
+
+/// With as many decimals as its scale, as 12.50.
+std::string writeDecimal(const Decimal& number);
+
+/// How many digits the number has, without zeroes before them.
+int digitCount(const Decimal& number);
+
+/// The value as a Decimal column stores it, and back.
+jet::Bytes storedDecimal(const Decimal& number);
+Decimal fromStoredDecimal(const jet::Bytes& stored, int scale);
+
+}  // namespace sql
