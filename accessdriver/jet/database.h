@@ -66,11 +66,11 @@ enum class ColumnType : std::uint8_t {
 struct ColumnInfo {
     std::string name;
     ColumnType type = ColumnType::text;
-    int length = 0;     ///< characters for text, bytes for fixed types, 0 for memo and OLE
-    int precision = 0;  ///< digits of a Numeric
-    int scale = 0;      ///< how many of them stand behind the point
+    int length = 0;  ///< characters for text, bytes for fixed types, 0 for memo and OLE
     bool autoNumber = false;
     bool required = false;  ///< part of a primary key or of an index that takes no nulls
+    int precision = 0;      ///< digits of a Numeric
+    int scale = 0;          ///< how many of them stand behind the point
 };
 
 struct IndexInfo {

@@ -26,6 +26,9 @@ class Attributes {
     /// Throws sql::Error(HY092) for an attribute that is not in the table.
     SQLULEN get(SQLINTEGER attribute) const;
 
+    /// Whether the application has set the attribute.
+    bool isSet(SQLINTEGER attribute) const { return values_.contains(attribute); }
+
     /// True if the value was taken, false if the initial one stands in its place (SQLSTATE 01S02). Throws sql::Error:
     /// HY092 unknown or read-only, HYC00 another value than the only one possible.
     bool set(SQLINTEGER attribute, SQLULEN value);

@@ -1,6 +1,7 @@
 #include "accessdriver/odbc/connection.h"
 
 #include <array>
+#include <chrono>
 
 #include "accessdriver/sql/error.h"
 
@@ -17,7 +18,7 @@ constexpr std::array<AttributeRule, 4> environmentRules = {{
     {SQL_ATTR_OUTPUT_NTS, SQL_TRUE, Takes::onlyInitial},
 }};
 
-// Timeouts are taken and never used: a file answers at once or not at all.
+// The timeout of the login is the time to wait for a file that is in use; others are taken and never used.
 constexpr std::array<AttributeRule, 12> connectionRules = {{
     {SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_ON, Takes::any},
     {SQL_ATTR_ACCESS_MODE, SQL_MODE_READ_WRITE, Takes::any},
@@ -33,6 +34,9 @@ constexpr std::array<AttributeRule, 12> connectionRules = {{
     {SQL_ATTR_CONNECTION_DEAD, SQL_CD_TRUE, Takes::nothing},
 }};
 
+// Another program's commit is over sooner than that.
+constexpr std::chrono::seconds usualWait{3};
+
 }  // namespace
 
 Environment::Environment() : Handle(SQL_HANDLE_ENV), attributes(environmentRules) {}
@@ -40,10 +44,20 @@ Environment::Environment() : Handle(SQL_HANDLE_ENV), attributes(environmentRules
 Connection::Connection(std::shared_ptr<Environment> environment)
     : Handle(SQL_HANDLE_DBC), environment_(std::move(environment)), attributes_(connectionRules) {}
 
-void Connection::open(const std::string& path, const std::string& password, const std::string& source) {
+void Connection::open(const std::string& path, const std::string& password, const std::string& source, bool readOnly) {
     if (session_) throw sql::Error("08002", "The connection is open already.");
     if (path.empty()) throw sql::Error("08001", "The connection string names no file: DBQ is missing or empty.");
-    session_ = std::make_unique<sql::Session>(jet::Database::open(path, password));
+    using Access = jet::OpenOptions::Access;
+    const bool modeGiven = attributes_.isSet(SQL_ATTR_ACCESS_MODE);
+    jet::OpenOptions options;
+    options.wait = usualWait;
+    if (const SQLULEN seconds = attributes_.get(SQL_ATTR_LOGIN_TIMEOUT); seconds > 0) {
+        options.wait = std::chrono::seconds(seconds);
+    }
+    options.access = modeGiven ? Access::write : Access::writeIfAllowed;
+    if (readOnly || attributes_.get(SQL_ATTR_ACCESS_MODE) == SQL_MODE_READ_ONLY) options.access = Access::read;
+    session_ = std::make_unique<sql::Session>(jet::Database::open(path, password, options));
+    attributes_.set(SQL_ATTR_ACCESS_MODE, session_->database().readOnly() ? SQL_MODE_READ_ONLY : SQL_MODE_READ_WRITE);
     session_->setAutocommit(attributes_.get(SQL_ATTR_AUTOCOMMIT) == SQL_AUTOCOMMIT_ON);
     path_ = path;
     source_ = source;
@@ -69,6 +83,9 @@ SQLULEN Connection::attribute(SQLINTEGER attribute) const {
 }
 
 void Connection::setAttribute(SQLINTEGER attribute, SQLULEN value) {
+    if (attribute == SQL_ATTR_ACCESS_MODE && session_ && value != attributes_.get(attribute)) {
+        return diagnostics.warn("01S02", "An open file stays open for what it is.");
+    }
     if (attribute == SQL_ATTR_AUTOCOMMIT) {
         if (value != SQL_AUTOCOMMIT_ON && value != SQL_AUTOCOMMIT_OFF) {
             throw sql::Error("HY024", "Autocommit is on or off.");

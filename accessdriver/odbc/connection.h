@@ -33,8 +33,10 @@ class Connection : public Handle {
 
     std::mutex& mutex() override { return mutex_; }
 
-    /// Opens the file. Throws jet::Error, or sql::Error(08001) without a file's name.
-    void open(const std::string& path, const std::string& password, const std::string& source);
+    /// Opens the file: for reading only if that is asked for here or by the connection's access mode, or if the file
+    /// can't be written and the application has not set the access mode itself.
+    /// Throws jet::Error, or sql::Error(08001) without a file's name.
+    void open(const std::string& path, const std::string& password, const std::string& source, bool readOnly);
 
     /// Closes the file. Throws sql::Error(25000) while changes are neither committed nor rolled back.
     void close();

@@ -9,6 +9,7 @@
 #include "accessdriver/odbc/info.h"
 #include "accessdriver/odbc/statement.h"
 #include "accessdriver/sql/error.h"
+#include "accessdriver/sql/fold.h"
 
 using namespace odbc;
 
@@ -26,17 +27,21 @@ std::string sourcePath(const std::string& source) {
     return path.empty() ? sourceEntry(source, "Database") : path;
 }
 
+bool isYes(std::string_view text) { return text == "1" || sql::sameName(text, "yes") || sql::sameName(text, "true"); }
+
 void openByText(Connection& connection, const std::string& text) {
     const ConnectString given(text);
     const std::string source = given.value("DSN");
     std::string path = given.value("DBQ");
     if (path.empty()) path = given.value("Database");
     std::string password = given.value("PWD");
+    std::string readOnly = given.value("ReadOnly");
     if (!source.empty()) {
         if (path.empty()) path = sourcePath(source);
         if (password.empty()) password = sourceEntry(source, "PWD");
+        if (readOnly.empty()) readOnly = sourceEntry(source, "ReadOnly");
     }
-    connection.open(path, password, source);
+    connection.open(path, password, source, isYes(readOnly));
 }
 
 template <class Char>
@@ -56,7 +61,7 @@ SQLRETURN connect(SQLHDBC raw, const Char* source, SQLSMALLINT sourceLength, con
         const std::string name = utf8From(source, sourceLength);
         std::string secret = utf8From(password, passwordLength);
         if (secret.empty()) secret = sourceEntry(name, "PWD");
-        connection.open(sourcePath(name), secret, name);
+        connection.open(sourcePath(name), secret, name, isYes(sourceEntry(name, "ReadOnly")));
     });
 }
 

@@ -15,7 +15,7 @@ struct Row {
     T value;
 };
 
-constexpr std::array<Row<const char*>, 34> texts = {{
+constexpr std::array<Row<const char*>, 33> texts = {{
     {SQL_ACCESSIBLE_PROCEDURES, "N"},
     {SQL_ACCESSIBLE_TABLES, "Y"},
     {SQL_CATALOG_NAME, "N"},
@@ -23,7 +23,6 @@ constexpr std::array<Row<const char*>, 34> texts = {{
     {SQL_CATALOG_TERM, ""},
     {SQL_COLLATION_SEQ, ""},
     {SQL_COLUMN_ALIAS, "N"},
-    {SQL_DATA_SOURCE_READ_ONLY, "N"},
     {SQL_DBMS_NAME, "ACCESS"},
     {SQL_DBMS_VER, "04.00.0000"},
     {SQL_DESCRIBE_PARAMETER, "Y"},
@@ -210,6 +209,9 @@ const auto* find(const Table& table, SQLUSMALLINT type) {
 Info infoOf(const Connection& connection, SQLUSMALLINT type) {
     if (type == SQL_DATA_SOURCE_NAME) return connection.source();
     if (type == SQL_DATABASE_NAME) return connection.path();
+    if (type == SQL_DATA_SOURCE_READ_ONLY) {
+        return std::string(connection.attribute(SQL_ATTR_ACCESS_MODE) == SQL_MODE_READ_ONLY ? "Y" : "N");
+    }
     if (const auto* text = find(texts, type)) return std::string(text->value);
     if (const auto* number = find(shorts, type)) return number->value;
     if (const auto* number = find(numbers, type)) return number->value;

@@ -72,6 +72,9 @@ class OdbcLink {
 
     /// What went wrong, or nothing.
     std::optional<Diagnosis> open(const std::string& connectionString) {
+        // Asked for by name, for a driver may open a file that can't be written for reading, and every row be refused.
+        SQLSetConnectAttr(connection_.get(), SQL_ATTR_ACCESS_MODE, reinterpret_cast<SQLPOINTER>(SQL_MODE_READ_WRITE),
+                          0);
         SQLSMALLINT completed = 0;
         std::array<SQLCHAR, 1024> out{};
         const SQLRETURN result =

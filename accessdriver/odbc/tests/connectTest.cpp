@@ -103,6 +103,42 @@ TEST_F(ConnectTest, AFileWithoutPermissionIsRefused) {
     EXPECT_EQ(connecting(file), "08001 -1002");
 }
 
+// A file that can't be written opens for reading, but not for an application that has asked for writing.
+TEST_F(ConnectTest, ReadOnlyFilesAndConnections) {
+    const fs::path file = makeCav();
+    const std::string where =
+        "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + file.string() + ";PWD=" + jet::cavPassword;
+    const auto expectReading = [](Connection& connection) {
+        Statement statement(connection);
+        EXPECT_EQ(statement.rows("SELECT id FROM cavyUser"), Texts{"1"});
+        EXPECT_EQ(statement.outcome("INSERT INTO tree (name) VALUES ('Ann')").substr(0, 5), "HY000");
+    };
+    {
+        Connection asked;
+        ASSERT_TRUE(SQL_SUCCEEDED(asked.openText(where + ";ReadOnly=1")));
+        expectReading(asked);
+        Connection mode;
+        SQLSetConnectAttr(mode.handle(), SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_ONLY), 0);
+        ASSERT_TRUE(SQL_SUCCEEDED(mode.openText(where)));
+        expectReading(mode);
+        const int other = ::open(file.c_str(), O_RDWR);
+        EXPECT_EQ(::flock(other, LOCK_SH | LOCK_NB), 0) << "other programs may read beside them";
+        ::close(other);
+    }
+    fs::permissions(file, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
+    fs::permissions(folder(), fs::perms::all);
+    fs::permissions(registrationFolder(), fs::perms::all);
+    const OrdinaryUser user;
+    if (::eaccess(DRIVER_LIBRARY, R_OK) != 0) GTEST_SKIP() << "an ordinary user can't load the driver here";
+    Connection usual;
+    ASSERT_TRUE(SQL_SUCCEEDED(usual.openText(where)));
+    expectReading(usual);
+    Connection writer;
+    SQLSetConnectAttr(writer.handle(), SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_WRITE), 0);
+    EXPECT_FALSE(SQL_SUCCEEDED(writer.openText(where)));
+    EXPECT_EQ(writer.diagnosis().native, -1002);
+}
+
 TEST_F(ConnectTest, TwoConnectionsOfOneProgramShareTheFile) {
     const fs::path file = makeCav();
     Connection first;
