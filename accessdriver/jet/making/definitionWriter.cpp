@@ -188,7 +188,7 @@ void writeIndex(Writer& writer, PageAccess& pages, const TableSpec& table, const
     std::uint8_t flags = physicalIndex::alwaysFlag;
     if (wanted.primaryKey || wanted.unique) flags |= physicalIndex::uniqueFlag;
     if (wanted.ignoreNulls) flags |= physicalIndex::ignoreNullsFlag;
-    if (wanted.primaryKey || wanted.required) flags |= physicalIndex::requiredFlag;
+    if (wanted.required) flags |= physicalIndex::requiredFlag;
     putU8(block, physicalIndex::flagsAt, flags);
 }
 
@@ -236,8 +236,7 @@ void storeDefinition(PageAccess& pages, std::uint32_t firstPage, const std::vect
 
 }  // namespace
 
-std::uint32_t createTable(PageAccess& pages, const TableSpec& table, TableKind kind) {
-    const std::uint32_t definition = allocatePage(pages).number();
+void createTable(PageAccess& pages, const TableSpec& table, TableKind kind, std::uint32_t definition) {
     const Layout layout(table);
     MapMaker maps(pages);
     Writer writer;
@@ -250,7 +249,6 @@ std::uint32_t createTable(PageAccess& pages, const TableSpec& table, TableKind k
     writeLongColumns(writer, table, maps);
     putU32(writer.bytes(), lengthAt, static_cast<std::uint32_t>(writer.bytes().size()));
     storeDefinition(pages, definition, writer.bytes());
-    return definition;
 }
 
 }  // namespace jet

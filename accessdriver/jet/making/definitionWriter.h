@@ -9,8 +9,8 @@ namespace jet {
 
 enum class TableKind { user, system };
 
-/// Creates an empty table: definition, usage maps, index roots. Returns the page of its definition; the caller enters
-/// it into the catalog. Within a Statement. Throws Error(badValue) for a description that makes no sense.
-std::uint32_t createTable(PageAccess& pages, const TableSpec& table, TableKind kind);
+/// Creates an empty table: definition, which begins on this page, usage maps, index roots. The caller enters it into
+/// the catalog. Within a Statement. Throws Error(badValue) for a description that makes no sense.
+void createTable(PageAccess& pages, const TableSpec& table, TableKind kind, std::uint32_t definition);
 
 }  // namespace jet

@@ -3,37 +3,15 @@
 #include <unistd.h>
 
 #include "accessdriver/jet/failure.h"
-#include "accessdriver/jet/making/definitionWriter.h"
+#include "accessdriver/jet/making/systemTables.h"
 #include "accessdriver/jet/records/text.h"
 #include "accessdriver/jet/storage/header.h"
 #include "accessdriver/jet/storage/sharedFile.h"
 #include "accessdriver/jet/storage/usageMapRow.h"
-#include "accessdriver/jet/tables/catalog.h"
-#include "accessdriver/jet/tables/tableStore.h"
 
 namespace jet {
 
 namespace {
-
-// Any day will do, but the same one each time makes files that can be compared.
-constexpr double creationDate = 38000.5;
-
-TableSpec catalogSpec() {
-    const auto text = [](const char* name) { return ColumnSpec{name, ColumnType::text, 255, false, true}; };
-    const auto of = [](const char* name, ColumnType type, int length = 0) {
-        return ColumnSpec{name, type, length, false, false};
-    };
-    return {catalogName,
-            {of("Id", ColumnType::longInteger), of("ParentId", ColumnType::longInteger), text("Name"),
-             of("Type", ColumnType::integer), of("DateCreate", ColumnType::dateTime),
-             of("DateUpdate", ColumnType::dateTime), of("Owner", ColumnType::binary, 510),
-             of("Flags", ColumnType::longInteger), of("Database", ColumnType::memo), of("Connect", ColumnType::memo),
-             text("ForeignName"), of("RmtInfoShort", ColumnType::binary, 510), of("RmtInfoLong", ColumnType::ole),
-             of("Lv", ColumnType::ole), of("LvProp", ColumnType::ole), of("LvModule", ColumnType::ole),
-             of("LvExtra", ColumnType::ole)},
-            {{"ParentIdName", {"ParentId", "Name"}, false, true, false, false, {}},
-             {"Id", {"Id"}, true, true, false, true, {}}}};
-}
 
 // Page 0 and page 1: the header and the map of free pages, in which everything from page 2 on is free.
 void writeFirstPages(const std::string& path, const std::string& password) {
@@ -59,31 +37,6 @@ void writeFirstPages(const std::string& path, const std::string& password) {
     file.writeAt(0, ByteSpan(bytes));
 }
 
-void enter(TableStore& catalog, std::int32_t id, std::int32_t parent, const std::string& name, std::int32_t type,
-           std::uint32_t flags) {
-    const std::vector<Assignment> row = {{0, id},
-                                         {1, parent},
-                                         {2, name},
-                                         {3, type},
-                                         {4, DateTime{creationDate}},
-                                         {5, DateTime{creationDate}},
-                                         {7, static_cast<std::int32_t>(flags)}};
-    catalog.insert(row);
-}
-
-void enterTables(PageAccess& pages, const std::vector<TableSpec>& tables) {
-    constexpr std::int32_t rootParent = 0x0F000000;
-    const std::uint32_t page = createTable(pages, catalogSpec(), TableKind::system);
-    TableStore catalog(pages, readTableDefinition(pages, page, catalogName, 0));
-    enter(catalog, catalog::tablesParent, rootParent, "Tables", catalog::containerType, catalog::systemFlags);
-    enter(catalog, static_cast<std::int32_t>(page), catalog::tablesParent, catalogName, catalog::tableType,
-          catalog::systemFlags & ~2U);
-    for (const TableSpec& table : tables) {
-        const std::uint32_t definition = createTable(pages, table, TableKind::user);
-        enter(catalog, static_cast<std::int32_t>(definition), catalog::tablesParent, table.name, catalog::tableType, 0);
-    }
-}
-
 }  // namespace
 
 void makeFile(const std::string& path, const MakeOptions& options) {
@@ -95,7 +48,8 @@ void makeFile(const std::string& path, const MakeOptions& options) {
     try {
         PageAccess pages(file->pager());
         PageAccess::Statement statement(pages);
-        enterTables(pages, options.tables);
+        makeSystemTables(pages);
+        for (const TableSpec& table : options.tables) enterTable(pages, table);
         statement.finish();
         pages.commit();
         file->noteCommit();

@@ -5,9 +5,10 @@
 #include <vector>
 
 #include "accessdriver/jet/database.h"
+#include "accessdriver/jet/records/properties.h"
 
-// Makes minimal Access files for samples and tests: header, free-page map, catalog, tables. The driver itself creates
-// no files.
+// Makes Access files for samples and tests: header, free-page map, system tables, user tables. The driver itself
+// creates no files.
 namespace jet {
 
 struct ColumnSpec {
@@ -23,7 +24,7 @@ struct ColumnSpec {
 struct IndexSpec {
     std::string name;
     std::vector<std::string> columns;
-    bool primaryKey = false;  ///< unique and required as well
+    bool primaryKey = false;  ///< its columns have to be unique and required too
     bool unique = false;
     bool ignoreNulls = false;
     bool required = false;
@@ -34,6 +35,7 @@ struct TableSpec {
     std::string name;
     std::vector<ColumnSpec> columns;
     std::vector<IndexSpec> indexes;
+    std::vector<PropertyList> properties = {};
 };
 
 struct MakeOptions {

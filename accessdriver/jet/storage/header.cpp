@@ -15,6 +15,7 @@ namespace {
 //     0x04    16  "Standard Jet DB" and a zero
 //     0x14     1  version: 0 Jet 3, 1 Jet 4, more: later formats
 //     0x18   128  masked with a fixed stream of bytes:
+//     0x18    24    where the parts that every file has lie: rows 0 and 1 of page 1, then pages 2 to 5
 //     0x3C     2    code page
 //     0x3E     4    key of the page encoding, 0 for none
 //     0x42    40    password, UTF-16, masked once more with the creation day
@@ -22,15 +23,19 @@ namespace {
 //     0x71     1    version of the sort order
 //     0x72     8    creation date
 //     0x98     7  constant in every known file
+//    0xE00   512  states of up to 256 users, two bytes each
 constexpr std::size_t nameAt = 0x04, nameSize = 16, versionAt = 0x14, maskedAt = 0x18, maskedSize = 128,
-                      codePageAt = 0x3C, pageKeyAt = 0x3E, passwordAt = 0x42, passwordSize = 40, languageAt = 0x6E,
-                      sortVersionAt = 0x71, creationAt = 0x72, tailAt = 0x98;
+                      fixedPartsAt = 0x18, codePageAt = 0x3C, pageKeyAt = 0x3E, passwordAt = 0x42, passwordSize = 40,
+                      languageAt = 0x6E, sortVersionAt = 0x71, creationAt = 0x72, tailAt = 0x98, usersAt = 0xE00,
+                      userSize = 2, userCount = 256;
 static_assert(passwordAt == pageKeyAt + 4 && passwordSize == 2 * maxPasswordUnits);
 
 constexpr std::string_view jetName("Standard Jet DB\0", nameSize);
 constexpr std::string_view laterName("Standard ACE DB\0", nameSize);
 constexpr std::uint8_t jet3 = 0, jet4 = 1;
 constexpr std::uint16_t westernCodePage = 1252, generalLanguage = 0x0409;
+constexpr std::array<std::uint32_t, 6> fixedParts = {0x100, 0x101, 2, 3, 4, 5};
+constexpr std::uint16_t idleUser = 0x0100, firstUser = 0x0101;
 constexpr std::array<std::uint8_t, 7> tail = {0x54, 0x06, 0x00, 0x00, 0x34, 0x2E, 0x30};
 
 // The first bytes of the RC4 stream of this key mask the header.
@@ -112,6 +117,7 @@ void writeHeader(PageBytes page, const std::u16string& password, double creation
     page[1] = 1;
     std::copy(jetName.begin(), jetName.end(), page.begin() + nameAt);
     page[versionAt] = jet4;
+    for (std::size_t i = 0; i < fixedParts.size(); ++i) putU32(page, fixedPartsAt + 4 * i, fixedParts[i]);
     putU16(page, codePageAt, westernCodePage);
     for (std::size_t i = 0; i < std::min(password.size(), maxPasswordUnits); ++i) {
         putU16(page, passwordAt + 2 * i, password[i]);
@@ -121,6 +127,7 @@ void writeHeader(PageBytes page, const std::u16string& password, double creation
     maskPassword(page);
     maskHeader(page);
     std::copy(tail.begin(), tail.end(), page.begin() + tailAt);
+    for (std::size_t i = 0; i < userCount; ++i) putU16(page, usersAt + userSize * i, i == 0 ? firstUser : idleUser);
 }
 
 }  // namespace jet

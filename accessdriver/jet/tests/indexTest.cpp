@@ -214,10 +214,10 @@ TEST_F(IndexTest, uniqueNullAndCompositeRules) {
     EXPECT_EQ(findings(*database), "");
 }
 
-// Changes one byte of the file behind the first place where pattern stands after the catalog's definition.
+// Changes one byte of the file behind the first place where pattern stands after the system tables' definitions.
 void patch(const std::string& path, const std::string& pattern, std::size_t at, char byte) {
     std::string bytes = readWhole(path);
-    const std::size_t found = bytes.find(pattern, 3 * pageSize);
+    const std::size_t found = bytes.find(pattern, 6 * pageSize);
     ASSERT_NE(found, std::string::npos);
     bytes[found + at] = byte;
     writeWhole(path, bytes);

@@ -71,6 +71,34 @@ TEST_F(OutsideReader, seesTheTablesThatWereMade) {
     EXPECT_NE(schema.find("[customfield15]\t\t\tText (255)"), std::string::npos) << schema;
     const std::string user = *outputOf("mdb-export -H " + path + " cavyUser");
     EXPECT_EQ(user.substr(0, 2), "1,");
+    EXPECT_TRUE(readWhole(path) == readWhole(JET_SOURCE_ROOT "/samples/empty.cav")) << "make the sample anew";
+}
+
+// Without these Access takes a file for damaged, and other libraries look for a parent in vain.
+TEST_F(OutsideReader, seesWhatAccessExpectsBesideTheTables) {
+    const std::string path = folder.file("made.mdb");
+    makeFile(path, {"", {{"t", {{"a", ColumnType::text, 5, false, true}}, {}}}});
+    const auto objects = outputOf("mdb-export -H -b hex -T day " + path + " MSysObjects");
+    if (!objects) GTEST_SKIP() << "mdbtools is not installed";
+    std::string places;
+    for (const std::string& line : linesOf(*objects)) places += line.substr(0, line.find("\",") + 4) + "\n";
+    EXPECT_EQ(places,
+              "251658241,251658240,\"Tables\",3,\n251658242,251658240,\"Databases\",3,\n"
+              "251658243,251658240,\"Relationships\",3,\n268435456,251658242,\"MSysDb\",2,\n"
+              "2,251658241,\"MSysObjects\",1,\n3,251658241,\"MSysACEs\",1,\n4,251658241,\"MSysQueries\",1,\n"
+              "5,251658241,\"MSysRelationships\",1,\n20,251658241,\"t\",1,\n");
+    EXPECT_EQ(linesOf(*objects).size(), 9U);
+    EXPECT_EQ(objects->find(",,-2147483648"), std::string::npos) << "an object without an owner";
+    EXPECT_EQ(linesOf(*outputOf("mdb-export -H " + path + " MSysRelationships")).size(), 0U);
+    const std::string rights = *outputOf("mdb-export -H -b hex " + path + " MSysACEs");
+    for (const char* id : {"251658241", "251658242", "251658243", "268435456", "2", "3", "4", "5", "20"}) {
+        EXPECT_NE(("\n" + rights).find("\n" + std::string(id) + ",\"A"), std::string::npos) << id;
+    }
+    EXPECT_NE(outputOf("mdb-prop " + path + " MSysDb")->find("AccessVersion: 08.50"), std::string::npos);
+    // The places of the fixed parts and of the users' states, as every file of Access has them.
+    const std::string header = readWhole(path).substr(0, pageSize);
+    EXPECT_EQ(header.substr(0x18, 12), std::string("\xB5\x6E\x03\x62\x60\x09\xC2\x55\xE9\xA9\x67\x72"));
+    EXPECT_EQ(header.substr(0xE00, 4), std::string("\1\1\0\1", 4));
 }
 
 TEST_F(OutsideReader, readsEveryValueBack) {
