@@ -48,7 +48,7 @@ struct Told {
 
 class Herd {
   public:
-    explicit Herd(bool withSex) : withSex_(withSex) {}
+    Herd(bool withSex, Kind kind) : withSex_(withSex), kind_(kind) {}
 
     std::string make(int animals) {
         out_ = headings;
@@ -66,11 +66,20 @@ class Herd {
     }
 
     std::string makeName() {
+        if (kind_ == Kind::oneName) return "Bella";
+        if (kind_ == Kind::wildcards) return std::string(letter()) + letter();
         std::string name = oneOf(firstWords);
         const std::string second = oneOf(secondWords);
         if (!second.empty()) name += (below(12) == 0 ? " o' " : " ") + second;
         if (below(3) != 0) name += " " + std::to_string(below(2000));
         return name;
+    }
+
+    /// Or a wildcard.
+    const char* letter() {
+        static constexpr const char* letters[] = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l", "m", "%",
+                                                  "n", "o", "p", "q", "r", "s", "t", "u", "v", "w", "x", "y", "z", "_"};
+        return oneOf(letters);
     }
 
     std::string date(int number) {
@@ -79,8 +88,10 @@ class Herd {
     }
 
     Told tell(const std::vector<Animal>& parents) {
-        if (parents.empty() || below(20) == 0) return {};
+        if (parents.empty() || (kind_ != Kind::twoParents && below(20) == 0)) return {};
         const Animal& parent = parents[below(parents.size())];
+        if (kind_ == Kind::twoParents) return {parent.id, ""};
+        if (kind_ == Kind::wildcards) return {"", std::string(letter()) + (below(2) == 0 ? "%" : "_%") + letter()};
         switch (below(10)) {
             case 0:
                 return {"X" + std::to_string(below(5000)), ""};
@@ -104,7 +115,8 @@ class Herd {
 
     void addAnimal(int number) {
         const int id = 10001 + number;
-        const Animal animal{(below(10) == 0 ? "K" : "") + std::to_string(id), makeName(), oneOf(prefixes)};
+        const Animal animal{(below(10) == 0 ? "K" : "") + std::to_string(id), makeName(),
+                            kind_ == Kind::wildcards ? "" : oneOf(prefixes)};
         const Told sire = tell(sires_);
         const Told dam = tell(dams_);
         cell(animal.id);
@@ -129,11 +141,13 @@ class Herd {
         cell(below(8) == 0 ? "$" + std::to_string(100 + below(900)) : "");
         for (int field = 1; field < 15; ++field) cell(below(3) == 0 ? "v" + std::to_string(below(1000)) : "");
         out_.append("end\n");
-        if (number % 30 == 0) sires_.push_back(animal);
-        if (number % 8 == 1) dams_.push_back(animal);
+        // Two lists of different animals.
+        if (number % (kind_ == Kind::twoParents ? 2 : 30) == 0) sires_.push_back(animal);
+        if (number % (kind_ == Kind::twoParents ? 2 : 8) == 1) dams_.push_back(animal);
     }
 
     bool withSex_;
+    Kind kind_;
     std::mt19937 random_{20240229};
     std::string out_;
     std::vector<Animal> sires_;
@@ -142,6 +156,6 @@ class Herd {
 
 }  // namespace
 
-std::string makeHerd(int animals, bool withSex) { return Herd(withSex).make(animals); }
+std::string makeHerd(int animals, bool withSex, Kind kind) { return Herd(withSex, kind).make(animals); }
 
 }  // namespace bench

@@ -7,73 +7,75 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <limits>
 #include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "bench/encrypt.h"
 #include "bench/herd.h"
 #include "bench/process.h"
 
 namespace {
 
-constexpr int sizes[] = {1000, 9899, 98999};
+using bench::Kind;
 
-/// What is measured at each size. A time is in seconds, memory in MiB above the idle program, a gap in milliseconds.
-struct Result {
-    double seconds = 1e9;
-    double memory = 0;
-    double gap = 1e9;
-};
-
-struct Figures {
-    Result toRsd, toRsdNoSex, toCsv, toCav, toCavNoSex, rsdToCav;
-    double import = 1e9, importNoSex = 1e9, select = 1e9;
-};
-
-struct Route {
+struct Herd {
     const char* name;
-    Result Figures::*result;
+    Kind kind;
+    int animals;
 };
-constexpr Route routes[] = {{"CSV to RSD", &Figures::toRsd},
-                            {"CSV to RSD without a sex column", &Figures::toRsdNoSex},
-                            {"RSD to CSV", &Figures::toCsv},
-                            {"CSV to CAV", &Figures::toCav},
-                            {"CSV to CAV without a sex column", &Figures::toCavNoSex},
-                            {"RSD to CAV", &Figures::rsdToCav}};
+/// The columns of the table.
+constexpr Herd herds[] = {{"kept, 1,000", Kind::kept, 1000},          {"kept, 9,899", Kind::kept, 9899},
+                          {"kept, 98,999", Kind::kept, 98999},        {"two parents, 98,999", Kind::twoParents, 98999},
+                          {"one name, 98,999", Kind::oneName, 98999}, {"wildcards, 98,999", Kind::wildcards, 98999}};
+
+/// Times of a herd by what was run, in seconds.
+using Seconds = std::map<std::string, double>;
+
+void keepBest(Seconds& seconds, const std::string& name, double time) {
+    const auto [place, isFirst] = seconds.try_emplace(name, time);
+    if (!isFirst) place->second = std::min(place->second, time);
+}
+
+/// What a route's process saw of itself.
+struct Seen {
+    double firstWindow = std::numeric_limits<double>::max();  ///< in ms
+    double idle = 0;                                          ///< in KiB, as the next
+    double peak = 0;
+    double gap = std::numeric_limits<double>::max();  ///< in ms
+};
 
 class Bench {
   public:
     Bench(std::filesystem::path build, std::filesystem::path folder)
         : build_(std::move(build)), folder_(std::move(folder)) {}
 
-    void measure(int animals) {
-        Figures& figures = figures_[animals];
+    void measure(const Herd& herd) {
+        Seconds& seconds = seconds_[herd.name];
         for (const bool withSex : {true, false}) {
-            const std::string csv = herd(animals, withSex);
-            (withSex ? figures.import : figures.importNoSex) =
-                std::min(withSex ? figures.import : figures.importNoSex, import(csv));
-            route(withSex ? figures.toRsd : figures.toRsdNoSex, "Csv", "Rsd", csv);
-            route(withSex ? figures.toCav : figures.toCavNoSex, "Csv", "Cav", csv);
+            const std::string sexes = withSex ? "" : ", sexes derived";
+            const std::string csv = path(withSex ? "sex.csv" : "nosex.csv");
+            std::ofstream(csv, std::ios::binary) << bench::makeHerd(herd.animals, withSex, herd.kind);
+            keepBest(seconds, "sqlite3 .import" + sexes, import(csv));
+            route(herd, "CSV to RSD" + sexes, "Csv", "Rsd", csv);
+            route(herd, "CSV to CAV" + sexes, "Csv", "Cav", csv);
         }
-        const std::string rsd = path("herd-" + std::to_string(animals) + "-sex.cax");
-        figures.select = std::min(figures.select, select(rsd));
-        route(figures.toCsv, "Rsd", "Csv", rsd);
-        route(figures.rsdToCav, "Rsd", "Cav", rsd);
+        const std::string rsd = path("sex.cax");
+        const std::string encrypted = path("encrypted.rsd");
+        bench::encrypt(rsd, encrypted);
+        keepBest(seconds, "sqlite3 -csv", select(rsd));
+        route(herd, "RSD to CSV", "Rsd", "Csv", rsd);
+        route(herd, "RSD to CSV, encrypted", "Rsd", "Csv", encrypted);
+        route(herd, "RSD to CAV", "Rsd", "Cav", rsd);
     }
 
     void print() const;
 
   private:
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
-
-    std::string herd(int animals, bool withSex) const {
-        std::string csv = path("herd-" + std::to_string(animals) + (withSex ? "-sex" : "-nosex") + ".csv");
-        std::filesystem::remove(path(std::filesystem::path(csv).stem().string() + ".cax"));
-        std::ofstream(csv, std::ios::binary) << bench::makeHerd(animals, withSex);
-        return csv;
-    }
 
     /// sqlite3 .import into a table with a text column for each column of the file.
     double import(const std::string& csv) const {
@@ -100,89 +102,86 @@ class Bench {
         return bench::run({"sqlite3", "-csv", rsd, sql}, path("sqlite3.csv"));
     }
 
-    /// Every question is answered Yes.
-    void route(Result& best, const std::string& from, const std::string& to, const std::string& file) {
+    /// Into a new file; every question is answered Yes.
+    void route(const Herd& herd, const std::string& name, const std::string& from, const std::string& to,
+               const std::string& file) {
         const std::string cav = path("herd.cav");
         if (to == "Cav") bench::run({build_ / "makecav", cav}, path("makecav.txt"));
-        const double seconds =
-            bench::run({build_ / "bench_route", "@start", from, to, file, cav, "Yes", "Yes", "Yes"}, path("route.txt"));
-        double firstWindow = 0;
-        double idle = 0;
-        double memory = 0;
-        double gap = 0;
-        std::ifstream(path("route.txt")) >> firstWindow >> idle >> memory >> gap;
-        best.seconds = std::min(best.seconds, seconds);
-        best.memory = std::max(best.memory, memory / 1024);
-        best.gap = std::min(best.gap, gap);
-        firstWindow_ = std::min(firstWindow_, firstWindow / 1000);
-        idle_ = std::max(idle_, idle / 1024);
+        if (to == "Rsd") std::filesystem::remove(std::filesystem::path(file).replace_extension("cax"));
+        keepBest(seconds_[herd.name], name,
+                 bench::run({build_ / "bench_route", "@start", from, to, file, cav, "Yes", "Yes", "Yes"},
+                            path("route.txt")));
+        Seen seen;
+        std::ifstream(path("route.txt")) >> seen.firstWindow >> seen.idle >> seen.peak >> seen.gap;
+        Seen& all = seen_[herd.name][name];
+        all.firstWindow = std::min(all.firstWindow, seen.firstWindow);
+        all.idle = std::max(all.idle, seen.idle);
+        all.peak = std::max(all.peak, seen.peak);
+        all.gap = std::min(all.gap, seen.gap);
+    }
+
+    /// Of all routes of a herd.
+    double most(const Herd& herd, double Seen::*figure) const {
+        double greatest = 0;
+        for (const auto& [route, seen] : seen_.at(herd.name)) greatest = std::max(greatest, seen.*figure);
+        return greatest;
+    }
+
+    void printRow(const std::string& name, const char* format, const std::string& limit,
+                  const std::function<double(const Herd&)>& value) const {
+        std::printf("| %s |", name.c_str());
+        for (const Herd& herd : herds) {
+            std::printf(" ");
+            std::printf(format, value(herd));
+            std::printf(" |");
+        }
+        std::printf(" %s |\n", limit.c_str());
+    }
+
+    void printSeconds(const std::string& name) const {
+        printRow(name + ", s", "%.3f", "", [&](const Herd& herd) { return seconds_.at(herd.name).at(name); });
+    }
+
+    void printRatio(const std::string& name, const std::string& other, const std::string& limit) const {
+        printRow("**" + name + " / " + other + "**", "%.2f", limit,
+                 [&](const Herd& herd) { return seconds_.at(herd.name).at(name) / seconds_.at(herd.name).at(other); });
     }
 
     std::filesystem::path build_;
     std::filesystem::path folder_;
-    std::map<int, Figures> figures_;
-    double firstWindow_ = 1e9;
-    double idle_ = 0;
+    std::map<std::string, Seconds> seconds_;
+    std::map<std::string, std::map<std::string, Seen>> seen_;  ///< by herd and route
 };
 
-/// One line of the table; figures that do not exist at a size are left out by the caller.
-void row(const std::string& name, const std::vector<double>& values, const char* format, const std::string& limit) {
-    std::printf("| %s |", name.c_str());
-    for (const double value : values) {
-        std::printf(" ");
-        std::printf(format, value);
-        std::printf(" |");
-    }
-    std::printf(" %s |\n", limit.c_str());
-}
-
 void Bench::print() const {
-    const auto rowOf = [&](const std::string& name, auto value, const char* format, const std::string& limit) {
-        std::vector<double> values;
-        for (const int size : sizes) values.push_back(value(figures_.at(size)));
-        row(name, values, format, limit);
-    };
-    std::printf("| | 1,000 | 9,899 | 98,999 | not above |\n|---|---|---|---|---|\n");
-    rowOf(
-        "CSV to RSD, s", [](const Figures& f) { return f.toRsd.seconds; }, "%.3f", "");
-    rowOf(
-        "sqlite3 .import, s", [](const Figures& f) { return f.import; }, "%.3f", "");
-    rowOf(
-        "ratio", [](const Figures& f) { return f.toRsd.seconds / f.import; }, "%.2f", "4 at 98,999");
-    rowOf(
-        "CSV to RSD without a sex column, s", [](const Figures& f) { return f.toRsdNoSex.seconds; }, "%.3f", "");
-    rowOf(
-        "sqlite3 .import, s", [](const Figures& f) { return f.importNoSex; }, "%.3f", "");
-    rowOf(
-        "ratio", [](const Figures& f) { return f.toRsdNoSex.seconds / f.importNoSex; }, "%.2f", "5 at 98,999");
-    rowOf(
-        "RSD to CSV, s", [](const Figures& f) { return f.toCsv.seconds; }, "%.3f", "");
-    rowOf(
-        "sqlite3 -csv, s", [](const Figures& f) { return f.select; }, "%.3f", "");
-    rowOf(
-        "ratio", [](const Figures& f) { return f.toCsv.seconds / f.select; }, "%.2f", "1.5 at 98,999");
-    rowOf(
-        "CSV to CAV, s", [](const Figures& f) { return f.toCav.seconds; }, "%.3f", "");
-    rowOf(
-        "CSV to CAV without a sex column, s", [](const Figures& f) { return f.toCavNoSex.seconds; }, "%.3f", "");
-    rowOf(
-        "RSD to CAV, s", [](const Figures& f) { return f.rsdToCav.seconds; }, "%.3f", "");
-    const auto most = [](const Figures& f, double Result::*figure) {
-        double greatest = 0;
-        for (const Route& route : routes) greatest = std::max(greatest, f.*(route.result).*figure);
-        return greatest;
-    };
-    rowOf(
-        "peak memory above idle, MiB", [&](const Figures& f) { return most(f, &Result::memory); }, "%.1f", "150");
-    rowOf(
-        "longest time without a pump, ms", [&](const Figures& f) { return most(f, &Result::gap); }, "%.1f", "50");
-    std::printf("\n98,999 against 9,899 animals, not above 11: ");
-    for (const Route& route : routes) {
-        const double growth = (figures_.at(98999).*route.result).seconds / (figures_.at(9899).*route.result).seconds;
-        std::printf("%s%s %.2f", route.result == routes[0].result ? "" : ", ", route.name, growth);
+    std::string line = "|---|";
+    std::printf("| |");
+    for (const Herd& herd : herds) {
+        std::printf(" %s |", herd.name);
+        line += "---|";
     }
-    std::printf("\nIdle program, not above 90 MiB: %.1f\nStart to the first window, not above 0.3 s: %.3f\n", idle_,
-                firstWindow_);
+    std::printf(" not above at 98,999 |\n%s---|\n", line.c_str());
+    for (const auto& [name, time] : seconds_.at(herds[0].name)) printSeconds(name);
+    printRatio("CSV to RSD", "sqlite3 .import", "3.0");
+    printRatio("CSV to RSD, sexes derived", "sqlite3 .import, sexes derived", "4.0");
+    printRatio("RSD to CSV", "sqlite3 -csv", "1.0");
+    printRatio("RSD to CSV, encrypted", "RSD to CSV", "1.0 and two derivations");
+    printRatio("CSV to CAV, sexes derived", "CSV to CAV", "1.3");
+    for (const auto& [name, seen] : seen_.at(herds[0].name)) {
+        printRow(name + ": longest time without a pump, ms", "%.1f", "50",
+                 [&](const Herd& herd) { return seen_.at(herd.name).at(name).gap; });
+    }
+    printRow("peak memory above idle, MiB", "%.1f", "80",
+             [&](const Herd& herd) { return most(herd, &Seen::peak) / 1024; });
+    std::printf("\n98,999 against 9,899 animals, not above 11:\n");
+    for (const auto& [name, seen] : seen_.at(herds[0].name)) {
+        std::printf("%s %.2f\n", name.c_str(),
+                    seconds_.at(herds[2].name).at(name) / seconds_.at(herds[1].name).at(name));
+    }
+    double firstWindow = std::numeric_limits<double>::max();
+    for (const auto& [name, seen] : seen_.at(herds[0].name)) firstWindow = std::min(firstWindow, seen.firstWindow);
+    std::printf("Idle program, not above 90 MiB: %.1f\nStart to the first window, not above 0.3 s: %.3f\n",
+                most(herds[0], &Seen::idle) / 1024, firstWindow / 1000);
 }
 
 }  // namespace
@@ -195,7 +194,7 @@ int main(int argumentCount, char** arguments) {
     try {
         Bench bench(arguments[1], arguments[2]);
         for (int run = std::stoi(arguments[3]); run > 0; --run) {
-            for (const int size : sizes) bench.measure(size);
+            for (const Herd& herd : herds) bench.measure(herd);
         }
         bench.print();
     } catch (const std::exception& failure) {

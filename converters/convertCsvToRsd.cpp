@@ -173,9 +173,7 @@ void convertCSV() {
     }};
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
     if (writeRows(database, columnMap, extent) == Outcome::endConversion) return;
-    appSystem::convertIdRecordToName(database, "rsd");
-    appSystem::convertNameRecordToNewId(database, "tree", "ps", "fatherId");
-    appSystem::convertNameRecordToNewId(database, "tree", "pd", "motherId");
+    appSystem::linkAnimals(database);
     const Outcome sexes =
         csvRows::inferSexes(database, "rsd",
                             "The converter cannot find a column for the animal's sex. Do you want to "

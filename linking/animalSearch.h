@@ -1,8 +1,6 @@
 #pragma once
 
-#include <optional>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 
 #include "linking/nameIndex.h"
@@ -12,22 +10,24 @@ namespace linking {
 
 /// Finds the oldest animal whose full name contains a text, the quick way. Good for as long as no name and no prefix
 /// in `tree` changes.
+///
+/// A text without wildcards is looked up among the names. For any other, LIKE itself looks at the animals that have the
+/// text's rarest piece or, where its pieces are too short for that, all its characters.
 class AnimalSearch {
   public:
     /// Reads all names. Yields. Raises DatabaseFailure.
     explicit AnimalSearch(SQLiteDatabase& db);
 
-    /// The animal's id, empty if there is none; nothing if only the statement itself can tell.
-    std::optional<std::string> find(const std::string& name);
+    /// The animal's id, empty if there is none. Yields.
+    const std::string& find(const std::string& name);
 
   private:
-    std::optional<std::string> search(const std::string& name);
-    std::optional<std::string> searchWithWildcards(const std::string& name);
+    std::string search(const std::string& name);
+    std::string searchWithLike(const std::string& name, bool hasCharacters);
 
     SQLiteDatabase& db_;
     NameIndex names_;
-    /// Herds have few parents with many offspring.
-    std::unordered_map<std::string, std::optional<std::string>> found_;
+    std::unordered_map<std::string, std::string> found_;
 };
 
 }  // namespace linking

@@ -1,7 +1,7 @@
 #include "linking/linking.h"
 #include "linking/parentNames.h"
 #include "linking/progress.h"
-#include "linking/quickStore.h"
+#include "linking/quickTree.h"
 #include "platform/database/database.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
@@ -22,11 +22,13 @@ void walk(RecordSet& records, double total, Fill fill) {
     }
 }
 
-void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
-    const auto records = db.select("Select id,fatherId,motherId From tree");
+void fillQuickly(linking::QuickTree& tree, std::string_view databaseKind) {
+    tree.changes.settle();
+    tree.forgetNames();
+    const auto records = tree.db.select("Select id,fatherId,motherId From tree");
     if (!records) return;
-    const double total = linking::recordTotal(db, databaseKind, *records);
-    linking::ParentNames names(db, static_cast<std::size_t>(total));
+    const double total = linking::recordTotal(tree.db, databaseKind, *records);
+    linking::ParentNames names(tree.db, tree.changes, static_cast<std::size_t>(total));
     try {
         walk(*records, total, [&](const std::string& fatherId, const std::string& motherId) {
             names.fill(records->requiredField("id").integer(), fatherId, motherId);
@@ -37,7 +39,7 @@ void fillQuickly(SQLiteDatabase& db, std::string_view databaseKind) {
         names.settle();
         throw;
     }
-    db.commit();
+    tree.changes.commit();
     // Between the commit and letting go of the look-up, which takes a while too.
     RuntimeBackgroundTask();
 }
@@ -56,10 +58,13 @@ void fillLiterally(Database& db, std::string_view databaseKind) {
 
 }  // namespace
 
-void convertIdRecordToName(Database& db, std::string_view databaseKind) {
+void convertIdRecordToName(Database& db, std::string_view databaseKind, linking::QuickTree* shared) {
     guarded([&] {
-        SQLiteDatabase* store = linking::quickStore(db);
-        store != nullptr ? fillQuickly(*store, databaseKind) : fillLiterally(db, databaseKind);
+        const auto own = shared != nullptr ? nullptr : linking::quickTree(db);
+        linking::QuickTree* tree = shared != nullptr ? shared : own.get();
+        if (tree == nullptr) return fillLiterally(db, databaseKind);
+        fillQuickly(*tree, databaseKind);
+        if (own) own->changes.settle();
     });
 }
 

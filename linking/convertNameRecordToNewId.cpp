@@ -1,13 +1,14 @@
+#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "fieldtext/textHelpers.h"
-#include "linking/animalSearch.h"
 #include "linking/linking.h"
 #include "linking/progress.h"
-#include "linking/quickStore.h"
+#include "linking/quickTree.h"
 #include "platform/database/database.h"
-#include "platform/database/sqliteDatabase.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
@@ -15,6 +16,9 @@
 
 namespace appSystem {
 namespace {
+
+using linking::QuickTree;
+using linking::TreeChanges;
 
 /// The id of the oldest animal whose full name contains the text; empty if there is none.
 std::string findAnimal(Database& db, const std::string& name) {
@@ -24,79 +28,138 @@ std::string findAnimal(Database& db, const std::string& name) {
     return std::string(found->requiredField("id").text());
 }
 
-/// What the quick way goes by.
-struct QuickWay {
-    linking::AnimalSearch search;
-    SQLiteRowUpdates ids;
+bool isKnown(std::string_view name) { return !name.empty() && !text::equals(name, "unknown"); }
+
+/// Tells of the links made so far.
+class Progress {
+  public:
+    Progress(const std::string& tableName, const std::string& idColumn, double total)
+        : text_(" " + idColumn + " records for Table " + text::upper(tableName)), total_(total) {}
+
+    void link() {
+        ++links_;
+        linking::showBar(total_);
+        if (links_ % 20 == 0) frmWait().report("Linked " + std::to_string(links_) + text_, links_, total_);
+    }
+
+  private:
+    std::string text_;
+    double total_;
+    int links_ = 0;
 };
 
-/// The same by way of the search, where there is one that can tell.
-std::string findAnimal(Database& db, QuickWay* quick, const std::string& name) {
-    const auto found = quick != nullptr ? quick->search.find(name) : std::nullopt;
-    return found ? *found : findAnimal(db, name);
-}
-
-/// Whether these are columns whose change leaves the names as they are, and which the table surely has.
-bool linksQuickly(const std::string& tableName, const std::string& nameColumn, const std::string& idColumn) {
-    return tableName == "tree" && (nameColumn == "ps" || nameColumn == "pd") &&
-           (idColumn == "fatherId" || idColumn == "motherId");
-}
-
-void link(Database& db, QuickWay* quick, RecordSet& records, const std::string& tableName,
-          const std::string& nameColumn, const std::string& idColumn) {
-    const auto total = static_cast<double>(records.recordCount());
-    int linkCount = 0;
-    while (!records.atEnd()) {
-        records.edit();
-        const std::string name(records.requiredField(nameColumn).text());
-        const bool known = !name.empty() && !text::equals(name, "unknown");
-        const std::string id = known ? findAnimal(db, quick, rma(name)) : std::string();
+void linkLiterally(Database& db, const std::string& tableName, const std::string& nameColumn,
+                   const std::string& idColumn) {
+    const auto records = db.select("Select * From " + tableName + " Where " + nameColumn + " <> ''");
+    if (!records || records->recordCount() <= 0) return;
+    Progress progress(tableName, idColumn, static_cast<double>(records->recordCount()));
+    while (!records->atEnd()) {
+        records->edit();
+        const std::string name(records->requiredField(nameColumn).text());
+        const std::string id = isKnown(name) ? findAnimal(db, rma(name)) : std::string();
         if (!id.empty()) {
-            if (quick != nullptr) {
-                quick->ids.set(records.requiredField("id").integer(), 0, id);
-            } else {
-                records.requiredField(idColumn).setText(id);
-                records.update();
-            }
-            ++linkCount;
-            linking::showBar(total);
-            if (linkCount % 20 == 0) {
-                frmWait().report("Linked " + std::to_string(linkCount) + " " + idColumn + " records for Table " +
-                                     text::upper(tableName),
-                                 linkCount, total);
-            }
+            records->requiredField(idColumn).setText(id);
+            records->update();
+            progress.link();
         }
-        records.moveNext();
+        records->moveNext();
         RuntimeBackgroundTask();
     }
+    db.commit();
 }
 
-void linkQuickly(SQLiteDatabase& db, RecordSet& records, const std::string& nameColumn, const std::string& idColumn) {
-    QuickWay quick{linking::AnimalSearch(db), db.updateRows("tree", {idColumn})};
+/// Of the two pairs whose change leaves the names as they are; nothing for any other.
+struct Parent {
+    TreeChanges::Column name;
+    TreeChanges::Column id;
+};
+std::optional<Parent> parentOf(const std::string& tableName, const std::string& nameColumn,
+                               const std::string& idColumn) {
+    if (tableName != "tree") return std::nullopt;
+    if (nameColumn == "ps" && idColumn == "fatherId") return Parent{TreeChanges::ps, TreeChanges::fatherId};
+    if (nameColumn == "pd" && idColumn == "motherId") return Parent{TreeChanges::pd, TreeChanges::motherId};
+    return std::nullopt;
+}
+
+/// The rows whose name column is not empty, as an earlier pass may have changed it.
+class NamedRows {
+  public:
+    NamedRows(QuickTree& tree, const std::string& nameColumn, TreeChanges::Column column)
+        : tree_(tree), column_(column), rows_(tree.db.prepare("SELECT id, " + nameColumn + " FROM tree")) {}
+
+    /// False at the end.
+    bool next() {
+        while (rows_.step()) {
+            row = rows_.integer(0);
+            const auto changed = tree_.changes.find(row, column_);
+            name = changed ? *changed : rows_.text(1);
+            if (!name.empty()) return true;
+            RuntimeBackgroundTask(yielding::character);
+        }
+        return false;
+    }
+
+    void restart() { rows_.reset(); }
+
+    std::int64_t row = 0;
+    std::string_view name;
+
+  private:
+    QuickTree& tree_;
+    TreeChanges::Column column_;
+    SQLiteStatement rows_;
+};
+
+void linkQuickly(QuickTree& tree, Parent parent, const std::string& nameColumn, const std::string& idColumn) {
+    NamedRows rows(tree, nameColumn, parent.name);
+    double total = 0;
+    for (; rows.next(); ++total) RuntimeBackgroundTask(yielding::character);
+    if (total == 0) return;
+    Progress progress("tree", idColumn, total);
+    linking::AnimalSearch& search = tree.search();
     try {
-        link(db, &quick, records, "tree", nameColumn, idColumn);
+        rows.restart();
+        while (rows.next()) {
+            const std::string id = isKnown(rows.name) ? search.find(rma(rows.name)) : std::string();
+            if (!id.empty()) {
+                tree.changes.set(rows.row, parent.id, id);
+                progress.link();
+            }
+            RuntimeBackgroundTask();
+        }
     } catch (...) {
         // Links made so far stay on the connection, for whoever commits next.
-        quick.ids.write();
+        tree.changes.settle();
         throw;
     }
-    quick.ids.write();
+    tree.changes.commit();
 }
 
 }  // namespace
 
 void convertNameRecordToNewId(Database& db, const std::string& tableName, const std::string& nameColumn,
-                              const std::string& idColumn) {
+                              const std::string& idColumn, QuickTree* shared) {
     guarded([&] {
-        SQLiteDatabase* store = linksQuickly(tableName, nameColumn, idColumn) ? linking::quickStore(db) : nullptr;
-        const std::string columns = store != nullptr ? "id," + nameColumn + "," + idColumn : "*";
-        const auto records = db.select("Select " + columns + " From " + tableName + " Where " + nameColumn + " <> ''");
-        if (!records || records->recordCount() <= 0) return;
-        store != nullptr ? linkQuickly(*store, *records, nameColumn, idColumn)
-                         : link(db, nullptr, *records, tableName, nameColumn, idColumn);
-        db.commit();
+        const auto parent = parentOf(tableName, nameColumn, idColumn);
+        const auto own = shared != nullptr || !parent ? nullptr : linking::quickTree(db);
+        QuickTree* tree = shared != nullptr ? shared : own.get();
+        if (tree == nullptr || !parent) {
+            if (tree != nullptr) tree->changes.settle();
+            return linkLiterally(db, tableName, nameColumn, idColumn);
+        }
+        linkQuickly(*tree, *parent, nameColumn, idColumn);
+        if (own) own->changes.settle();
     });
     frmWait().close();
+}
+
+void linkAnimals(Database& db) {
+    std::unique_ptr<QuickTree> tree;
+    guarded([&] { tree = linking::quickTree(db); });
+    convertIdRecordToName(db, "rsd", tree.get());
+    convertNameRecordToNewId(db, "tree", "ps", "fatherId", tree.get());
+    convertNameRecordToNewId(db, "tree", "pd", "motherId", tree.get());
+    if (tree) guarded([&] { tree->changes.settle(); });
 }
 
 }  // namespace appSystem

@@ -19,6 +19,17 @@ class SexFinder {
         if (SQLiteDatabase* store = linking::quickStore(db)) quick_.emplace(*store, static_cast<std::size_t>(total));
     }
 
+    void run() {
+        try {
+            walk();
+        } catch (...) {
+            if (quick_) quick_->settle();
+            throw;
+        }
+        if (quick_) quick_->settle();
+    }
+
+  private:
     void walk() {
         for (; !records_.atEnd(); ++index_) {
             tell("fatherId", linking::male);
@@ -28,13 +39,16 @@ class SexFinder {
         }
     }
 
-  private:
     /// Gives the parent the sex that this row tells of it.
     void tell(const char* idColumn, std::string_view sex) {
         const std::string id(records_.requiredField(idColumn).text());
         if (id.empty()) return;
-        quick_ ? quick_->set(id, sex) : linking::setSexLiterally(db_, id, sex);
-        db_.commit();
+        if (quick_) {
+            quick_->set(id, sex);
+        } else {
+            linking::setSexLiterally(db_, id, sex);
+            db_.commit();
+        }
         linking::showBar(total_);
         // The name is that of the offspring, the row being read.
         frmWait().report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + std::string(sex),
@@ -54,7 +68,7 @@ void findSex(Database& db, std::string_view databaseKind) {
     guarded([&] {
         const auto records = db.select("Select name,fatherId,motherId,ps,pd From tree");
         if (!records) return;
-        SexFinder(db, *records, linking::recordTotal(db, databaseKind, *records)).walk();
+        SexFinder(db, *records, linking::recordTotal(db, databaseKind, *records)).run();
     });
 }
 

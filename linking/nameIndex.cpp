@@ -56,7 +56,15 @@ void NameIndex::add(std::int64_t id, std::string_view fullName) {
     starts_.push_back(static_cast<std::uint32_t>(names_.size()));
     ids_.push_back(id);
     appendFolded(names_, fullName);
+    characters_.push_back(charactersOf(std::u32string_view(names_).substr(starts_.back())));
     names_ += U'\0';
+}
+
+NameIndex::Characters NameIndex::charactersOf(std::u32string_view folded) {
+    constexpr unsigned bits = 64;
+    Characters characters = 0;
+    for (const char32_t character : folded) characters |= Characters{1} << character % bits;
+    return characters;
 }
 
 void NameIndex::finish() {
@@ -106,6 +114,14 @@ bool NameIndex::search(std::u32string_view folded, const std::function<bool(std:
         // A place too near to the start lies in another text than this one.
         if (*place < offset || names.substr(*place - offset, folded.size()) != folded) continue;
         if (visit(idAt(*place - offset))) return true;
+    }
+    return false;
+}
+
+bool NameIndex::searchCharacters(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const {
+    const Characters wanted = charactersOf(folded);
+    for (std::size_t animal = 0; animal < ids_.size(); ++animal) {
+        if ((characters_[animal] & wanted) == wanted && visit(ids_[animal])) return true;
     }
     return false;
 }

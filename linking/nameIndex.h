@@ -33,6 +33,9 @@ class NameIndex {
     /// An animal whose name contains the text twice may come twice. Returns whether `visit` gave true.
     bool search(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const;
 
+    /// The same with the animals whose names have all characters of the folded text, and maybe some others.
+    bool searchCharacters(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const;
+
     /// How many places a search for the text looks at; a measure to choose between texts.
     std::size_t cost(std::u32string_view folded) const;
 
@@ -42,12 +45,17 @@ class NameIndex {
         std::size_t bucket = 0;
         std::size_t places = 0;
     };
+    /// A set of characters, several of them to a bit.
+    using Characters = std::uint64_t;
+
+    static Characters charactersOf(std::u32string_view folded);
     Rarest rarest(std::u32string_view folded) const;
     std::int64_t idAt(std::size_t place) const;
 
     std::u32string names_;
     std::vector<std::uint32_t> starts_;      ///< where each animal's name begins in names_
     std::vector<std::int64_t> ids_;          ///< of each animal
+    std::vector<Characters> characters_;     ///< of each animal's name
     std::vector<std::uint32_t> bucketEnds_;  ///< bucket b of places_ lies between the ends of b - 1 and b
     std::vector<std::uint32_t> places_;
 };

@@ -26,8 +26,7 @@ void fillNameLiterally(Database& db, const std::string& idColumn, const std::str
     db.execute(updateName(idColumn, nameColumn, name, id));
 }
 
-ParentNames::ParentNames(SQLiteDatabase& db, std::size_t animals)
-    : db_(db), updates_(db.updateRows("tree", {"ps", "pd"})) {
+ParentNames::ParentNames(SQLiteDatabase& db, TreeChanges& changes, std::size_t animals) : db_(db), changes_(changes) {
     names_.reserve(animals);
     readNames();
 }
@@ -42,13 +41,13 @@ void ParentNames::readNames() {
 }
 
 void ParentNames::fill(std::int64_t row, const std::string& fatherId, const std::string& motherId) {
-    const auto run = [&](Parents& parents, int column, const std::string& id) {
+    const auto run = [&](Parents& parents, const std::string& id) {
         const Name* name = id.empty() ? nullptr : stand(parents, id);
         // A statement that was run may have changed this very row; what stands since then is left to finish().
-        if (!startedAnew_) set(row, column, name);
+        if (!startedAnew_) set(row, parents, name);
     };
-    run(fathers_, 0, fatherId);
-    run(mothers_, 1, motherId);
+    run(fathers_, fatherId);
+    run(mothers_, motherId);
 }
 
 const ParentNames::Name* ParentNames::stand(Parents& parents, const std::string& id) {
@@ -79,9 +78,8 @@ bool ParentNames::compiles(const std::string& sql) {
     return guarded([&] { db_.prepare(sql); });
 }
 
-void ParentNames::set(std::int64_t row, int column, const Name* name) {
-    // A refused statement is not noticed.
-    if (name != nullptr && *name) guarded([&] { updates_.set(row, column, **name); });
+void ParentNames::set(std::int64_t row, const Parents& parents, const Name* name) {
+    if (name != nullptr && *name) changes_.set(row, parents.column, **name);
 }
 
 void ParentNames::settle() {
@@ -91,16 +89,15 @@ void ParentNames::settle() {
     };
     auto rows = db_.prepare("SELECT id, fatherId, motherId FROM tree");
     while (rows.step()) {
-        set(rows.integer(0), 0, named(fathers_, rows.text(1)));
-        set(rows.integer(0), 1, named(mothers_, rows.text(2)));
+        set(rows.integer(0), fathers_, named(fathers_, rows.text(1)));
+        set(rows.integer(0), mothers_, named(mothers_, rows.text(2)));
         RuntimeBackgroundTask(yielding::character);
     }
-    guarded([&] { updates_.write(); });
+    changes_.settle();
 }
 
 void ParentNames::finish() {
-    if (startedAnew_) return settle();
-    guarded([&] { updates_.write(); });
+    if (startedAnew_) settle();
 }
 
 }  // namespace linking

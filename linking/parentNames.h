@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "linking/idKeys.h"
+#include "linking/treeChanges.h"
 #include "platform/database/sqliteDatabase.h"
 
 namespace linking {
@@ -14,13 +15,14 @@ namespace linking {
 ///
 /// The statement of a parent id, "UPDATE tree SET ps = name WHERE fatherId = id", changes every row with that parent,
 /// and run again it changes nothing more. So it is run by remembering that it stands (the two maps below), and a row
-/// gets its names when the walk over the table comes to it, both in one go and together with the rows around it. What
-/// the table then lacks of what the statements would have made of it is the rows that wait to be written and those that
-/// the walk has not come to; settle() makes that up.
+/// gets its names when the walk over the table comes to it. What the table then lacks of what the statements would have
+/// made of it is the changes that wait to be written and the rows that the walk has not come to; settle() makes that
+/// up.
 class ParentNames {
   public:
-    /// Reads all names by id; about how many there are is known. Yields. Raises DatabaseFailure.
-    ParentNames(SQLiteDatabase& db, std::size_t animals);
+    /// Reads all names by id; about how many there are is known. What is told goes to the changes. Yields. Raises
+    /// DatabaseFailure.
+    ParentNames(SQLiteDatabase& db, TreeChanges& changes, std::size_t animals);
 
     /// Runs the statements of both parents of a row that the walk has come to; an empty id has none. Raises
     /// NullReference where an id makes a select that is refused.
@@ -30,7 +32,7 @@ class ParentNames {
     /// when the walk ends early. Yields.
     void settle();
 
-    /// The same for the end of a walk over all rows, where hardly ever more is left than to write the last of them.
+    /// For the end of a walk over all rows, where hardly ever more is left than what waits to be written.
     void finish();
 
   private:
@@ -41,6 +43,7 @@ class ParentNames {
     struct Parents {
         const char* idColumn;
         const char* nameColumn;
+        TreeChanges::Column column;  ///< of the name
         std::unordered_map<std::string, Name> named;
     };
 
@@ -49,15 +52,15 @@ class ParentNames {
     const Name* stand(Parents& parents, const std::string& id);
     const Name* runLiterally(const Parents& parents, const std::string& id);
     bool compiles(const std::string& sql);
-    void set(std::int64_t row, int column, const Name* name);
+    void set(std::int64_t row, const Parents& parents, const Name* name);
 
     SQLiteDatabase& db_;
+    TreeChanges& changes_;
     IdKeys keys_;
     /// The name of the first row of each oldId.
     std::unordered_map<std::string, std::string> names_;
-    Parents fathers_{"fatherId", "ps", {}};
-    Parents mothers_{"motherId", "pd", {}};
-    SQLiteRowUpdates updates_;  ///< of ps and pd
+    Parents fathers_{"fatherId", "ps", TreeChanges::ps, {}};
+    Parents mothers_{"motherId", "pd", TreeChanges::pd, {}};
     /// Whether the maps were emptied on the way; statements that stand since then reach back to rows already passed.
     bool startedAnew_ = false;
 };

@@ -1,49 +1,43 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "linking/idKeys.h"
-#include "platform/database/sqliteDatabase.h"
+#include "linking/treeChanges.h"
 
 namespace linking {
 
-/// Sets the sex of parents, the quick way: knows which rows an oldId has and what sex each of them has, so that a
-/// statement that changes nothing is not run, and one that does goes to its rows straight away. Commits are cheap for
-/// as long as it lives.
+/// Sets the sex of parents, the quick way: remembers the last word on each oldId, and gives it to the animals of that
+/// id at the end, all of them in one go.
 class ParentSexes {
   public:
-    /// Reads all ids and sexes; about how many there are is known. Yields. Raises DatabaseFailure.
+    /// Reads all ids; about how many there are is known. Yields. Raises DatabaseFailure.
     ParentSexes(SQLiteDatabase& db, std::size_t animals);
-    ~ParentSexes();
-    ParentSexes(const ParentSexes&) = delete;
-    ParentSexes& operator=(const ParentSexes&) = delete;
 
-    /// Does what setSexLiterally does; the sex is one of the two below.
+    /// Does what setSexLiterally and a commit do; the sex is one of the two below.
     void set(const std::string& id, std::string_view sex);
 
+    /// Brings the file to what they would have made of it. Yields, as TreeChanges does.
+    void settle();
+
   private:
-    struct Animal {
-        std::int64_t row;
-        std::string_view sex;  ///< empty for any other than the two
-    };
-
-    /// All rows of one oldId; hardly ever more than one.
-    struct Animals {
-        Animal first;
-        std::vector<Animal> others;
-    };
-
     void read();
-    void set(Animal& animal, std::string_view sex);
+    void run(const std::string& id, std::string_view sex);
 
     SQLiteDatabase& db_;
     IdKeys keys_;
-    std::unordered_map<std::string, Animals> animals_;  ///< by oldId
-    SQLiteStatement writer_;
+    TreeChanges changes_;
+    std::unordered_map<std::string, std::uint32_t> numbers_;    ///< of each oldId, counted from 0
+    std::vector<std::string_view> sexes_;                       ///< told of each oldId; empty for none
+    std::vector<std::pair<std::int64_t, std::uint32_t>> rows_;  ///< of each animal, and its oldId's number
+    bool begun_ = false;
+    bool told_ = false;  ///< whether any of sexes_ is to be given
 };
 
 /// The plain statement; the id goes into it as it stands.

@@ -7,8 +7,6 @@
 
 #include <sqlcipher/sqlite3.h>
 
-#include "tests/support/sqlFile.h"
-
 namespace {
 
 struct Finalize {
@@ -62,7 +60,7 @@ void execute(sqlite3* db, const std::string& sql) {
 
 namespace literal {
 
-void findSex(sqlite3* db) {
+void findSex(sqlite3* db, int stop) {
     const Statement rows = prepare(db, "Select name,fatherId,motherId,ps,pd From tree");
     while (rows && sqlite3_step(rows.get()) == SQLITE_ROW) {
         if (const std::string id = text(rows, 1); !id.empty()) {
@@ -73,10 +71,11 @@ void findSex(sqlite3* db) {
             execute(db, "UPDATE tree SET sex = 'female' WHERE oldId = '" + id + "'");
             commit(db);
         }
+        if (--stop == 0) return;
     }
 }
 
-void convertIdRecordToName(sqlite3* db) {
+void convertIdRecordToName(sqlite3* db, int stop) {
     const Statement rows = prepare(db, "Select oldId,fatherId,motherId From tree");
     while (rows && sqlite3_step(rows.get()) == SQLITE_ROW) {
         bool hasRow = false;
@@ -90,12 +89,13 @@ void convertIdRecordToName(sqlite3* db) {
             if (!name) return;
             execute(db, "UPDATE tree SET pd = '" + *name + "' WHERE motherId  = '" + id + "'");
         }
+        if (--stop == 0) return;
     }
     commit(db);
 }
 
 void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::string& nameColumn,
-                              const std::string& idColumn) {
+                              const std::string& idColumn, int stop) {
     const Statement rows =
         prepare(db, "Select id," + nameColumn + " From " + table + " Where " + nameColumn + " <> ''");
     bool any = false;
@@ -119,28 +119,9 @@ void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::
         sqlite3_bind_int64(update.get(), 2, sqlite3_column_int64(rows.get(), 0));
         begin(db);
         sqlite3_step(update.get());
+        if (--stop == 0) return;
     }
     if (any) commit(db);
-}
-
-std::vector<std::string> dump(const std::string& path) {
-    const SqlFile file(path);
-    const Statement rows = prepare(file.handle(), "SELECT * FROM tree ORDER BY id");
-    std::vector<std::string> lines;
-    while (rows && sqlite3_step(rows.get()) == SQLITE_ROW) {
-        std::string line;
-        for (int i = 0; i < sqlite3_column_count(rows.get()); ++i) {
-            static constexpr const char* classes[] = {"", "integer", "real", "text", "blob", "null"};
-            const int kind = sqlite3_column_type(rows.get(), i);
-            if (kind == SQLITE_NULL) continue;
-            const auto* bytes = static_cast<const char*>(sqlite3_column_blob(rows.get(), i));
-            line += std::string(sqlite3_column_name(rows.get(), i)) + "=" + classes[kind] + ":";
-            if (bytes != nullptr) line.append(bytes, static_cast<std::size_t>(sqlite3_column_bytes(rows.get(), i)));
-            line += "; ";
-        }
-        lines.push_back(line);
-    }
-    return lines;
 }
 
 }  // namespace literal

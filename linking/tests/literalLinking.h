@@ -1,7 +1,7 @@
 #pragma once
 
+#include <limits>
 #include <string>
-#include <vector>
 
 struct sqlite3;
 
@@ -12,12 +12,12 @@ struct sqlite3;
 /// it; a text that holds more than one statement, or none that compiles, does nothing.
 namespace literal {
 
-void findSex(sqlite3* db);
-void convertIdRecordToName(sqlite3* db);
-void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::string& nameColumn,
-                              const std::string& idColumn);
+constexpr int never = std::numeric_limits<int>::max();
 
-/// Every row of `tree` in a file, in id order: each cell with its column's name, its storage class and its bytes.
-std::vector<std::string> dump(const std::string& path);
+/// Each may stop half-way, as a failure would have it: after so many rows or, in the last one, links.
+void findSex(sqlite3* db, int stop = never);
+void convertIdRecordToName(sqlite3* db, int stop = never);
+void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::string& nameColumn,
+                              const std::string& idColumn, int stop = never);
 
 }  // namespace literal

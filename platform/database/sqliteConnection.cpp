@@ -1,5 +1,7 @@
 #include "platform/database/sqliteConnection.h"
 
+#include <utility>
+
 #include "platform/values/text.h"
 
 namespace detail {
@@ -40,11 +42,23 @@ bool SQLiteConnection::run(const char* sql) {
 }
 
 void SQLiteConnection::beginIfNeeded() {
-    if (sqlite3_get_autocommit(get()) == 0) return;
+    // One without the file's name can't be written in any more.
+    if (std::exchange(onlyLocked_, false) && hasMoved()) run("COMMIT");
+    if (sqlite3_get_autocommit(get()) != 0) begin("BEGIN");
+}
+
+bool SQLiteConnection::lock() {
+    if (sqlite3_get_autocommit(get()) == 0) return false;
+    begin("BEGIN EXCLUSIVE");
+    onlyLocked_ = sqlite3_get_autocommit(get()) == 0;
+    return onlyLocked_;
+}
+
+void SQLiteConnection::begin(const char* statement) {
     flushAtEnd();
     // The journal's file goes with the database's name; a file deleted while it is open is written on all the same.
     if (hasMoved()) run("PRAGMA journal_mode = MEMORY");
-    run("BEGIN");
+    run(statement);
 }
 
 void SQLiteConnection::flushAtEnd() {
@@ -55,16 +69,8 @@ void SQLiteConnection::flushAtEnd() {
 
 void SQLiteConnection::commit() {
     refused_.clear();
+    onlyLocked_ = false;
     if (isOpen() && sqlite3_get_autocommit(get()) == 0) run("COMMIT");
-}
-
-void SQLiteConnection::setManyCommits(bool many) {
-    if (many == manyCommits_ || sqlite3_get_autocommit(get()) == 0) return;
-    manyCommits_ = many;
-    run(many ? "PRAGMA locking_mode = EXCLUSIVE" : "PRAGMA locking_mode = NORMAL");
-    // A lock that was kept goes back at the end of the next access to the file, and only then can the journal go.
-    if (!many) run(anyAccess);
-    run(many ? "PRAGMA journal_mode = PERSIST" : "PRAGMA journal_mode = DELETE");
 }
 
 void SQLiteConnection::close() {
@@ -73,7 +79,6 @@ void SQLiteConnection::close() {
     // A record set that is still open would keep its lock on the file.
     for (sqlite3_stmt* open = nullptr; (open = sqlite3_next_stmt(get(), open)) != nullptr;) sqlite3_reset(open);
     if (sqlite3_get_autocommit(get()) == 0) run("ROLLBACK");
-    setManyCommits(false);
     // A journal that a failed write left behind is played back with the next access to the file.
     if (broken_) run(anyAccess);
     if (wrote_) flush();

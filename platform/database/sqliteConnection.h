@@ -47,11 +47,13 @@ class SQLiteConnection {
 
     void beginIfNeeded();
 
+    /// Opens a transaction that keeps everybody else from the file; false if one is open already, or the file refuses.
+    bool lock();
+
     /// The flush comes once, at the end; the journal still makes each commit whole or absent.
     void flushAtEnd();
 
     void commit();
-    void setManyCommits(bool many);
     void close();
 
     /// Those that are being written, for the function that they use in their statement; null at all other times.
@@ -59,6 +61,7 @@ class SQLiteConnection {
     bool knowsGatheredText = false;
 
   private:
+    void begin(const char* statement);
     void note(int result);
     bool hasMoved();
     void flush();
@@ -68,7 +71,7 @@ class SQLiteConnection {
     bool closed_ = false;
     bool broken_ = false;
     bool wrote_ = false;
-    bool manyCommits_ = false;
+    bool onlyLocked_ = false;  ///< by a transaction with nothing in it yet
 };
 
 /// A column of the current row as bytes; empty for NULL.

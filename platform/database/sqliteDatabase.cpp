@@ -225,8 +225,6 @@ SQLiteRowUpdates SQLiteDatabase::updateRows(std::string_view table, const std::v
     return {connection_, table, columns};
 }
 
-int SQLiteDatabase::changeCount() const { return connection_ ? sqlite3_total_changes(connection_->get()) : 0; }
+bool SQLiteDatabase::lock() { return connection_ && connection_->isOpen() && connection_->lock(); }
 
-void SQLiteDatabase::setManyCommits(bool many) {
-    if (connection_ && connection_->isOpen()) connection_->setManyCommits(many);
-}
+int SQLiteDatabase::changeCount() const { return connection_ ? sqlite3_total_changes(connection_->get()) : 0; }

@@ -51,16 +51,15 @@ class SQLiteDatabase : public Database {
     /// is asked for.
     SQLiteStatement& prepareOnce(std::string_view sql);
 
+    /// Keeps everybody else from the file until the next commit, without anything written yet. False, and nothing kept,
+    /// where a transaction is open already or somebody else is at the file.
+    bool lock();
+
     /// Gathers new texts for columns of a table. Raises DatabaseFailure without a connection, or if one is missing.
     SQLiteRowUpdates updateRows(std::string_view table, const std::vector<std::string>& columns);
 
     /// Rows inserted, changed and deleted on this connection so far; 0 without one.
     int changeCount() const;
-
-    /// Makes commits cheap for a loop of many small ones: the lock and the journal file are kept from one commit to the
-    /// next, so nobody else gets at the file meanwhile, and a crash is still made good by the next reader. Switching it
-    /// off, or closing, gives back the lock and removes the journal. Does nothing inside a transaction.
-    void setManyCommits(bool many);
 
   private:
     bool open(int flags);
