@@ -12,6 +12,7 @@ App::App(int& argumentCount, char** arguments) : Application(argumentCount, argu
     minorVersion = 1;
     bugVersion = 1;
     version = "3.01.01";
+    setName("Tolvaris File Converter", "tolvaris-converter");
     setIcon(pictures::tolvaris());
 }
 

@@ -1,11 +1,13 @@
 #include "tour/guide.h"
 
+#include <fstream>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
 #include <stdexcept>
 
 #include "shell/windows/frmSplash.h"
+#include "shell/windows/frmWait.h"
 
 Guide::Guide(std::filesystem::path samples, std::filesystem::path output, int number)
     : samples_(std::move(samples)), output_(std::move(output)), number_(number) {
@@ -24,6 +26,7 @@ bool Guide::visit(const Stop& stop) {
         driver_.settle();
         if (number_ == 0) takePicture("frmMain", "selector-at-first");
         const std::string destination = convert(stop);
+        if (stop.reports) showReport();
         std::cout << "  result: " << std::filesystem::path(destination).filename().string() << ", " << std::flush;
         std::cout << stop.check(destination) << std::endl;
         return true;
@@ -34,8 +37,8 @@ bool Guide::visit(const Stop& stop) {
 }
 
 std::string Guide::convert(const Stop& stop) {
-    const std::string source = copySample(stop.source, stop.source);
-    if (stop.to == "Cav") driver_.files = {copySample("empty.cav", chapter_ + ".cav")};
+    const std::string source = sample(stop.source, stop.source);
+    if (stop.to == "Cav") driver_.files = {sample("empty.cav", chapter_ + ".cav")};
     driver_.answers = stop.answers;
     driver_.click("frmMain", "optFrom" + stop.from);
     driver_.click("frmMain", "optTo" + stop.to);
@@ -50,10 +53,21 @@ std::string Guide::convert(const Stop& stop) {
     return driver_.text("frmMain", "lblDestinationFilePath");
 }
 
-void Guide::takePicture(const std::string& window, const std::string& name) {
+std::string Guide::nextPicture(const std::string& name) {
     std::ostringstream number;
     number << std::setw(2) << std::setfill('0') << number_ + 1 << "-" << ++pictures_;
-    driver_.savePicture(window, output_ / (number.str() + "-" + chapter_ + "-" + name + ".png"));
+    return output_ / (number.str() + "-" + chapter_ + "-" + name + ".png");
+}
+
+void Guide::takePicture(const std::string& window, const std::string& name) {
+    driver_.savePicture(window, nextPicture(name));
+}
+
+void Guide::showReport() const {
+    std::ifstream report(output_ / "Desktop" / "Converter Errors.txt");
+    if (!report) throw std::runtime_error("there is no list of errors on the Desktop");
+    std::cout << "  Converter Errors.txt:\n";
+    for (std::string line; std::getline(report, line);) std::cout << "       " << line << "\n";
 }
 
 void Guide::onBox(const Box& box) {
@@ -63,14 +77,21 @@ void Guide::onBox(const Box& box) {
     std::cout << " -> " << box.answer << "\n";
 }
 
-/// One picture of the progress window for each conversion, once it says something.
+/// One picture of the progress window for each conversion: with the bar somewhere in the middle if it ever is there,
+/// else when the window says something first.
 void Guide::watchProgress() {
-    if (progressSeen_ || !driver_.isOpen("frmWait") || driver_.text("frmWait", "lblMessage") == "Untitled") return;
-    progressSeen_ = true;
-    takePicture("frmWait", "progress");
+    if (barInTheMiddle_ || !driver_.isOpen("frmWait") || driver_.text("frmWait", "lblMessage") == "Untitled") return;
+    ProgressBar& bar = frmWait().ProgressBar1();
+    const double share = bar.value() / bar.maximum();
+    barInTheMiddle_ = bar.visible() && share > 0.4 && share < 0.7;
+    if (!progressPicture_.empty() && !barInTheMiddle_) return;
+    if (progressPicture_.empty()) progressPicture_ = nextPicture("progress");
+    driver_.savePicture("frmWait", progressPicture_);
 }
 
-std::string Guide::copySample(const std::string& name, const std::string& copyName) const {
-    std::filesystem::copy_file(samples_ / name, output_ / copyName, std::filesystem::copy_options::overwrite_existing);
+std::string Guide::sample(const std::string& name, const std::string& copyName) const {
+    const auto overwrite = std::filesystem::copy_options::overwrite_existing;
+    if (std::filesystem::exists(samples_ / name))
+        std::filesystem::copy_file(samples_ / name, output_ / copyName, overwrite);
     return (output_ / copyName).string();
 }

@@ -12,9 +12,10 @@ struct Stop {
     std::string title;
     std::string from;                 ///< "Csv" or "Rsd"
     std::string to;                   ///< "Csv", "Rsd" or "Cav"
-    std::string source;               ///< name of a sample
+    std::string source;               ///< name of a sample, or of a file that an earlier stop left
     std::deque<std::string> answers;  ///< to the questions that come up, in order
     bool completes = true;            ///< whether it ends with "Operation completed"
+    bool reports = false;             ///< whether it leaves a list of errors on the Desktop, which is shown
     /// Looks at the result and tells what is in it; raises std::runtime_error if it is not as it should be.
     std::function<std::string(const std::string& destination)> check;
 };
@@ -32,9 +33,11 @@ class Guide {
   private:
     std::string convert(const Stop& stop);
     void takePicture(const std::string& window, const std::string& name);
+    std::string nextPicture(const std::string& name);
+    void showReport() const;
     void onBox(const Box& box);
     void watchProgress();
-    std::string copySample(const std::string& name, const std::string& copyName) const;
+    std::string sample(const std::string& name, const std::string& copyName) const;
 
     WindowDriver driver_;
     std::filesystem::path samples_;
@@ -42,5 +45,6 @@ class Guide {
     std::string chapter_;
     int number_;
     int pictures_ = 0;
-    bool progressSeen_ = false;
+    std::string progressPicture_;
+    bool barInTheMiddle_ = false;
 };

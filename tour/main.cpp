@@ -2,12 +2,13 @@
 // should.
 //   tolvaris-tour SAMPLES OUTPUT
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <spawn.h>
-#include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -15,90 +16,42 @@
 #include "platform/desktop/yield.h"
 #include "shell/app.h"
 #include "tour/guide.h"
-#include "tour/inspect.h"
+#include "tour/stops.h"
 
 namespace {
 
-void expect(bool asItShould, const std::string& what) {
-    if (!asItShould) throw std::runtime_error(what);
+/// How the program is looked at besides: the variables that make it so, in a folder of its own.
+struct Look {
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> variables;
+};
+
+/// A desktop with dark colours and large letters of another kind, where the machine has a theme to play it with.
+Look darkDesktop(const std::filesystem::path& output) {
+    const auto folder = output / "dark" / "theme";
+    std::filesystem::create_directories(folder / "qt6ct");
+    std::ofstream(folder / "qt6ct" / "qt6ct.conf") << "[Appearance]\ncustom_palette=true\nstyle=Fusion\n"
+                                                      "color_scheme_path=/usr/share/qt6ct/colors/darker.conf\n"
+                                                      "[Fonts]\ngeneral=\"DejaVu Serif,16\"\n";
+    return {"dark", {{"QT_QPA_PLATFORMTHEME", "qt6ct"}, {"XDG_CONFIG_HOME", folder.string()}}};
 }
 
-/// Checks a new RSD file: all animals in, and as many links and sexes as the sample's pedigree has.
-std::function<std::string(const std::string&)> herd(int animals, int fathers, int mothers, int sexes) {
-    return [=](const std::string& destination) {
-        const inspect::Herd found = inspect::herdOf(destination);
-        const std::string told = std::to_string(found.animals) + " animals, " + std::to_string(found.fathers) +
-                                 " with a father, " + std::to_string(found.mothers) + " with a mother, " +
-                                 std::to_string(found.sexes) + " of known sex";
-        expect(found.animals == animals && found.fathers == fathers && found.mothers == mothers && found.sexes == sexes,
-               told);
-        return told;
-    };
+std::vector<Look> looks(const std::filesystem::path& output) {
+    return {{"scale-1.5", {{"QT_SCALE_FACTOR", "1.5"}}},
+            {"scale-2", {{"QT_SCALE_FACTOR", "2"}}},
+            {"letters-192-dpi", {{"QT_FONT_DPI", "192"}}},
+            darkDesktop(output)};
 }
 
-std::function<std::string(const std::string&)> lines(int count) {
-    return [=](const std::string& destination) {
-        const int found = inspect::linesOf(destination);
-        expect(found == count, std::to_string(found) + " lines");
-        return std::to_string(found) + " lines";
-    };
-}
-
-std::function<std::string(const std::string&)> cav(int tree, int matings, int soldStock, int vaccinations) {
-    return [=](const std::string& destination) {
-        const int animals = inspect::cavRows(destination, "tree");
-        const int litters = inspect::cavRows(destination, "matings");
-        const int sales = inspect::cavRows(destination, "soldStock");
-        const int treatments = inspect::cavRows(destination, "vaccinations");
-        const std::string told = "read back: " + std::to_string(animals) + " animals, " + std::to_string(litters) +
-                                 " matings, " + std::to_string(sales) + " sales, " + std::to_string(treatments) +
-                                 " treatments";
-        expect(animals == tree && litters == matings && sales == soldStock && treatments == vaccinations, told);
-        return told;
-    };
-}
-
-/// Each stop is made by a program of its own, freshly started: one import leaves its cells and flags to the next, and
-/// what the tour shows is what a breeder sees who converts one file.
-std::vector<Stop> stops() {
-    return {
-        {"Dogs, CSV to RSD", "Csv", "Rsd", "dogs.csv", {}, true, herd(34, 26, 26, 34)},
-        {"Dogs again, over the earlier result", "Csv", "Rsd", "dogs.csv", {"Yes"}, true, herd(34, 26, 26, 34)},
-        {"Rabbits, CSV to RSD", "Csv", "Rsd", "rabbits.csv", {}, true, herd(28, 22, 22, 28)},
-        {"Rabbits kept carelessly, stopped at the first faulty line",
-         "Csv",
-         "Rsd",
-         "rabbits-faulty.csv",
-         {"Yes"},
-         false,
-         herd(0, 0, 0, 0)},
-        {"Cattle from a spreadsheet, with unknown columns",
-         "Csv",
-         "Rsd",
-         "cattle.csv",
-         {"Yes"},
-         true,
-         herd(21, 16, 16, 21)},
-        {"Birds without a sex column, CSV to RSD", "Csv", "Rsd", "birds.csv", {"Yes"}, true, herd(28, 21, 21, 12)},
-        {"A file without a key, RSD to CSV", "Rsd", "Csv", "kennel.rsd", {}, true, lines(35)},
-        {"A file with the key, RSD to CSV", "Rsd", "Csv", "cattery.rsd", {}, true, lines(27)},
-        {"Dogs, CSV to CAV", "Csv", "Cav", "dogs.csv", {"Yes"}, true, cav(34, 0, 0, 0)},
-        {"Birds, CSV to CAV, sexes derived in the Access file",
-         "Csv",
-         "Cav",
-         "birds.csv",
-         {"Yes", "Yes"},
-         true,
-         cav(28, 0, 0, 0)},
-        {"Cats, RSD to CAV", "Rsd", "Cav", "cattery.rsd", {"Yes"}, true, cav(26, 7, 0, 20)},
-    };
-}
+/// The stops that show every kind of window and box.
+constexpr std::array<std::size_t, 2> telling{0, 3};
 
 int showStop(const std::filesystem::path& samples, const std::filesystem::path& output, std::size_t number, int count,
              char** arguments) {
     // The tour is for machines without a display, and its error report lies on a desktop of its own.
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("HOME", output.c_str(), 1);
+    dropNoticesOfThePlatform();
     App app(count, arguments);
     // The samples are small; every step is to be seen.
     yielding::setPump(yielding::Pump::everyCall);
@@ -106,10 +59,12 @@ int showStop(const std::filesystem::path& samples, const std::filesystem::path& 
     return guide.visit(stops().at(number)) ? 0 : 1;
 }
 
-/// Runs this program once more for one stop; whether it ended with 0.
-bool startForStop(const char* program, const std::string& samples, const std::string& output, std::size_t number) {
+/// Runs this program once more for one stop; whether it ended with 0. A quiet one leaves its pictures and says nothing.
+bool startForStop(const char* program, const std::string& samples, const std::string& output, std::size_t number,
+                  bool quiet = false) {
     const std::string digits = std::to_string(number);
-    std::array<const char*, 5> arguments{program, samples.c_str(), output.c_str(), digits.c_str(), nullptr};
+    std::array<const char*, 6> arguments{program,        samples.c_str(),           output.c_str(),
+                                         digits.c_str(), quiet ? "quiet" : nullptr, nullptr};
     pid_t child = 0;
     // The interface takes its argument texts without const.
     if (posix_spawn(&child, program, nullptr, nullptr, const_cast<char**>(arguments.data()), environ) != 0)
@@ -119,14 +74,33 @@ bool startForStop(const char* program, const std::string& samples, const std::st
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
+/// Whether all came out as it should.
+bool showLook(const char* program, const std::filesystem::path& samples, const std::filesystem::path& output,
+              const Look& look) {
+    std::filesystem::create_directories(output / "Desktop");
+    for (const auto& [name, value] : look.variables) setenv(name.c_str(), value.c_str(), 1);
+    const bool good = std::all_of(telling.begin(), telling.end(), [&](std::size_t number) {
+        return startForStop(program, samples.string(), output.string(), number, true);
+    });
+    for (const auto& [name, value] : look.variables) unsetenv(name.c_str());
+    return good;
+}
+
 int showAll(const char* program, const std::filesystem::path& samples, const std::filesystem::path& output) {
     std::filesystem::remove_all(output);
     std::filesystem::create_directories(output / "Desktop");
+    writeFlock(output / "flock.csv");
     int failures = 0;
     for (std::size_t number = 0; number < stops().size(); ++number) {
         if (!startForStop(program, samples.string(), output.string(), number)) ++failures;
     }
-    std::cout << "\nPictures and converted files are in " << std::filesystem::relative(output).string() << ".\n"
+    std::cout << "\nThe same windows";
+    for (const Look& look : looks(output)) {
+        const bool good = showLook(program, samples, output / look.name, look);
+        if (!good) ++failures;
+        std::cout << ", " << look.name << (good ? "" : " (FAILED)") << std::flush;
+    }
+    std::cout << "\n\nPictures and converted files are in " << std::filesystem::relative(output).string() << ".\n"
               << (failures == 0 ? "All came out as it should.\n"
                                 : std::to_string(failures) + " did not come out as it should.\n");
     return failures == 0 ? 0 : 1;
@@ -135,12 +109,13 @@ int showAll(const char* program, const std::filesystem::path& samples, const std
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 3 && argumentCount != 4) {
-        std::cerr << "usage: tolvaris-tour SAMPLES OUTPUT [NUMBER OF A STOP]\n";
+    if (argumentCount < 3 || argumentCount > 5) {
+        std::cerr << "usage: tolvaris-tour SAMPLES OUTPUT [NUMBER OF A STOP [quiet]]\n";
         return 2;
     }
     const auto samples = std::filesystem::absolute(arguments[1]);
     const auto output = std::filesystem::absolute(arguments[2]);
     if (argumentCount == 3) return showAll(arguments[0], samples, output);
+    if (argumentCount == 5) std::cout.setstate(std::ios::failbit);
     return showStop(samples, output, std::stoul(arguments[3]), argumentCount, arguments);
 }

@@ -26,7 +26,17 @@ QPoint clickPoint(const QWidget* widget) {
     return widget->inherits("QRadioButton") ? QPoint(9, widget->height() / 2) : widget->rect().center();
 }
 
+QtMessageHandler usualHandler = nullptr;
+
+void dropNotice(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    const bool ofThePlatform =
+        message.startsWith("This plugin does not support") || message.contains("XDG_RUNTIME_DIR");
+    if (!ofThePlatform) usualHandler(type, context, message);
+}
+
 }  // namespace
+
+void dropNoticesOfThePlatform() { usualHandler = qInstallMessageHandler(dropNotice); }
 
 /// Sees boxes and dialogs come up, and gets a turn whenever events are handled.
 class WindowDriver::Filter : public QObject {

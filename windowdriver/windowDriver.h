@@ -24,6 +24,10 @@ struct FileDialog {
     std::string folder;
 };
 
+/// Keeps what the toolkit says about a platform without a screen off the terminal: that it can't raise a window, that
+/// nobody is logged in at a desktop. For the start of a program.
+void dropNoticesOfThePlatform();
+
 /// Drives the program's real windows as a person would: with mouse and keyboard, box by box. Controls are found by
 /// their names. Boxes are answered while a handler of the program runs, and every box is kept for looking at later.
 class WindowDriver {

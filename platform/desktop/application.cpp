@@ -6,6 +6,7 @@
 #include <QtGui/QPalette>
 #include <QtWidgets/QApplication>
 
+#include "platform/desktop/accessibility.h"
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/houseStyle.h"
 #include "platform/desktop/messageBox.h"
@@ -39,6 +40,7 @@ Application::Application(int& argumentCount, char** arguments)
     instance = this;
     setAppearance();
     storeNoSettings();
+    accessibility::install();
     // The toolkit would quit inside a conversion whose windows have just been closed; the program ends after it
     // instead.
     QApplication::setQuitOnLastWindowClosed(false);
@@ -73,8 +75,13 @@ void Application::quit() {
     Window::closeAll();
 }
 
+void Application::setName(const std::string& shown, const std::string& desktopFile) {
+    QCoreApplication::setApplicationName(QString::fromStdString(shown));
+    QGuiApplication::setDesktopFileName(QString::fromStdString(desktopFile));
+}
+
 void Application::setIcon(const Picture& picture) {
-    if (picture) QApplication::setWindowIcon(QIcon(picture.pixmap()));
+    if (picture) QApplication::setWindowIcon(picture.icon());
 }
 
 void Application::endIfDone() {

@@ -34,6 +34,10 @@ class Application {
     bool autoQuit = false;
 
   protected:
+    /// The program's name for people, which assistive technology says, and that of its entry among the desktop's
+    /// programs.
+    static void setName(const std::string& shown, const std::string& desktopFile);
+
     /// The picture in title bars and task lists.
     static void setIcon(const Picture& picture);
 

@@ -54,6 +54,8 @@ void Control::refresh() {
     widget_->repaint();
 }
 
+void Control::setSpokenName(const std::string& name) { widget_->setAccessibleName(QString::fromStdString(name)); }
+
 void Control::setFocus() { widget_->setFocus(); }
 
 void Control::changed() {

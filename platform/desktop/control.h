@@ -30,6 +30,9 @@ class Control {
     void setEnabled(bool enabled);
     void setFocus();
 
+    /// What assistive technology calls a control that has no text to go by.
+    void setSpokenName(const std::string& name);
+
     /// Paints the control at once.
     void refresh();
 

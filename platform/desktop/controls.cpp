@@ -21,6 +21,7 @@
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/fittingLabel.h"
 #include "platform/desktop/givenPath.h"
+#include "platform/desktop/pictureWidget.h"
 #include "platform/values/text.h"
 
 namespace {
@@ -52,6 +53,8 @@ void Label::setText(const std::string& text) {
     text_ = text;
     changed();
 }
+
+void Label::setCaptionOf(const Control& control) { label_->setBuddy(control.widget()); }
 
 void Label::setColour(const Colour& colour) { setTextColour(label_, QPalette::WindowText, colour); }
 
@@ -186,10 +189,7 @@ std::string TabPanel::text() const { return tabs_->tabText(tabs_->currentIndex()
 void TabPanel::setText(const std::string& text) { tabs_->setTabText(tabs_->currentIndex(), shown(text)); }
 
 Canvas::Canvas(QWidget* parent, std::string name, const Place& place, const Picture& picture)
-    : Control(makeChild<QLabel>(parent), std::move(name), place) {
-    widget()->setFocusPolicy(Qt::NoFocus);
-    if (picture) static_cast<QLabel*>(widget())->setPixmap(picture.pixmap());
-}
+    : Control(makeChild<PictureWidget>(parent, picture), std::move(name), place) {}
 
 ProgressBar::ProgressBar(QWidget* parent, std::string name, const Place& place)
     : Control(makeChild<QProgressBar>(parent), std::move(name), place), bar_(static_cast<QProgressBar*>(widget())) {

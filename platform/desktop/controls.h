@@ -33,6 +33,9 @@ class Label : public TextControl {
     void setText(const std::string& text) override;
     void setColour(const Colour& colour);
 
+    /// Makes this label the name of a control that has none of its own.
+    void setCaptionOf(const Control& control);
+
   private:
     void apply() override;
 
@@ -172,7 +175,8 @@ class TabPanel : public TextControl {
     QTabWidget* tabs_;
 };
 
-/// Shows a picture, or nothing where the picture could not be loaded.
+/// Shows a picture, or nothing where the picture could not be loaded. One with a spoken name tells something; any other
+/// is decoration, which assistive technology does not see.
 class Canvas : public Control {
   public:
     Canvas(QWidget* parent, std::string name, const Place& place, const Picture& picture);

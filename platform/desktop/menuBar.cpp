@@ -44,7 +44,7 @@ void MenuBar::fill(QMenuBar& bar) const {
             // The toolkit names the command key of every platform Ctrl.
             const std::string keys = text::replaceAll(item.shortcut, "Cmd", "Ctrl");
             action->setShortcut(QKeySequence(QString::fromStdString(keys)));
-            if (item.icon) action->setIcon(QIcon(item.icon.pixmap()));
+            if (item.icon) action->setIcon(item.icon.icon());
             action->setIconVisibleInMenu(true);
             // Without a role, a platform with a menu of its own for the program would sort items in by their texts.
             action->setMenuRole(item.quits ? QAction::QuitRole : QAction::NoRole);

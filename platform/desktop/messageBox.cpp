@@ -4,6 +4,7 @@
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QGridLayout>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QMessageBox>
 
 #include "platform/desktop/control.h"
@@ -16,10 +17,11 @@ namespace {
 /// No box may grow so tall that its buttons leave the screen.
 constexpr std::size_t longestText = 3000;
 
-/// The toolkit leaves room for a picture also beside a text that has none.
-void removeIndent(QMessageBox& box) {
+/// The toolkit leaves room for a picture also beside a text that has none, and none between the text and its button.
+void spaceEvenly(QMessageBox& box) {
     auto* layout = qobject_cast<QGridLayout*>(box.layout());
     layout->setHorizontalSpacing(0);
+    layout->setVerticalSpacing(14);
     for (int i = layout->count() - 1; i >= 0; --i) {
         if (layout->itemAt(i)->spacerItem() != nullptr) std::unique_ptr<QLayoutItem>(layout->takeAt(i)).reset();
     }
@@ -27,6 +29,8 @@ void removeIndent(QMessageBox& box) {
 
 int run(QMessageBox& box, const std::string& text) {
     box.setTextFormat(Qt::PlainText);
+    const QString title = box.windowTitle().trimmed();
+    box.setAccessibleName(title.isEmpty() ? QCoreApplication::applicationName() : title);
     box.setText(QString::fromStdString(text::shortened(text, longestText)));
     Control::applyChanges();
     const int answer = box.exec();
@@ -41,7 +45,7 @@ void showMessage(const std::string& text) {
     box.setObjectName("message");
     // For an empty title the toolkit puts the program's file name.
     box.setWindowTitle(" ");
-    removeIndent(box);
+    spaceEvenly(box);
     run(box, text);
 }
 
@@ -50,6 +54,7 @@ bool askYesNo(const std::string& title, const std::string& text, Answer onEnter)
     box.setObjectName("question");
     box.setWindowTitle(QString::fromStdString(title));
     box.setIcon(QMessageBox::Question);
+    if (auto* icon = box.findChild<QLabel*>("qt_msgboxex_icon_label")) icon->setAccessibleName("Question");
     box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(onEnter == Answer::yes ? QMessageBox::Yes : QMessageBox::No);
     box.setEscapeButton(QMessageBox::No);

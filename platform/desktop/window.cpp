@@ -105,6 +105,12 @@ void Window::refresh(bool immediate) {
     painting::paint();
 }
 
+void Window::setTabOrder(std::initializer_list<const Control*> controls) {
+    for (auto next = controls.begin() + 1; next < controls.end(); ++next) {
+        QWidget::setTabOrder((*(next - 1))->widget(), (*next)->widget());
+    }
+}
+
 void Window::takeFiles(std::function<void(const std::string& path)> taker) { widget_->takeFiles(std::move(taker)); }
 
 int Window::openCount() { return static_cast<int>(openWindows().size()); }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -62,6 +63,9 @@ class Window {
 
   protected:
     explicit Window(const WindowLayout& layout);
+
+    /// The order in which Tab goes from one control to the next.
+    static void setTabOrder(std::initializer_list<const Control*> controls);
 
     /// Has files dropped anywhere on the window handed to the taker, by their paths, one at a time.
     void takeFiles(std::function<void(const std::string& path)> taker);

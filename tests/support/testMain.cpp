@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/app.h"
+#include "windowdriver/windowDriver.h"
 
 int main(int argumentCount, char** arguments) {
     // No display is needed, and dates read the same on every machine.
@@ -11,6 +12,7 @@ int main(int argumentCount, char** arguments) {
     setenv("LC_ALL", "en_GB.UTF-8", 1);
     // The files of the tests are many and short-lived; memory serves them many times faster than a disk.
     if (std::filesystem::is_directory("/dev/shm")) setenv("TMPDIR", "/dev/shm", 0);
+    dropNoticesOfThePlatform();
     testing::InitGoogleTest(&argumentCount, arguments);
     App app(argumentCount, arguments);
     return RUN_ALL_TESTS();
