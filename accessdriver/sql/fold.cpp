@@ -1,23 +1,18 @@
 #include "accessdriver/sql/fold.h"
 
 #include <algorithm>
-#include <clocale>
 #include <cwctype>
-#include <locale.h>  // NOLINT: newlocale lives here, not in <clocale>
-#include <memory>
+
+#include "accessdriver/sql/cLocale.h"
 
 namespace sql {
 
 namespace {
 
-struct FreeLocale {
-    void operator()(locale_t locale) const noexcept { freelocale(locale); }
-};
-using LocaleHandle = std::unique_ptr<std::remove_pointer_t<locale_t>, FreeLocale>;
-
-// The application's own locale may be plain "C", which knows ASCII only.
+// The application's own locale may be plain "C", which knows ASCII only. Not every system has one that is named for
+// Unicode alone, but each has an American one.
 wint_t lower(wint_t character) {
-    static const LocaleHandle unicode(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr));
+    static const LocaleHandle unicode = openLocale(LC_CTYPE_MASK, {"C.UTF-8", "UTF-8", "en_US.UTF-8"});
     return unicode ? towlower_l(character, unicode.get()) : character;
 }
 

@@ -60,18 +60,19 @@ Token Lexer::next() {
 Token Lexer::delimited(TokenKind kind, char closing) {
     const std::size_t start = at_;
     char doubled = '\0';
-    for (std::size_t i = start + 1;; ++i) {
-        i = statement_.find(closing, i);
-        if (i == std::string_view::npos) {
+    std::size_t from = start + 1;
+    for (;;) {
+        const std::size_t end = statement_.find(closing, from);
+        if (end == std::string_view::npos) {
             throw refusedAt(statement_, start, std::string("the closing ") + closing + " is missing.");
         }
-        const bool pair = kind == TokenKind::text && i + 1 < statement_.size() && statement_[i + 1] == closing;
+        const bool pair = kind == TokenKind::text && end + 1 < statement_.size() && statement_[end + 1] == closing;
         if (!pair) {
-            at_ = i + 1;
-            return {kind, statement_.substr(start + 1, i - start - 1), start, doubled};
+            at_ = end + 1;
+            return {kind, statement_.substr(start + 1, end - start - 1), start, doubled};
         }
         doubled = closing;
-        ++i;
+        from = end + 2;
     }
 }
 

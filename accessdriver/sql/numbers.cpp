@@ -4,7 +4,10 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+
+#include "accessdriver/sql/cLocale.h"
 
 namespace sql {
 
@@ -61,12 +64,15 @@ std::string_view trimmed(std::string_view text) {
 std::optional<double> readNumber(std::string_view text) {
     text = trimmed(text);
     const std::string_view unsignedText = text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
-    // The library's reader would take "inf" and "nan" and refuse a plus sign.
+    // The library's reader would take "inf", "nan" and hexadecimal numbers too.
     if (unsignedText.empty() || !(isDigit(unsignedText.front()) || unsignedText.front() == '.')) return std::nullopt;
-    if (text.front() == '+') text = unsignedText;
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    if (unsignedText.find_first_not_of("0123456789.eE+-") != std::string_view::npos) return std::nullopt;
+    // The point is a point, whatever the application's locale has.
+    static const LocaleHandle plain = openLocale(LC_ALL_MASK, {"C"});
+    const std::string copy(text);
+    char* end = nullptr;
+    const double value = strtod_l(copy.c_str(), &end, plain.get());
+    if (end != copy.c_str() + copy.size() || !std::isfinite(value)) return std::nullopt;
     return value;
 }
 

@@ -1,6 +1,7 @@
 // The passes take a quick way through a herd; the plain statements are the slow one. Both have to leave the same
 // behind, whatever the herd holds.
 
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <optional>

@@ -9,6 +9,9 @@
 namespace dates {
 namespace {
 
+/// Bytes; twice what the longest of all regions' forms takes. Notes of any length come here too.
+constexpr std::size_t longestDate = 256;
+
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isSeparator(char c) { return c == '/' || c == '-' || c == '.'; }
 
@@ -214,7 +217,9 @@ std::optional<Date> parse(std::string_view text) {
 }
 
 std::optional<Date> parse(std::string_view text, const Region& region) {
-    const std::string written = comparable(text::trim(text));
+    const std::string_view trimmed = text::trim(text);
+    if (trimmed.size() > longestDate) return std::nullopt;
+    const std::string written = comparable(trimmed);
     for (const Form& form : region.forms()) {
         if (const auto date = FormReader(region, written).read(form)) return date;
     }

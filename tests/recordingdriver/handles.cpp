@@ -9,13 +9,14 @@ namespace recording {
 namespace {
 
 bool contains(const std::vector<int>& numbers, int number) {
-    return std::ranges::find(numbers, number) != numbers.end();
+    return std::find(numbers.begin(), numbers.end(), number) != numbers.end();
 }
 
 bool isSelect(std::string_view statement) {
     constexpr std::string_view word = "select";
-    return std::ranges::equal(statement.substr(0, word.size()), word,
-                              [](unsigned char a, char b) { return std::tolower(a) == b; });
+    const std::string_view begin = statement.substr(0, word.size());
+    return std::equal(begin.begin(), begin.end(), word.begin(), word.end(),
+                      [](unsigned char a, char b) { return std::tolower(a) == b; });
 }
 
 const Answer* findAnswer(std::string_view statement) {

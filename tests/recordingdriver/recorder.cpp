@@ -92,7 +92,8 @@ Recorder& Recorder::refuseStatementsWith(const std::string& part, const Refusal&
 }
 
 Recorder& Recorder::answer(const std::string& start, std::vector<std::string> columns, std::vector<Row> rows) {
-    const bool square = std::ranges::all_of(rows, [&](const Row& row) { return row.size() == columns.size(); });
+    const bool square =
+        std::all_of(rows.begin(), rows.end(), [&](const Row& row) { return row.size() == columns.size(); });
     if (columns.empty() || !square) throw std::invalid_argument("each row of an answer needs a value for each column");
     script_.answers.push_back({start, std::move(columns), std::move(rows)});
     return *this;
