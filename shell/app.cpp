@@ -8,10 +8,10 @@
 
 App::App(int& argumentCount, char** arguments) : Application(argumentCount, arguments) {
     declareFileTypes();
-    majorVersion = 3;
-    minorVersion = 1;
-    bugVersion = 1;
-    version = "3.01.01";
+    majorVersion = TOLVARIS_MAJOR;
+    minorVersion = TOLVARIS_MINOR;
+    bugVersion = TOLVARIS_BUG;
+    version = TOLVARIS_VERSION_TEXT;
     setName("Tolvaris File Converter", "tolvaris-converter");
     setIcon(pictures::tolvaris());
 }
