@@ -3,16 +3,12 @@
 #include <algorithm>
 #include <array>
 
+#include "fieldtext/sexWords.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 
 namespace appSystem {
 namespace {
-
-constexpr std::array<std::string_view, 10> maleWords{"m",    "male", "dog",  "sire", "buck",
-                                                     "cock", "boar", "bull", "b",    "c"};
-constexpr std::array<std::string_view, 10> femaleWords{"f",   "female", "bitch", "dam", "doe",
-                                                       "hen", "sow",    "cow",   "d",   "h"};
 
 bool isOneOf(const std::array<std::string_view, 10>& words, std::string_view text) {
     for (const std::string_view word : words) {
