@@ -10,8 +10,11 @@ include(CheckPIESupported)
 check_pie_supported()
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# The compiler may have its own level set already, and warns when it is named twice.
-target_compile_options(tolvaris_options INTERFACE -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+# The compiler may have its own level set already, and warns when it is named twice. The C library warns of code that is
+# checked but not optimized, so a target of such code says TOLVARIS_UNOPTIMIZED.
+set(unoptimized $<BOOL:$<TARGET_PROPERTY:TOLVARIS_UNOPTIMIZED>>)
+target_compile_options(tolvaris_options INTERFACE
+    -U_FORTIFY_SOURCE $<$<NOT:${unoptimized}>:-D_FORTIFY_SOURCE=2>)
 foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection)
     string(MAKE_C_IDENTIFIER "HAS${flag}" has)
     check_cxx_compiler_flag(${flag} ${has})
