@@ -40,11 +40,7 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${debian}/driverE
 
 # What every Debian package says of itself.
 install(FILES ${debian}/copyright DESTINATION ${documents})
-foreach(change changelog.Debian=${debian}/changelog changelog=${PROJECT_SOURCE_DIR}/CHANGELOG.md)
-    string(REGEX MATCH "^([^=]+)=(.+)$" ignored ${change})
-    set(packed ${CMAKE_CURRENT_BINARY_DIR}/${CMAKE_MATCH_1}.gz)
-    file(ARCHIVE_CREATE OUTPUT ${packed} PATHS ${CMAKE_MATCH_2} FORMAT raw COMPRESSION GZip COMPRESSION_LEVEL 9
-         MTIME "1970-01-01")
-    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_MATCH_2})
-    install(FILES ${packed} DESTINATION ${documents})
-endforeach()
+compress(${debian}/changelog ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz)
+compress(${PROJECT_SOURCE_DIR}/CHANGELOG.md ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/changelog.Debian.gz ${CMAKE_CURRENT_BINARY_DIR}/changelog.gz
+        DESTINATION ${documents})

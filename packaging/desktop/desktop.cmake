@@ -4,9 +4,7 @@ set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
 foreach(template tolvaris-converter.metainfo.xml tolvaris-converter.1)
     configure_file(${desktop}/${template}.in ${CMAKE_CURRENT_BINARY_DIR}/${template} @ONLY)
 endforeach()
-# A manual page is kept compressed, without the time of the build in it.
-file(ARCHIVE_CREATE OUTPUT ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1.gz PATHS
-     ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1 FORMAT raw COMPRESSION GZip COMPRESSION_LEVEL 9 MTIME "1970-01-01")
+compress(${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1 ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1.gz)
 
 install(FILES ${desktop}/tolvaris-converter.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
