@@ -147,6 +147,13 @@ const TableInfo& Connection::table(std::string_view name) {
     }
     auto store = std::make_unique<TableStore>(
         *pages_, readTableDefinition(*pages_, entry->definitionPage, entry->name, defaultSortOrder_));
+    try {
+        store->applyProperties(readTableProperties(*pages_, *entry, defaultSortOrder_));
+    } catch (const Error& error) {
+        if (error.fault() != Fault::corrupt) throw;
+        store->forbidWriting("The table " + entry->name +
+                             " can be read only, since nothing tells what it allows: " + error.what());
+    }
     const TableInfo& info = store->definition().info;
     stores_[&info] = store.get();
     tables_[folded] = std::move(store);

@@ -31,6 +31,7 @@ enum class Fault {
     nullNotAllowed,  ///< Null for a primary key or required index
     duplicateKey,    ///< a unique index already holds the key
     busy,            ///< another connection of this process has uncommitted changes
+    ruleBroken,      ///< the column's properties forbid the value
     readOnly,        ///< a change through a connection that is open for reading only
     io               ///< reading or writing the file failed (disk full, ...)
 };
@@ -68,9 +69,10 @@ struct ColumnInfo {
     ColumnType type = ColumnType::text;
     int length = 0;  ///< characters for text, bytes for fixed types, 0 for memo and OLE
     bool autoNumber = false;
-    bool required = false;  ///< part of a primary key or of an index that takes no nulls
-    int precision = 0;      ///< digits of a Numeric
-    int scale = 0;          ///< how many of them stand behind the point
+    bool required = false;          ///< takes no Null: by its properties, or part of a primary key or such an index
+    std::string defaultValue = {};  ///< the expression in its properties, empty for none
+    int precision = 0;              ///< digits of a Numeric
+    int scale = 0;                  ///< how many of them stand behind the point
 };
 
 struct IndexInfo {
@@ -156,8 +158,9 @@ class Database {
     /// connection. Throws Error(noSuchTable).
     virtual const TableInfo& table(std::string_view name) = 0;
 
-    /// Adds a row; columns without an assignment, or with Null, are Null (No for yes/no, the next number for an
-    /// AutoNumber). A greater number given to an AutoNumber is the one that counting goes on from.
+    /// Adds a row; columns without an assignment have their default, if it is one that is understood (see ColumnRules),
+    /// or are Null as columns with Null are (No for yes/no, the next number for an AutoNumber). A greater number given
+    /// to an AutoNumber is the one that counting goes on from.
     virtual RowId insert(const TableInfo& table, std::span<const Assignment> values) = 0;
 
     /// Changes columns of the row. An AutoNumber takes a number, no Null. Throws Error(corrupt) for a row that is not

@@ -20,25 +20,17 @@ struct FaultCode {
 // What the storage engine's faults are called outside. The native codes are this driver's own; applications may keep
 // them, so a number never changes its meaning.
 using jet::Fault;
-constexpr std::array<FaultCode, 18> faultCodes = {{
-    {Fault::noSuchFile, "08001", -1001},
-    {Fault::noPermission, "08001", -1002},
-    {Fault::inUse, "08004", -1003},
-    {Fault::notAccess, "08001", -1004},
-    {Fault::tooOld, "08001", -1005},
-    {Fault::tooNew, "08001", -1006},
-    {Fault::encoded, "08001", -1007},
-    {Fault::wrongPassword, "28000", -1008},
-    {Fault::corrupt, "HY000", -1009},
-    {Fault::io, "HY000", -1010},
-    {Fault::noSuchTable, "42S02", -1101},
-    {Fault::notWritable, "42000", -1102},
-    {Fault::badValue, "22018", -1103},
-    {Fault::tooLong, "22001", -1104},
-    {Fault::nullNotAllowed, "23000", -1105},
-    {Fault::duplicateKey, "23000", -1106},
-    {Fault::busy, "40001", -1107},
-    {Fault::readOnly, "HY000", -1108},
+constexpr std::array<FaultCode, 19> faultCodes = {{
+    {Fault::noSuchFile, "08001", -1001},     {Fault::noPermission, "08001", -1002},
+    {Fault::inUse, "08004", -1003},          {Fault::notAccess, "08001", -1004},
+    {Fault::tooOld, "08001", -1005},         {Fault::tooNew, "08001", -1006},
+    {Fault::encoded, "08001", -1007},        {Fault::wrongPassword, "28000", -1008},
+    {Fault::corrupt, "HY000", -1009},        {Fault::io, "HY000", -1010},
+    {Fault::noSuchTable, "42S02", -1101},    {Fault::notWritable, "42000", -1102},
+    {Fault::badValue, "22018", -1103},       {Fault::tooLong, "22001", -1104},
+    {Fault::nullNotAllowed, "23000", -1105}, {Fault::duplicateKey, "23000", -1106},
+    {Fault::busy, "40001", -1107},           {Fault::readOnly, "HY000", -1108},
+    {Fault::ruleBroken, "23000", -1109},
 }};
 
 constexpr SQLINTEGER refusedStatement = -1200;  // any refusal of the SQL room, told apart by its SQLSTATE

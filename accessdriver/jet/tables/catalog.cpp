@@ -29,6 +29,15 @@ Wanted valueOf(const TableStore& table, const StoredRow& row, std::size_t column
 
 }  // namespace
 
+std::vector<PropertyList> readTableProperties(PageAccess& pages, const CatalogEntry& entry,
+                                              std::uint32_t defaultSortOrder) {
+    const TableStore table(pages, readTableDefinition(pages, catalogPage, catalogName, defaultSortOrder));
+    std::vector<std::uint8_t> bytes;
+    if (!table.read(entry.row, bytes)) return {};
+    const StoredRow row(table.definition(), bytes, entry.row);
+    return readProperties(valueOf<Bytes>(table, row, columnOf(table.definition(), "LvProp", ColumnType::ole)));
+}
+
 std::vector<CatalogEntry> readCatalog(PageAccess& pages, std::uint32_t defaultSortOrder) {
     const TableStore table(pages, readTableDefinition(pages, catalogPage, catalogName, defaultSortOrder));
     const TableDefinition& definition = table.definition();
@@ -46,7 +55,7 @@ std::vector<CatalogEntry> readCatalog(PageAccess& pages, std::uint32_t defaultSo
         if ((static_cast<std::uint32_t>(valueOf<std::int32_t>(table, row, flags)) & catalog::systemFlags) != 0)
             continue;
         const auto page = static_cast<std::uint32_t>(valueOf<std::int32_t>(table, row, id)) & catalog::pageMask;
-        entries.push_back({valueOf<std::string>(table, row, name), page});
+        entries.push_back({valueOf<std::string>(table, row, name), page, *at});
         if (entries.size() > maxEntries) failCorrupt("its catalog has too many entries");
     }
     return entries;

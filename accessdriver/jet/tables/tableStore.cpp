@@ -7,6 +7,7 @@
 #include "accessdriver/jet/indexes/indexTree.h"
 #include "accessdriver/jet/records/longValue.h"
 #include "accessdriver/jet/records/tableDefinitionFormat.h"
+#include "accessdriver/jet/records/text.h"
 #include "accessdriver/jet/records/valueCodec.h"
 #include "accessdriver/jet/storage/allocation.h"
 #include "accessdriver/jet/storage/usageMap.h"
@@ -120,10 +121,41 @@ void TableStore::requireWritable(std::span<const Assignment> values) const {
     }
 }
 
+void TableStore::applyProperties(const std::vector<PropertyList>& lists) {
+    rules_.clear();
+    for (std::size_t i = 0; i < table_.columns.size(); ++i) {
+        const std::string name = foldCase(table_.columns[i].name);
+        const auto list = std::find_if(lists.begin(), lists.end(),
+                                       [&](const PropertyList& each) { return foldCase(each.owner) == name; });
+        rules_.push_back(list == lists.end() ? ColumnRules() : ColumnRules(table_.columns[i], list->properties));
+        if (list == lists.end()) continue;
+        table_.info.columns[i].required |= rules_[i].required();
+        table_.info.columns[i].defaultValue = textOf(find(list->properties, "DefaultValue"));
+    }
+    if (lists.empty()) rules_.clear();
+}
+
+// The values of a new row, with the defaults of the columns that have none, and Null for the others that must not be.
+std::vector<Assignment> TableStore::withDefaults(std::span<const Assignment> values) const {
+    std::vector<Assignment> all(values.begin(), values.end());
+    std::vector<bool> given(table_.columns.size());
+    for (const Assignment& value : values) given[value.column] = true;
+    for (std::size_t i = 0; i < rules_.size(); ++i) {
+        if (given[i]) continue;
+        if (rules_[i].hasDefault()) {
+            all.push_back({i, rules_[i].defaultValue()});
+        } else if (rules_[i].required()) {
+            all.push_back({i, {}});
+        }
+    }
+    return all;
+}
+
 void TableStore::encodeAssignments(std::span<const Assignment> values, Draft& draft) const {
     for (const Assignment& assignment : values) {
         const std::size_t i = assignment.column;
         const Column& column = table_.columns[i];
+        if (!rules_.empty()) rules_[i].require(table_.name, column, assignment.value);
         draft.changed[i] = true;
         draft.isLong[i] = false;
         std::vector<std::uint8_t>& bytes = draft.pieces[i];
@@ -213,7 +245,7 @@ void TableStore::requireNotNull(const Index& index, const IndexKey& key) const {
 RowId TableStore::insert(std::span<const Assignment> values) {
     requireWritable(values);
     Draft draft(table_.columns.size());
-    encodeAssignments(values, draft);
+    rules_.empty() ? encodeAssignments(values, draft) : encodeAssignments(withDefaults(values), draft);
     fillAutoNumber(draft);
     storeLongValues(draft);
     buildRow(draft);

@@ -9,6 +9,7 @@
 #include "accessdriver/jet/records/row.h"
 #include "accessdriver/jet/records/tableDefinition.h"
 #include "accessdriver/jet/storage/pageAccess.h"
+#include "accessdriver/jet/tables/columnRules.h"
 
 namespace jet {
 
@@ -24,6 +25,11 @@ class TableStore {
     TableStore(PageAccess& pages, TableDefinition definition) : pages_(pages), table_(std::move(definition)) {}
 
     const TableDefinition& definition() const { return table_; }
+
+    /// From now on the rules in these properties hold for what is written.
+    void applyProperties(const std::vector<PropertyList>& lists);
+    /// From now on writing is refused with this sentence.
+    void forbidWriting(const std::string& sentence) { table_.notWritable = sentence; }
 
     /// Adds a row. Throws Error: notWritable, badValue, tooLong, nullNotAllowed, duplicateKey, io, corrupt.
     RowId insert(std::span<const Assignment> values);
@@ -44,6 +50,7 @@ class TableStore {
     struct Draft;
 
     void requireWritable(std::span<const Assignment> values) const;
+    std::vector<Assignment> withDefaults(std::span<const Assignment> values) const;
     void encodeAssignments(std::span<const Assignment> values, Draft& draft) const;
     void storeLongValues(Draft& draft);
     void fillAutoNumber(Draft& draft);
@@ -59,6 +66,7 @@ class TableStore {
 
     PageAccess& pages_;
     TableDefinition table_;
+    std::vector<ColumnRules> rules_;  // by column; none for a table without properties
     // The page that last took a row, tried first for the next one. A hint: it is checked before use.
     std::uint32_t roomyPage_ = 0;
 };

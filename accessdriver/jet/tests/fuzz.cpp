@@ -1,6 +1,6 @@
 // jet_fuzz SEED ITERATIONS [FILE...]: damages files and works on them with everything the engine has. It may refuse
 // whatever it likes; it must not crash, hang, or read outside of a buffer, which the sanitizers of a debug build tell.
-// Without files it makes its own.
+// Without files it makes its own. Blobs of properties are damaged besides, at ten times that number.
 
 #include <chrono>
 #include <cstdio>
@@ -9,15 +9,32 @@
 
 #include "accessdriver/jet/checking/check.h"
 #include "accessdriver/jet/making/cavTables.h"
+#include "accessdriver/jet/records/properties.h"
+#include "accessdriver/jet/records/text.h"
 #include "accessdriver/jet/storage/bytes.h"
+#include "accessdriver/jet/tables/columnRules.h"
 #include "accessdriver/jet/tests/fixture.h"
 
 namespace jet::test {
 namespace {
 
+std::vector<PropertyList> properties() {
+    const auto text = [](const char* name, const char* value) {
+        Property property{name, ColumnType::memo, {}};
+        encodeText(utf16FromUtf8(value), false, property.value);
+        return property;
+    };
+    return {
+        {"whole", {text("DefaultValue", "5"), text("ValidationRule", "<>-1"), {"Required", ColumnType::boolean, {0}}}},
+        {"word", {text("DefaultValue", "\"a\"\"b\""), text("ValidationRule", ">= 'a'")}},
+        {"day", {text("DefaultValue", "=#12/31/1999#"), text("ValidationRule", "<#2100-01-01#")}}};
+}
+
 std::string madeFile(const TempFolder& folder) {
     const std::string path = folder.file("seed.mdb");
-    makeFile(path, {"", {everyType()}});
+    TableSpec table = everyType();
+    table.properties = properties();
+    makeFile(path, {"", {table}});
     const auto database = Database::open(path, "");
     for (int n = 0; n < 120; ++n) {
         Row row = everyTypeRow(n);
@@ -112,6 +129,24 @@ void work(const std::string& path) {
     });
 }
 
+void damageProperties(std::mt19937& random) {
+    std::vector<std::uint8_t> blob = propertyBlob(properties());
+    for (unsigned times = 1 + random() % 4; times > 0; --times) {
+        blob[random() % blob.size()] = static_cast<std::uint8_t>(random() % 3 == 0 ? random() : random() % 40);
+        if (random() % 8 == 0) blob.resize(1 + random() % blob.size());
+    }
+    attempt([&] {
+        for (const PropertyList& list : readProperties(blob)) {
+            for (const ColumnType type : {ColumnType::longInteger, ColumnType::text, ColumnType::dateTime}) {
+                Column column;
+                column.type = type;
+                const ColumnRules rules(column, list.properties);
+                attempt([&] { rules.require("t", column, rules.defaultValue()); });
+            }
+        }
+    });
+}
+
 int run(unsigned seed, unsigned long iterations, const std::vector<std::string>& files) {
     const TempFolder folder;
     std::vector<std::string> seeds = {madeFile(folder)};
@@ -120,6 +155,7 @@ int run(unsigned seed, unsigned long iterations, const std::vector<std::string>&
     double slowest = 0;
     for (unsigned long i = 0; i < iterations; ++i) {
         std::mt19937 random(seed + static_cast<unsigned>(i));
+        for (int blob = 0; blob < 10; ++blob) damageProperties(random);
         std::string bytes = seeds[random() % seeds.size()];
         damage(bytes, random);
         writeWhole(path, bytes);
