@@ -12,6 +12,7 @@
 #include "shell/state/paths.h"
 #include "shell/windows/frmMain.h"
 #include "shell/windows/frmWait.h"
+#include "stores/animalNames.h"
 #include "stores/rsdAccess.h"
 #include "stores/rsdSettings.h"
 
@@ -37,13 +38,13 @@ std::array<std::string, 15> customFields() {
 }
 
 /// The parents' names are the only values that no comma or line end rule touches.
-std::string animalRow(RecordSet& records) {
+std::string animalRow(RecordSet& records, stores::AnimalNames& names) {
     static const std::array<std::string, 15> customs = customFields();
     std::string row;
     const auto add = [&](std::string_view value) { row.append(value).append(","); };
     const auto addField = [&](std::string_view field) { add(GetFieldString(&records, field)); };
     const auto addParent = [&](const char* idField) {
-        add(appSystem::getNameFromId(appSystem::db.get(), GetFieldString(&records, idField)));
+        add(names.of(appSystem::db.get(), GetFieldString(&records, idField)));
     };
     addField("name");
     addField("Colour");
@@ -86,10 +87,11 @@ void exportTree() {
     file.writeLine(headingRow());
     // While these rows are open, the connection keeps its lock on the file from one parent's look-up to the next.
     const auto lock = appSystem::db->select("SELECT name FROM sqlite_master");
+    stores::AnimalNames names(appSystem::db);
     for (int recordIndex = 0; !records->atEnd(); ++recordIndex) {
         frmWait().ProgressBar1().setMaximum(static_cast<double>(recordCount));
         if (recordIndex % 50 == 0) report(recordIndex, recordCount);
-        file.writeLine(appSystem::rpa(animalRow(*records)));
+        file.writeLine(appSystem::rpa(animalRow(*records, names)));
         records->moveNext();
         RuntimeBackgroundTask();
     }

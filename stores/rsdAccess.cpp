@@ -1,14 +1,12 @@
 #include "stores/rsdAccess.h"
 
-#include <charconv>
-#include <optional>
-
 #include "fieldtext/textHelpers.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 #include "shell/state/appSystem.h"
+#include "stores/animalNames.h"
 
 namespace appSystem {
 namespace {
@@ -19,14 +17,6 @@ constexpr const char* key = "mbtfwqzkhl";
 std::string dateText(const Field& field) {
     const auto date = field.date();
     return date ? std::string(text::trim(text::left(date->sqlFormWithTime(), 10))) : std::string();
-}
-
-/// An id of digits alone, which means the same as a parameter as in the text of a statement. Most ids are.
-std::optional<std::int64_t> plainNumber(std::string_view id) {
-    std::int64_t number = 0;
-    const auto [end, failed] = std::from_chars(id.data(), id.data() + id.size(), number);
-    const bool isNumber = failed == std::errc() && end == id.data() + id.size() && id.front() != '-';
-    return isNumber ? std::optional(number) : std::nullopt;
 }
 
 /// A text without commas and line ends. Most texts have none, and are copied as they are.
@@ -114,7 +104,7 @@ std::string getNameFromId(SQLiteDatabase* db, std::string_view id) {
     std::string result;
     guarded([&] {
         if (db == nullptr) throw NullReference("the database");
-        if (const auto number = plainNumber(id)) {
+        if (const auto number = stores::plainNumber(id)) {
             SQLiteStatement& statement = db->prepareOnce("SELECT name FROM tree WHERE id =?1");
             statement.bind(1, *number);
             if (statement.step()) result = statement.text(0);

@@ -137,6 +137,8 @@ bool SQLiteDatabase::connect() {
     return false;
 }
 
+bool SQLiteDatabase::isOpen() const { return connection_ && connection_->isOpen(); }
+
 std::shared_ptr<RecordSet> SQLiteDatabase::select(std::string_view sql) {
     if (!connection_ || !connection_->isOpen()) return nullptr;
     auto statement = connection_->prepare(sql);

@@ -33,6 +33,9 @@ class SQLiteDatabase : public Database {
     /// connection: false once the file proved unusable (disk full, input or output failed, file damaged).
     bool connect() override;
 
+    /// Whether there is a connection that was not closed.
+    bool isOpen() const;
+
     std::shared_ptr<RecordSet> select(std::string_view sql) override;
     void execute(std::string_view sql) override;
 

@@ -3,6 +3,7 @@
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
 #include "shell/state/appSystem.h"
+#include "stores/animalNames.h"
 #include "stores/rsdAccess.h"
 #include "stores/rsdSchema.h"
 #include "stores/rsdSettings.h"
@@ -252,6 +253,37 @@ TEST_F(RsdStore, NamesByTheRowsOwnKey) {
     EXPECT_EQ(SqlFile(dataPath).value("SELECT count(*) FROM tree"), "3");
     EXPECT_EQ(getNameFromId(nullptr, "1"), "");
     EXPECT_EQ(boxTexts(), Texts{});
+}
+
+TEST_F(RsdStore, NamesThatAreReadOnceAreThoseOfTheStatement) {
+    for (const char* table :
+         {"CREATE TABLE tree(id integer PRIMARY KEY, name); INSERT INTO tree VALUES (5, 'Ada'), "
+          "(-1, 'Bea'), (7, 12), (8, NULL), (9223372036854775807, 'Cid')",
+          "CREATE TABLE tree(id, name); INSERT INTO tree VALUES (5, 'first'), (5, 'second')",
+          "CREATE TABLE tree(id, name); INSERT INTO tree VALUES (5, 'Ada'), ('7', 'text')",
+          "CREATE TABLE tree(id TEXT, name); INSERT INTO tree VALUES (5, 'Ada'), ('07', 'Bea')",
+          "CREATE TABLE tree(id REAL, name); INSERT INTO tree VALUES (5, 'Ada'), (7.5, 'Bea')",
+          "CREATE TABLE tree(id, name); INSERT INTO tree VALUES (NULL, 'Ada')",
+          "CREATE TABLE tree(id integer PRIMARY KEY); INSERT INTO tree VALUES (5)", "CREATE TABLE other(id)"}) {
+        std::filesystem::remove(path("a.rsd"));
+        SqlFile(path("a.rsd")).run(table);
+        dataPath = path("a.rsd");
+        connectData();
+        stores::AnimalNames names(db);
+        const auto compare = [&] {
+            for (const char* id : {"5", "05", "7", "8", "-1", "+5", "5.0", " 5", "7.5", "", "x", "9223372036854775807",
+                                   "9223372036854775808", "5 OR id = 7", "(SELECT 5)"}) {
+                EXPECT_EQ(names.of(db.get(), id), getNameFromId(db.get(), id)) << table << ": " << id;
+            }
+        };
+        compare();
+        closeData();
+        EXPECT_EQ(names.of(db.get(), "5"), "");
+        SqlFile(path("b.rsd")).run("CREATE TABLE IF NOT EXISTS tree(id, name); INSERT INTO tree VALUES (5, 'other')");
+        dataPath = path("b.rsd");
+        connectData();
+        compare();
+    }
 }
 
 TEST_F(RsdStore, StatementsCommitRollBackAndComeOneAtATime) {
