@@ -191,6 +191,21 @@ void Connection::update(const TableInfo& table, RowId row, std::span<const Assig
     statement.finish();
 }
 
+void Connection::remove(const TableInfo& table, std::span<const RowId> rows) {
+    const Lock lock(file_->mutex);
+    prepareToWrite();
+    TableStore& stored = this->store(table);
+    PageAccess::Statement statement(*pages_);
+    for (const RowId row : rows) stored.remove(row);
+    statement.finish();
+}
+
+std::optional<std::vector<RowId>> Connection::rowsBetween(const TableInfo& table, std::size_t column, const Value& low,
+                                                          const Value& high, std::size_t most) {
+    const Lock lock(file_->mutex);
+    return store(table).rowsBetween(column, low, high, most);
+}
+
 std::unique_ptr<Cursor> Connection::scan(const TableInfo& table) {
     const Lock lock(file_->mutex);
     return std::make_unique<RowCursor>(*this, store(table));

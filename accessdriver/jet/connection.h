@@ -23,6 +23,9 @@ class Connection : public Database {
     const TableInfo& table(std::string_view name) override;
     RowId insert(const TableInfo& table, std::span<const Assignment> values) override;
     void update(const TableInfo& table, RowId row, std::span<const Assignment> values) override;
+    void remove(const TableInfo& table, std::span<const RowId> rows) override;
+    std::optional<std::vector<RowId>> rowsBetween(const TableInfo& table, std::size_t column, const Value& low,
+                                                  const Value& high, std::size_t most) override;
     std::unique_ptr<Cursor> scan(const TableInfo& table) override;
     std::unique_ptr<Cursor> fetch(const TableInfo& table, RowId row) override;
     void commit() override;

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -105,6 +106,10 @@ struct Assignment {
     Value value;
 };
 
+/// Bytes that compare as Access sorts texts, without regard to case; nothing for a text with a character whose place
+/// is not known.
+std::optional<std::string> sortKey(std::string_view text);
+
 /// Walks a table in storage order. It sees its own connection's uncommitted rows. Rows inserted behind its
 /// position may or may not be met. It must not outlive its Database.
 class Cursor {
@@ -167,11 +172,20 @@ class Database {
     /// there.
     virtual void update(const TableInfo& table, RowId row, std::span<const Assignment> values) = 0;
 
+    /// Takes rows away, all or none of them. Rows that are not there any more are passed over.
+    virtual void remove(const TableInfo& table, std::span<const RowId> rows) = 0;
+
     /// All rows of the table.
     virtual std::unique_ptr<Cursor> scan(const TableInfo& table) = 0;
 
     /// One row by its identity, already positioned (no next() needed); null if there is no such row.
     virtual std::unique_ptr<Cursor> fetch(const TableInfo& table, RowId row) = 0;
+
+    /// Rows whose values in one column lie between two values (Null: no bound on that side), the bounds included, in
+    /// no order, by an index that begins with the column. A few others may be among them. Nothing if no index can tell,
+    /// or if there are more than `most`.
+    virtual std::optional<std::vector<RowId>> rowsBetween(const TableInfo& table, std::size_t column, const Value& low,
+                                                          const Value& high, std::size_t most) = 0;
 
     /// The changes reach the file, so that other programs see them, and a crash of this one can't undo them.
     virtual void commit() = 0;

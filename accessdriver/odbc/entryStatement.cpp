@@ -67,7 +67,7 @@ SQLRETURN SQL_API SQLDescribeParam(SQLHSTMT raw, SQLUSMALLINT number, SQLSMALLIN
         if (number == 0 || number > plan.parameters.size()) {
             throw sql::Error("07009", "The statement has no parameter " + std::to_string(number) + ".");
         }
-        const jet::ColumnInfo& column = plan.table->columns[plan.parameters[number - 1U]];
+        const jet::ColumnInfo& column = plan.parameters[number - 1U];
         const SqlType& type = sqlTypeOf(column.type);
         giveValue(type.sqlType, sqlType);
         const Extent extent = extentOf(column);

@@ -120,7 +120,7 @@ void Statement::prepare(std::string text) {
     text_ = std::move(text);
     parsed_ = sql::parse(text_);
     plan_ = session.prepare(parsed_);
-    ird_->columns = sql::resultColumns(*plan_);
+    ird_->columns = plan_->columns;
 }
 
 SQLRETURN Statement::execute() {

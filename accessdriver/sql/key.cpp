@@ -1,5 +1,6 @@
 #include "accessdriver/sql/key.h"
 
+#include <bit>
 #include <cmath>
 #include <functional>
 
@@ -15,18 +16,28 @@ namespace {
 
 using jet::ColumnType;
 
-bool isText(ColumnType type) { return type == ColumnType::text || type == ColumnType::memo; }
-
-bool isNumber(ColumnType type) {
-    return type == ColumnType::byte || type == ColumnType::integer || type == ColumnType::longInteger ||
-           type == ColumnType::currency || type == ColumnType::single || type == ColumnType::doubleFloat ||
-           type == ColumnType::numeric;
-}
-
 constexpr double secondsPerDay = 24 * 60 * 60;
 constexpr double currencyUnits = 10000;
+constexpr std::uint64_t signBit = std::uint64_t{1} << 63;
 
 }  // namespace
+
+ValueKind kindOf(ColumnType type) {
+    switch (type) {
+        case ColumnType::text:
+        case ColumnType::memo:
+            return ValueKind::text;
+        case ColumnType::dateTime:
+            return ValueKind::date;
+        case ColumnType::guid:
+            return ValueKind::guid;
+        case ColumnType::binary:
+        case ColumnType::ole:
+            return ValueKind::bytes;
+        default:
+            return ValueKind::number;
+    }
+}
 
 Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) {
     struct Maker {
@@ -40,9 +51,13 @@ Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) {
         Key operator()(double number) const {
             return column.type == ColumnType::single ? static_cast<double>(static_cast<float>(number)) : number;
         }
-        Key operator()(jet::DateTime date) const { return std::round(date.days * secondsPerDay); }
+        Key operator()(jet::DateTime date) const {
+            const double day = std::trunc(date.days);
+            return day * secondsPerDay + std::round(std::abs(date.days - day) * secondsPerDay);
+        }
         Key operator()(const std::string& text) const { return folded(text); }
         Key operator()(const jet::Bytes& bytes) const {
+            if (column.type == ColumnType::guid) return textOf(bytes, column.type);
             if (column.type != ColumnType::numeric) return {};
             return readNumber(writeDecimal(fromStoredDecimal(bytes, column.scale))).value_or(0);
         }
@@ -51,15 +66,30 @@ Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) {
 }
 
 Key keyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder order) {
-    const bool searchable = isText(column.type) || isNumber(column.type) || column.type == ColumnType::boolean ||
-                            column.type == ColumnType::dateTime;
-    if (!searchable) throw Error("42000", "The column '" + column.name + "' is of a type that WHERE can't compare.");
+    if (!isComparable(column.type)) {
+        throw Error("42000", "The column '" + column.name + "' is of a type that WHERE can't compare.");
+    }
     if (literal.kind == Literal::Kind::null) return {};
     // Compared as they are, text may be longer than the column and a number needs no rounding to the column's type.
     jet::ColumnInfo as = column;
-    if (isText(column.type)) as.type = ColumnType::memo;
-    if (isNumber(column.type) && column.type != ColumnType::single) as.type = ColumnType::doubleFloat;
+    const bool rounded = column.type == ColumnType::single || column.type == ColumnType::boolean;
+    if (kindOf(column.type) == ValueKind::text) as.type = ColumnType::memo;
+    if (kindOf(column.type) == ValueKind::number && !rounded) as.type = ColumnType::doubleFloat;
     return keyOf(fit(literal, as, order), as);
+}
+
+std::string sortable(const Key& key) {
+    constexpr char number = 1, knownText = 2, otherText = 3;
+    if (std::holds_alternative<std::monostate>(key)) return {};
+    if (const auto* text = std::get_if<std::string>(&key)) {
+        const auto order = jet::sortKey(*text);
+        return order ? knownText + *order : otherText + *text;
+    }
+    auto bits = std::bit_cast<std::uint64_t>(std::get<double>(key) + 0.0);  // minus zero counts as zero
+    bits = (bits & signBit) != 0 ? ~bits : bits | signBit;
+    std::string out(1, number);
+    for (int shift = 56; shift >= 0; shift -= 8) out += static_cast<char>(bits >> shift & 0xFF);
+    return out;
 }
 
 std::uint32_t hashOf(const Key& key) {

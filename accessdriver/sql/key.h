@@ -14,6 +14,11 @@ namespace sql {
 /// std::monostate is Null and equals nothing.
 using Key = std::variant<std::monostate, double, std::string>;
 
+/// What can be compared with each other. Bytes can't be compared with anything.
+enum class ValueKind { number, text, date, guid, bytes };
+ValueKind kindOf(jet::ColumnType type);
+inline bool isComparable(jet::ColumnType type) { return kindOf(type) != ValueKind::bytes; }
+
 /// The key of a value that the column holds.
 Key keyOf(const jet::Value& value, const jet::ColumnInfo& column);
 
@@ -25,6 +30,9 @@ Key keyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder orde
 inline bool matches(const Key& left, const Key& right) {
     return !std::holds_alternative<std::monostate>(left) && left == right;
 }
+
+/// A form of the key in which bytes compare as values are sorted: Null first, texts in the order of Access.
+std::string sortable(const Key& key);
 
 std::uint32_t hashOf(const Key& key);
 

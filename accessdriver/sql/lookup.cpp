@@ -87,6 +87,13 @@ void Lookups::noteUpdate(const jet::TableInfo& table, jet::RowId row, std::span<
     }
 }
 
+void Lookups::noteRemovals(const jet::TableInfo& table, std::size_t rows) {
+    dropIfForeign();
+    for (auto at = lookups_.lower_bound({&table, 0}); at != lookups_.end() && at->first.first == &table; ++at) {
+        at->second.noteOutdated(rows);
+    }
+}
+
 void Lookups::dropIfForeign() {
     const std::uint64_t changes = database_->foreignChanges();
     if (changes != changes_) drop();

@@ -24,8 +24,8 @@ class Lookup {
     /// How many entries find() would go through, counted no further than limit.
     std::size_t count(const Key& key, std::size_t limit) const;
 
-    /// Notes that a row got another key, which leaves an entry behind that proposes it in vain.
-    void noteOutdated() { ++outdated_; }
+    /// Notes that rows got another key or went, which leaves entries behind that propose them in vain.
+    void noteOutdated(std::size_t entries = 1) { outdated_ += entries; }
 
     /// Whether so many entries propose in vain that the table should be built anew.
     bool isWorn() const { return outdated_ > 1000 + entries_.size() / 2; }
@@ -63,6 +63,10 @@ class Lookups {
 
     void noteInsert(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values);
     void noteUpdate(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values);
+    void noteRemovals(const jet::TableInfo& table, std::size_t rows);
+
+    /// Whether the column has a lookup, so that asking it costs no scan.
+    bool has(const jet::TableInfo& table, std::size_t column) const { return lookups_.contains({&table, column}); }
     void drop() { lookups_.clear(); }
 
   private:

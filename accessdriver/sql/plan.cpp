@@ -1,13 +1,18 @@
 #include "accessdriver/sql/plan.h"
 
-#include <numeric>
+#include <algorithm>
 
 #include "accessdriver/sql/error.h"
 #include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/key.h"
+#include "accessdriver/sql/numbers.h"
 
 namespace sql {
 
 namespace {
+
+using jet::ColumnInfo;
+using jet::ColumnType;
 
 const jet::TableInfo& findTable(jet::Database& database, std::string_view name) try {
     return database.table(name);
@@ -22,10 +27,13 @@ const jet::TableInfo& findTable(jet::Database& database, std::string_view name) 
 
 class Columns {
   public:
-    explicit Columns(const jet::TableInfo& table) : table_(table) {}
+    Columns(const jet::TableInfo& table, std::string_view alias) : table_(table), alias_(alias) {}
+
+    const ColumnInfo& operator[](std::size_t at) const { return table_.columns[at]; }
 
     // Lists mostly name the columns in the table's order, so the search starts behind the one found last.
-    std::size_t find(Name name) {
+    std::size_t find(const Name& name) {
+        requireTable(name.qualifier);
         const std::size_t count = table_.columns.size();
         for (std::size_t i = 0; i < count; ++i) {
             const std::size_t at = (next_ + i) % count;
@@ -37,17 +45,38 @@ class Columns {
         throw Error("42S22", "The table '" + table_.name + "' has no column '" + std::string(name.text) + "'.");
     }
 
+    // A name before a column's is the alias, or the table's own name where there is none.
+    void requireTable(std::string_view qualifier) const {
+        if (qualifier.empty() || sameName(qualifier, alias_.empty() ? table_.name : alias_)) return;
+        throw Error("42S22", "The statement has no table '" + std::string(qualifier) + "'.");
+    }
+
   private:
     const jet::TableInfo& table_;
+    std::string_view alias_;
     std::size_t next_ = 0;
 };
 
+ColumnInfo unknownColumn() { return {.name = "?", .type = ColumnType::text, .length = 255}; }
+
+// The column that plain values are compared as.
+ColumnInfo columnFor(const std::vector<Plan::Operand>& operands) {
+    ColumnInfo as = {.name = "?", .type = ColumnType::memo};
+    for (const Plan::Operand& operand : operands) {
+        const Literal::Kind kind = operand.term.literal.kind;
+        if (kind == Literal::Kind::number || kind == Literal::Kind::boolean) as.type = ColumnType::doubleFloat;
+        if (kind == Literal::Kind::date) as.type = ColumnType::dateTime;
+    }
+    return as;
+}
+
 class Planner {
   public:
-    Planner(const Statement& statement, const jet::TableInfo& table) : statement_(statement), columns_(table) {
+    Planner(const Statement& statement, const jet::TableInfo& table)
+        : statement_(statement), columns_(table, statement.tableAlias) {
         plan_.kind = statement.kind;
         plan_.table = &table;
-        plan_.parameters.resize(statement.parameters);
+        plan_.parameters.resize(statement.parameters, unknownColumn());
     }
 
     Plan plan() {
@@ -59,68 +88,186 @@ class Planner {
                 for (const Equation& setting : statement_.settings) addTarget(setting.column, setting.term);
                 break;
             case Statement::Kind::select:
-                for (const Name& name : statement_.columns) plan_.columns.push_back(columns_.find(name));
+                planSelect();
                 break;
-            case Statement::Kind::selectAll:
-                plan_.columns.resize(plan_.table->columns.size());
-                std::iota(plan_.columns.begin(), plan_.columns.end(), std::size_t{0});
-                break;
-            case Statement::Kind::count:
+            case Statement::Kind::remove:
                 break;
         }
-        for (const Equation& condition : statement_.where) {
-            plan_.where.push_back(target(columns_.find(condition.column), condition.term));
-        }
+        if (statement_.where) plan_.where = condition(*statement_.where);
         return std::move(plan_);
     }
 
   private:
     void planInsert() {
-        const std::size_t count = statement_.columns.size();
-        plan_.targets.reserve(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            addTarget(statement_.columns[i], i < statement_.values.size() ? statement_.values[i] : Term{});
+        std::vector<Name> names = statement_.columns;
+        if (names.empty()) {
+            for (const ColumnInfo& column : plan_.table->columns) names.push_back({.text = column.name});
         }
-        if (statement_.values.size() == count) return;
-        throw Error("21S01", "The statement names " + std::to_string(count) + " columns and gives " +
+        plan_.targets.reserve(names.size());
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            addTarget(names[i], i < statement_.values.size() ? statement_.values[i] : Term{});
+        }
+        if (statement_.values.size() == names.size()) return;
+        throw Error("21S01", "The statement names " + std::to_string(names.size()) + " columns and gives " +
                                  std::to_string(statement_.values.size()) + " values.");
     }
 
-    void addTarget(Name name, const Term& term) {
+    void addTarget(const Name& name, const Term& term) {
         const std::size_t column = columns_.find(name);
         if (taken_.size() <= column) taken_.resize(plan_.table->columns.size());
         if (taken_[column]) throw Error("42000", "The column '" + std::string(name.text) + "' is set twice.");
         taken_[column] = true;
-        plan_.targets.push_back(target(column, term));
+        note(term, columns_[column]);
+        plan_.targets.push_back({column, term});
     }
 
-    Plan::Target target(std::size_t column, const Term& term) {
+    void note(const Term& term, const ColumnInfo& column) {
         if (term.parameter != Term::noParameter) plan_.parameters[term.parameter] = column;
-        return {column, term};
+    }
+
+    // --- what is selected
+
+    void planSelect() {
+        plan_.distinct = statement_.distinct;
+        plan_.top = statement_.top;
+        for (const SelectItem& item : statement_.items) {
+            if (item.kind == SelectItem::Kind::everyColumn) {
+                columns_.requireTable(item.column.qualifier);
+                for (std::size_t at = 0; at < plan_.table->columns.size(); ++at) addItem({.column = at}, {});
+            } else {
+                const bool hasColumn = item.kind != SelectItem::Kind::value && item.kind != SelectItem::Kind::countAll;
+                addItem({item.kind, hasColumn ? columns_.find(item.column) : Plan::noColumn, item.value.literal},
+                        item.alias);
+            }
+        }
+        const auto aggregates = [](const Plan::Item& item) { return item.kind >= SelectItem::Kind::count; };
+        const auto some = std::count_if(plan_.items.begin(), plan_.items.end(), aggregates);
+        if (some > 0 && static_cast<std::size_t>(some) < plan_.items.size()) {
+            throw Error("42000", "Without GROUP BY, COUNT, MIN, MAX, SUM and AVG do not go with plain columns.");
+        }
+        for (const OrderItem& item : statement_.order) plan_.order.push_back({orderColumn(item), item.descending});
+    }
+
+    void addItem(const Plan::Item& item, std::string_view alias) {
+        ResultColumn column = described(item);
+        if (!alias.empty()) column.name = alias;
+        // Access calls columns without a name of their own so.
+        if (column.name.empty()) column.name = "Expr" + std::to_string(1000 + unnamed_++);
+        plan_.columns.push_back(std::move(column));
+        plan_.items.push_back(item);
+    }
+
+    ResultColumn described(const Plan::Item& item) const;
+
+    std::size_t orderColumn(const OrderItem& item) {
+        const auto refuse = [](const std::string& what) { throw Error("42000", "ORDER BY can't use " + what + "."); };
+        if (item.number > plan_.items.size()) refuse("the column number " + std::to_string(item.number));
+        if (item.number > 0) {
+            const std::size_t column = plan_.items[item.number - 1].column;
+            if (column == Plan::noColumn) refuse("a column that is none of the table's");
+            return column;
+        }
+        for (std::size_t i = 0; i < plan_.items.size() && item.column.qualifier.empty(); ++i) {
+            const bool aliased =
+                plan_.items[i].kind == SelectItem::Kind::column && sameName(plan_.columns[i].name, item.column.text);
+            if (aliased) return plan_.items[i].column;
+        }
+        return columns_.find(item.column);
+    }
+
+    // --- conditions
+
+    Plan::Condition condition(const Condition& given) {
+        Plan::Condition out{.kind = given.kind};
+        for (const Condition& part : given.parts) out.parts.push_back(condition(part));
+        for (const Operand& operand : given.operands) {
+            out.operands.push_back({operand.column ? columns_.find(*operand.column) : Plan::noColumn, operand.term});
+        }
+        if (out.operands.empty()) return out;
+        const auto first = std::find_if(out.operands.begin(), out.operands.end(),
+                                        [](const Plan::Operand& o) { return o.column != Plan::noColumn; });
+        out.as = first == out.operands.end() ? columnFor(out.operands) : columns_[first->column];
+        const bool likened = out.kind == Condition::Kind::like;
+        for (const Plan::Operand& operand : out.operands) {
+            note(operand.term, likened ? unknownColumn() : out.as);
+            if (operand.column == Plan::noColumn || out.kind == Condition::Kind::isNull) continue;
+            requireComparable(out.as, columns_[operand.column]);
+        }
+        return out;
+    }
+
+    static void requireComparable(const ColumnInfo& left, const ColumnInfo& right) {
+        for (const ColumnInfo* column : {&left, &right}) {
+            if (isComparable(column->type)) continue;
+            throw Error("42000", "The column '" + column->name + "' is of a type that WHERE can't compare.");
+        }
+        if (kindOf(left.type) == kindOf(right.type)) return;
+        throw Error("42000", "The columns '" + left.name + "' and '" + right.name + "' can't be compared.");
     }
 
     const Statement& statement_;
     Columns columns_;
     Plan plan_;
     std::vector<bool> taken_;
+    int unnamed_ = 0;
 };
+
+ResultColumn valueColumn(const Literal& value) {
+    switch (value.kind) {
+        case Literal::Kind::number: {
+            const bool whole = value.text.find_first_of(".eE") == std::string_view::npos && value.text.size() < 10;
+            return {.name = {}, .type = whole ? ColumnType::longInteger : ColumnType::doubleFloat};
+        }
+        case Literal::Kind::boolean:
+            return {.name = {}, .type = ColumnType::boolean};
+        case Literal::Kind::date:
+            return {.name = {}, .type = ColumnType::dateTime};
+        default:
+            return {.name = {}, .type = value.text.size() > 255 ? ColumnType::memo : ColumnType::text, .length = 255};
+    }
+}
+
+ResultColumn Planner::described(const Plan::Item& item) const {
+    using Kind = SelectItem::Kind;
+    if (item.kind == Kind::value) return valueColumn(item.value);
+    if (item.kind == Kind::count || item.kind == Kind::countAll) {
+        return {.name = {}, .type = ColumnType::longInteger, .length = 4, .nullable = false};
+    }
+    const ColumnInfo& column = columns_[item.column];
+    ResultColumn out{.name = column.name,
+                     .type = column.type,
+                     .length = column.length,
+                     .nullable = !column.required,
+                     .autoNumber = column.autoNumber,
+                     .table = plan_.table->name,
+                     .base = column.name,
+                     .precision = column.precision,
+                     .scale = column.scale};
+    if (item.kind == Kind::column) return out;
+    const bool isSum = item.kind == Kind::sum || item.kind == Kind::average;
+    if (isSum ? kindOf(column.type) != ValueKind::number : !isComparable(column.type)) {
+        throw Error("42000", "The column '" + column.name + "' is of a type for which this function is not made.");
+    }
+    if (isSum && column.type != ColumnType::currency) out.type = ColumnType::doubleFloat;
+    return {.name = {}, .type = out.type, .length = out.length, .precision = out.precision, .scale = out.scale};
+}
+
+Plan planValues(const Statement& statement) {
+    Plan plan{.kind = statement.kind};
+    for (const SelectItem& item : statement.items) {
+        ResultColumn column = valueColumn(item.value.literal);
+        column.name = item.alias.empty() ? "Expr" + std::to_string(1000 + plan.items.size()) : std::string(item.alias);
+        plan.columns.push_back(std::move(column));
+        plan.items.push_back({.kind = item.kind, .value = item.value.literal});
+    }
+    return plan;
+}
 
 }  // namespace
 
 Plan makePlan(const Statement& statement, jet::Database& database) {
-    return Planner(statement, findTable(database, statement.table.text)).plan();
-}
-
-std::vector<ResultColumn> resultColumns(const Plan& plan) {
-    // Access calls the first column without a name of its own so.
-    if (plan.kind == Statement::Kind::count) return {{"Expr1000", jet::ColumnType::longInteger, 4, false}};
-    std::vector<ResultColumn> columns;
-    for (const std::size_t at : plan.columns) {
-        const jet::ColumnInfo& column = plan.table->columns[at];
-        columns.push_back({column.name, column.type, column.length, !column.required, column.autoNumber,
-                           plan.table->name, column.name, column.precision, column.scale});
-    }
-    return columns;
+    if (!statement.table) return planValues(statement);
+    return Planner(statement, findTable(database, statement.table->text)).plan();
 }
 
 }  // namespace sql

@@ -1,9 +1,11 @@
 #include "accessdriver/sql/session.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "accessdriver/sql/convert.h"
 #include "accessdriver/sql/error.h"
+#include "accessdriver/sql/selection.h"
 
 namespace sql {
 
@@ -31,8 +33,8 @@ Outcome Session::run(const Plan& plan, std::span<const Literal> parameters) {
             return {nullptr, insert(plan, parameters)};
         case Statement::Kind::update:
             return {nullptr, update(plan, parameters)};
-        case Statement::Kind::count:
-            return {count(plan, parameters)};
+        case Statement::Kind::remove:
+            return {nullptr, remove(plan, parameters)};
         default:
             return {select(plan, parameters)};
     }
@@ -50,6 +52,7 @@ std::vector<jet::Assignment> Session::assignments(const Plan& plan, std::span<co
 
 std::int64_t Session::insert(const Plan& plan, std::span<const Literal> parameters) {
     const auto values = assignments(plan, parameters);
+    keepOpenRows();
     const jet::RowId row = database_->insert(*plan.table, values);
     open_ = true;
     lookups_.noteInsert(*plan.table, row, values);
@@ -57,41 +60,71 @@ std::int64_t Session::insert(const Plan& plan, std::span<const Literal> paramete
     return 1;
 }
 
-// The condition that the fewest rows may meet. Columns behind one that is rare enough are not looked at, so that no
-// lookup is built over them.
-const Session::Condition& Session::rarest(const jet::TableInfo& table, const std::vector<Condition>& conditions) {
-    if (conditions.size() == 1) return conditions.front();
+// --- finding rows
+
+Matches Session::matches(const Plan& plan, std::span<const Literal> parameters) {
+    if (!plan.where) return {*database_, *plan.table, std::nullopt, std::nullopt};
+    Filter filter(*plan.where, *plan.table, parameters, order_);
+    auto rows = candidates(*plan.table, filter);
+    if (rows) std::sort(rows->begin(), rows->end());
+    return {*database_, *plan.table, std::move(filter), std::move(rows)};
+}
+
+// Rows among which all are that the filter lets through; nothing where the table has to be read.
+std::optional<std::vector<jet::RowId>> Session::candidates(const jet::TableInfo& table, const Filter& filter) {
+    const auto demands = filter.demands();
+    for (const Filter::Demand& demand : demands) {
+        if (auto rows = fromIndex(table, demand)) return rows;
+    }
+    const auto end = std::find_if(demands.begin(), demands.end(), [](const auto& demand) { return !demand.equal; });
+    if (end == demands.begin()) return std::nullopt;
+    // The demand that the fewest rows may meet. Columns behind one that is rare enough are not looked at, so that no
+    // lookup is built over them.
     constexpr std::size_t few = 16;
-    for (std::size_t limit = few;; limit *= 4) {
-        for (const Condition& condition : conditions) {
-            if (lookups_.count(table, condition.column, condition.key, limit) < limit) return condition;
-        }
+    auto rarest = demands.begin();
+    for (std::size_t limit = few; end - demands.begin() > 1; limit *= 4) {
+        rarest = std::find_if(demands.begin(), end, [&](const Filter::Demand& demand) {
+            return lookups_.count(table, demand.column, demand.key, limit) < limit;
+        });
+        if (rarest != end) break;
+    }
+    return lookups_.candidates(table, rarest->column, rarest->key);
+}
+
+// An index needs no scan, but a lookup is faster: who searches often gets one.
+std::optional<std::vector<jet::RowId>> Session::fromIndex(const jet::TableInfo& table, const Filter::Demand& demand) {
+    constexpr int often = 16;
+    constexpr std::size_t mostOfOneKey = 1000;
+    constexpr std::size_t mostInRange = 20000;
+    const jet::ColumnInfo& column = table.columns[demand.column];
+    const bool indexed = std::any_of(table.indexes.begin(), table.indexes.end(),
+                                     [&](const auto& index) { return index.parts.front().column == demand.column; });
+    if (!indexed) return std::nullopt;
+    if (demand.equal) {
+        if (std::holds_alternative<std::monostate>(demand.key)) return std::vector<jet::RowId>();
+        if (lookups_.has(table, demand.column) || ++indexSearches_[{&table, demand.column}] > often)
+            return std::nullopt;
+    }
+    try {
+        // An index sorts dates as numbers, which need not be exact to the second, nor rise within a day before 1900.
+        constexpr double days = 2;
+        const auto bound = [&](const std::optional<Literal>& literal, double further) {
+            jet::Value value = literal ? fit(*literal, column, order_) : jet::Value{};
+            if (auto* date = std::get_if<jet::DateTime>(&value)) date->days += further;
+            return value;
+        };
+        return database_->rowsBetween(table, demand.column, bound(demand.low, -days), bound(demand.high, days),
+                                      demand.equal ? mostOfOneKey : mostInRange);
+    } catch (const Error&) {
+        return std::nullopt;  // a value that the column could not hold
     }
 }
 
-// Calls visit with a cursor on each row that meets the plan's conditions.
-template <class Visit>
-void Session::eachMatch(const Plan& plan, std::span<const Literal> parameters, const Visit& visit) {
-    const jet::TableInfo& table = *plan.table;
-    if (plan.where.empty()) {
-        const auto cursor = database_->scan(table);
-        while (cursor->next()) visit(*cursor);
-        return;
-    }
-    std::vector<Condition> conditions;
-    for (const Plan::Target& target : plan.where) {
-        const jet::ColumnInfo& column = table.columns[target.column];
-        conditions.push_back({target.column, keyFor(resolve(target.term, parameters), column, order_)});
-    }
-    const auto holds = [&](const jet::Cursor& cursor) {
-        return std::all_of(conditions.begin(), conditions.end(), [&](const Condition& condition) {
-            return matches(condition.key, keyOf(cursor.value(condition.column), table.columns[condition.column]));
-        });
-    };
-    const Condition& asked = rarest(table, conditions);
-    for (const jet::RowId row : lookups_.candidates(table, asked.column, asked.key)) {
-        const auto cursor = database_->fetch(table, row);
-        if (cursor && holds(*cursor)) visit(*cursor);
+// --- changing rows
+
+void Session::keepOpenRows() {
+    for (const auto& stream : std::exchange(streams_, {})) {
+        if (const auto rows = stream.lock()) rows->keepRest();
     }
 }
 
@@ -100,14 +133,16 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
     // A row that has the values already is counted and not written: the same update often comes once for each child.
     std::int64_t matched = 0;
     std::vector<Change> changes;
-    eachMatch(plan, parameters, [&](const jet::Cursor& cursor) {
+    Matches met = matches(plan, parameters);
+    while (const jet::Cursor* row = met.next()) {
         ++matched;
         std::vector<jet::Assignment> before;
-        for (const jet::Assignment& v : values) before.push_back({v.column, cursor.value(v.column)});
+        for (const jet::Assignment& v : values) before.push_back({v.column, row->value(v.column)});
         const bool same = std::equal(values.begin(), values.end(), before.begin(),
                                      [](const auto& a, const auto& b) { return a.value == b.value; });
-        if (!same) changes.push_back({cursor.rowId(), std::move(before)});
-    });
+        if (!same) changes.push_back({row->rowId(), std::move(before)});
+    }
+    if (!changes.empty()) keepOpenRows();
     std::size_t done = 0;
     try {
         for (; done < changes.size(); ++done) {
@@ -130,23 +165,31 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
     return matched;
 }
 
+std::int64_t Session::remove(const Plan& plan, std::span<const Literal> parameters) {
+    std::vector<jet::RowId> rows;
+    Matches met = matches(plan, parameters);
+    while (const jet::Cursor* row = met.next()) rows.push_back(row->rowId());
+    if (rows.empty()) return 0;
+    keepOpenRows();
+    database_->remove(*plan.table, rows);
+    open_ = true;
+    lookups_.noteRemovals(*plan.table, rows.size());
+    settle();
+    return static_cast<std::int64_t>(rows.size());
+}
+
 std::shared_ptr<RowSet> Session::select(const Plan& plan, std::span<const Literal> parameters) {
-    auto rows = std::make_shared<RowSet>(resultColumns(plan));
-    std::vector<jet::Value> row(plan.columns.size());
-    eachMatch(plan, parameters, [&](const jet::Cursor& cursor) {
-        std::transform(plan.columns.begin(), plan.columns.end(), row.begin(),
-                       [&](auto at) { return shown(cursor.value(at), plan.table->columns[at]); });
-        rows->add(row);
-    });
+    if (plan.table == nullptr) return plainAnswer(plan);
+    auto rows = answerOf(plan, matches(plan, parameters));
+    std::erase_if(streams_, [](const auto& stream) { return stream.expired(); });
+    streams_.push_back(rows);
     return rows;
 }
 
-std::shared_ptr<RowSet> Session::count(const Plan& plan, std::span<const Literal> parameters) {
-    std::int32_t found = 0;
-    eachMatch(plan, parameters, [&](const jet::Cursor&) { ++found; });
-    auto rows = std::make_shared<RowSet>(resultColumns(plan));
-    rows->add({found});
-    return rows;
+Session::~Session() {
+    for (const auto& stream : streams_) {
+        if (const auto rows = stream.lock()) rows->dropSource();
+    }
 }
 
 Session::Group::~Group() {
@@ -186,6 +229,11 @@ void Session::commit() {
 }
 
 void Session::rollback() {
+    try {
+        keepOpenRows();
+    } catch (const jet::Error&) {
+        // Whoever reads on meets the same failure.
+    }
     database_->rollback();
     open_ = false;
 }

@@ -1,11 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include "accessdriver/jet/database.h"
 #include "accessdriver/sql/lookup.h"
+#include "accessdriver/sql/matches.h"
 #include "accessdriver/sql/plan.h"
 #include "accessdriver/sql/rowSet.h"
 
@@ -19,10 +24,17 @@ struct Outcome {
 
 /// Runs statements on one connection and keeps its transaction.
 /// A statement takes effect as a whole or not at all: one that fails half-way is undone.
+/// Rows are read from the file while they are asked for; before this connection changes rows, the answers that are
+/// still open get copies of theirs.
 class Session {
   public:
     explicit Session(std::unique_ptr<jet::Database> database, DateOrder order = localeDateOrder())
         : database_(std::move(database)), lookups_(*database_), order_(order) {}
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Answers that were not read to their end end here.
+    ~Session();
 
     /// Finds the names of a parsed statement; see makePlan.
     Plan prepare(const Statement& statement) const { return makePlan(statement, *database_); }
@@ -61,25 +73,23 @@ class Session {
     jet::Database& database() const { return *database_; }
 
   private:
-    struct Condition {
-        std::size_t column;
-        Key key;
-    };
-
     std::int64_t insert(const Plan& plan, std::span<const Literal> parameters);
     std::int64_t update(const Plan& plan, std::span<const Literal> parameters);
+    std::int64_t remove(const Plan& plan, std::span<const Literal> parameters);
     std::shared_ptr<RowSet> select(const Plan& plan, std::span<const Literal> parameters);
-    std::shared_ptr<RowSet> count(const Plan& plan, std::span<const Literal> parameters);
 
     std::vector<jet::Assignment> assignments(const Plan& plan, std::span<const Literal> parameters) const;
-    template <class Visit>
-    void eachMatch(const Plan& plan, std::span<const Literal> parameters, const Visit& visit);
-    const Condition& rarest(const jet::TableInfo& table, const std::vector<Condition>& conditions);
+    Matches matches(const Plan& plan, std::span<const Literal> parameters);
+    std::optional<std::vector<jet::RowId>> candidates(const jet::TableInfo& table, const Filter& filter);
+    std::optional<std::vector<jet::RowId>> fromIndex(const jet::TableInfo& table, const Filter::Demand& demand);
+    void keepOpenRows();
     void settle();
 
     std::unique_ptr<jet::Database> database_;
     Lookups lookups_;
     DateOrder order_;
+    std::map<std::pair<const jet::TableInfo*, std::size_t>, int> indexSearches_;  // by column
+    std::vector<std::weak_ptr<RowSet>> streams_;  // answers whose rows are still being read from the file
     bool autocommit_ = true;
     bool open_ = false;
 };

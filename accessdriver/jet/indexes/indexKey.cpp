@@ -120,4 +120,20 @@ void makeIndexKey(PageAccess& pages, const TableDefinition& table, const Index& 
     }
 }
 
+std::vector<std::uint8_t> keyStart(PageAccess& pages, const Column& column, bool ascending,
+                                   std::optional<ByteSpan> stored) {
+    if (!stored) return {ascending ? ascendingLead : descendingLead};
+    IndexKey key;
+    appendPart(pages, column, ascending, {true, *stored}, key);
+    return key.bytes;
+}
+
+std::optional<std::string> sortKey(std::string_view text) try {
+    std::vector<std::uint8_t> key;
+    appendTextKey(utf16FromUtf8(text), key);
+    return std::string(key.begin(), key.end());
+} catch (const Error&) {
+    return std::nullopt;
+}
+
 }  // namespace jet

@@ -83,6 +83,29 @@ bool IndexTree::neighbourHasKey(const EntryTable& table, const PageRef& leaf, st
     return at < table.count() ? table.hasKey(at, key) : edgeHasKey(next(leaf.bytes()), false, key);
 }
 
+std::optional<std::vector<RowId>> IndexTree::rowsBetween(ByteSpan first, ByteSpan last, std::size_t most) {
+    std::vector<RowId> rows;
+    std::vector<std::uint8_t> from(first.begin(), first.end());
+    appendRowId(from, {});
+    Path path;
+    std::uint32_t number = descend(from, path);
+    for (std::size_t pages = 0; number != 0; ++pages) {
+        if (pages > pages_.count()) failCorrupt("the leaves of the index " + index_.name + " lead in a circle");
+        const PageRef leaf = readPage(number);
+        const EntryTable table(leaf);
+        for (std::size_t i = pages == 0 ? table.lowerBound(from) : 0; i < table.count(); ++i) {
+            const std::vector<std::uint8_t> text = table.text(i);
+            const ByteSpan key = keyOf(text);
+            const ByteSpan begin = key.first(std::min(key.size(), last.size()));
+            if (std::lexicographical_compare(last.begin(), last.end(), begin.begin(), begin.end())) return rows;
+            if (rows.size() == most) return std::nullopt;
+            rows.push_back(rowIdOf(text));
+        }
+        number = next(leaf.bytes());
+    }
+    return rows;
+}
+
 // --- adding
 
 bool IndexTree::insert(ByteSpan key, RowId row, bool unique) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "accessdriver/jet/indexes/indexPage.h"
@@ -22,6 +23,10 @@ class IndexTree {
     /// Adds an entry. Returns whether the key was not there before. With unique, a key that is there already is
     /// refused: Error(duplicateKey). Throws Error(corrupt), also if this very entry is there.
     bool insert(ByteSpan key, RowId row, bool unique);
+
+    /// Rows of the entries that are not less than `first` and, as far as it goes, not greater than `last`; nothing if
+    /// there are more than `most`.
+    std::optional<std::vector<RowId>> rowsBetween(ByteSpan first, ByteSpan last, std::size_t most);
 
     /// Takes an entry out. Throws Error(corrupt) if it is not there.
     void remove(ByteSpan key, RowId row);

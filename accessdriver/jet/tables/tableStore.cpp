@@ -319,6 +319,60 @@ void TableStore::update(RowId row, std::span<const Assignment> values) {
     }
 }
 
+void TableStore::remove(RowId row) {
+    requireWritable({});
+    std::vector<std::uint8_t> old;
+    if (!read(row, old)) return;
+    std::vector<Field> fields;
+    decodeRow(table_, old, row, fields);
+    // The keys are made before the long values go.
+    IndexKey key;
+    for (const Index& index : table_.indexes) {
+        makeIndexKey(pages_, table_, index, fields, key);
+        if (entersIndex(index, key)) IndexTree(pages_, table_, index).remove(key.bytes, row);
+    }
+    for (std::size_t i = 0; i < table_.columns.size(); ++i) {
+        if (table_.columns[i].longValue() && fields[i].present) {
+            releaseLongValue(pages_, table_.columns[i], fields[i].bytes);
+        }
+    }
+    const RowId body = bodyOf(row);
+    for (const RowId& place : {body, row}) {
+        PageRef page = pages_.write(place.page);
+        dataPage::resize(page, place.slot, 0);
+        dataPage::setFlags(page, place.slot, dataPage::deletedFlags);
+        if (UsageMap free(pages_, table_.free); !free.contains(place.page)) free.add(place.page);
+        if (body == row) break;
+    }
+    PageRef definition = pages_.write(table_.page);
+    const std::uint32_t count = getU32(definition.bytes(), definitionFormat::rowCountAt);
+    if (count > 0) putU32(definition.writable(), definitionFormat::rowCountAt, count - 1);
+}
+
+std::optional<std::vector<RowId>> TableStore::rowsBetween(std::size_t column, const Value& low, const Value& high,
+                                                          std::size_t most) const {
+    const Column& wanted = table_.columns.at(column);
+    // A table that can't be written may have an index whose keys are not known.
+    if (!table_.notWritable.empty() || wanted.longValue() || wanted.type == ColumnType::boolean) return std::nullopt;
+    const auto index = std::find_if(table_.indexes.begin(), table_.indexes.end(),
+                                    [&](const Index& i) { return i.parts.front().column == column; });
+    if (index == table_.indexes.end()) return std::nullopt;
+    const auto bound = [&](const Value& value) {
+        std::vector<std::uint8_t> stored;
+        if (!std::holds_alternative<std::monostate>(value)) encodeValue(table_, wanted, value, stored);
+        return keyStart(pages_, wanted, index->parts.front().ascending,
+                        std::holds_alternative<std::monostate>(value) ? std::nullopt : std::optional<ByteSpan>(stored));
+    };
+    try {
+        const auto first = bound(index->parts.front().ascending ? low : high);
+        const auto last = bound(index->parts.front().ascending ? high : low);
+        return IndexTree(pages_, table_, *index).rowsBetween(first, last, most);
+    } catch (const Error& error) {
+        if (error.fault() != Fault::badValue && error.fault() != Fault::tooLong) throw;
+        return std::nullopt;  // a value that the column could not hold, or whose key is not known
+    }
+}
+
 // Gives a row new bytes without a change of its identity: in its place, grown or shrunk there, or moved away.
 void TableStore::replaceBody(RowId row, ByteSpan bytes) {
     const RowId body = bodyOf(row);

@@ -36,6 +36,13 @@ class TableStore {
     /// Changes columns of a row. Throws as insert does, and Error(corrupt) if there is no such row.
     void update(RowId row, std::span<const Assignment> values);
 
+    /// Takes a row away; nothing happens if there is no such row. Throws Error: notWritable, corrupt, io.
+    void remove(RowId row);
+
+    /// As Database::rowsBetween.
+    std::optional<std::vector<RowId>> rowsBetween(std::size_t column, const Value& low, const Value& high,
+                                                  std::size_t most) const;
+
     /// Copies the stored bytes of a row, following its pointer if it was moved; false if there is no such row.
     bool read(RowId row, std::vector<std::uint8_t>& bytes) const;
     /// The first row that is not before `from` in storage order.

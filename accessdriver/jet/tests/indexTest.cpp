@@ -270,5 +270,54 @@ TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
     expectReadOnly("type");
 }
 
+// Rows that go leave the rest sound, and their room is used again; an index finds what a walk through the table finds.
+TEST_F(FileTest, rowsThatGoAndRowsBetweenTwoValues) {
+    makeFile(folder.file("a.mdb"), {"", {everyType()}});
+    const auto database = Database::open(folder.file("a.mdb"), "");
+    const TableInfo& info = database->table("everything");
+    for (int n = 0; n < 400; ++n) insert(*database, "everything", everyTypeRow(n));
+    // Some are moved away first, by growing.
+    std::vector<RowId> gone;
+    int walked = 0;
+    for (auto cursor = database->scan(info); cursor->next(); ++walked) {
+        if (walked % 3 == 0) gone.push_back(cursor->rowId());
+    }
+    for (std::size_t i = 0; i < gone.size(); i += 2) {
+        const Assignment change[] = {{9, longText(100, 1)}, {10, longText(100, 2)}, {11, longText(3000, 3)}};
+        database->update(info, gone[i], change);
+    }
+    database->remove(info, gone);
+    database->remove(info, gone);
+    database->commit();
+    EXPECT_EQ(findings(*database), "");
+    EXPECT_EQ(rowsOf(*database, "everything").size(), 400 - gone.size());
+
+    for (std::size_t column = 0; column < info.columns.size(); ++column) {
+        if (!database->rowsBetween(info, column, {}, {}, 1000)) continue;
+        SCOPED_TRACE(info.columns[column].name);
+        std::vector<Value> values;
+        for (const Row& row : rowsOf(*database, "everything")) {
+            if (!std::holds_alternative<std::monostate>(row[column])) values.push_back(row[column]);
+        }
+        ASSERT_FALSE(values.empty());
+        EXPECT_EQ(database->rowsBetween(info, column, {}, {}, 1000)->size(), values.size());
+        EXPECT_EQ(database->rowsBetween(info, column, {}, {}, values.size() - 1), std::nullopt);
+        const Value& wanted = values[values.size() / 2];
+        const auto equal = static_cast<std::size_t>(std::count(values.begin(), values.end(), wanted));
+        const auto met = database->rowsBetween(info, column, wanted, wanted, 1000);
+        ASSERT_TRUE(met);
+        EXPECT_EQ(met->size(), equal);
+        // Both halves together are all, and the value itself is in both.
+        EXPECT_EQ(database->rowsBetween(info, column, {}, wanted, 1000)->size() +
+                      database->rowsBetween(info, column, wanted, {}, 1000)->size(),
+                  values.size() + equal);
+    }
+    const auto pages = std::filesystem::file_size(folder.file("a.mdb"));
+    for (int n = 400; n < 450; ++n) insert(*database, "everything", everyTypeRow(n));
+    database->commit();
+    EXPECT_EQ(findings(*database), "");
+    EXPECT_LE(std::filesystem::file_size(folder.file("a.mdb")), pages + 40000) << "room of rows that are gone is used";
+}
+
 }  // namespace
 }  // namespace jet::test

@@ -87,6 +87,10 @@ void FakeDatabase::update(const jet::TableInfo&, jet::RowId id, std::span<const 
     ++updates;
 }
 
+void FakeDatabase::remove(const jet::TableInfo&, std::span<const jet::RowId> rows) {
+    for (const jet::RowId row : rows) rows_.erase(row);
+}
+
 std::unique_ptr<jet::Cursor> FakeDatabase::scan(const jet::TableInfo&) {
     ++scans;
     return std::make_unique<FakeCursor>(rows_, rows_.begin());

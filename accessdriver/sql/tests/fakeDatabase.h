@@ -22,6 +22,11 @@ class FakeDatabase : public jet::Database {
     const jet::TableInfo& table(std::string_view name) override;
     jet::RowId insert(const jet::TableInfo& table, std::span<const jet::Assignment> values) override;
     void update(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values) override;
+    void remove(const jet::TableInfo& table, std::span<const jet::RowId> rows) override;
+    std::optional<std::vector<jet::RowId>> rowsBetween(const jet::TableInfo&, std::size_t, const jet::Value&,
+                                                       const jet::Value&, std::size_t) override {
+        return std::nullopt;
+    }
     std::unique_ptr<jet::Cursor> scan(const jet::TableInfo& table) override;
     std::unique_ptr<jet::Cursor> fetch(const jet::TableInfo& table, jet::RowId row) override;
     bool readOnly() const override { return false; }

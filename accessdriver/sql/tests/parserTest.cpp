@@ -43,7 +43,57 @@ std::vector<std::string> values(const Statement& statement) {
     return out;
 }
 
+std::string shown(const sql::Condition& condition) {
+    using Kind = sql::Condition::Kind;
+    const auto operand = [&](std::size_t i) {
+        const sql::Operand& given = condition.operands[i];
+        return given.column ? std::string(given.column->text) : shown(given.term);
+    };
+    const auto joined = [&](const char* word) {
+        std::string out;
+        for (const auto& part : condition.parts) out += (out.empty() ? "(" : word) + shown(part);
+        return out + ")";
+    };
+    switch (condition.kind) {
+        case Kind::all:
+            return joined(" AND ");
+        case Kind::any:
+            return joined(" OR ");
+        case Kind::negation:
+            return "NOT " + shown(condition.parts[0]);
+        case Kind::isNull:
+            return operand(0) + " IS NULL";
+        case Kind::isIn: {
+            std::string out = operand(0) + " IN";
+            for (std::size_t i = 1; i < condition.operands.size(); ++i) out += " " + operand(i);
+            return out;
+        }
+        default:
+            break;
+    }
+    static constexpr const char* signs[] = {" = ", " < ", " <= ", " > ", " >= ", " LIKE "};
+    return operand(0) + signs[static_cast<int>(condition.kind) - static_cast<int>(Kind::equal)] + operand(1);
+}
+
 using Texts = std::vector<std::string>;
+
+TEST(Parser, ConditionsBindAsUsual) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"a=1 OR b=2 AND NOT c=3", "(a = number 1 OR (b = number 2 AND NOT c = number 3))"},
+        {"(a=1 OR b<>2) AND (((c>=3)))", "((a = number 1 OR NOT b = number 2) AND c >= number 3)"},
+        {"NOT NOT a<1 or a!=? or ?<= b", "(a < number 1 OR NOT a = ?0 OR ?1 <= b)"},
+        {"a BETWEEN 1 AND 2 AND b > 3", "((a >= number 1 AND a <= number 2) AND b > number 3)"},
+        {"a NOT BETWEEN 'x' AND 'y'", "NOT (a >= <x> AND a <= <y>)"},
+        {"a IN (1, ?, b) AND a NOT IN ('x')", "(a IN number 1 ?0 b AND NOT a IN <x>)"},
+        {"a NOT LIKE 'x%' AND b IS NOT NULL AND t.c IS NULL", "(NOT a LIKE <x%> AND NOT b IS NULL AND c IS NULL)"},
+        {"d = {d '2020-02-29'} OR d = {ts '2020-02-29 10:20:30'} OR g = {guid '{00}'}",
+         "(d = date 2020-02-29 00:00:00 OR d = date 2020-02-29 10:20:30 OR g = <{00}>)"},
+        {"1=0", "number 1 = number 0"},
+    };
+    for (const auto& [text, wanted] : cases) {
+        EXPECT_EQ(shown(*sql::parse("SELECT * FROM t WHERE " + std::string(text)).where), wanted) << text;
+    }
+}
 
 TEST(Parser, InsertTakesEveryKindOfValueAndEmptyPositions) {
     struct Case {
@@ -75,7 +125,7 @@ TEST(Parser, InsertTakesEveryKindOfValueAndEmptyPositions) {
 
 TEST(Parser, NamesAndKeywordsInAnyForm) {
     const Statement insert = sql::parse("insert Into[my table]( [a b],`c`,größe )values(1,2,3);");
-    EXPECT_EQ(insert.table.text, "my table");
+    EXPECT_EQ(insert.table->text, "my table");
     ASSERT_EQ(insert.columns.size(), 3U);
     EXPECT_EQ(insert.columns[0].text, "a b");
     EXPECT_EQ(insert.columns[1].text, "c");
@@ -86,26 +136,42 @@ TEST(Parser, NamesAndKeywordsInAnyForm) {
     EXPECT_EQ(update.kind, Statement::Kind::update);
     ASSERT_EQ(update.settings.size(), 2U);
     EXPECT_EQ(update.settings[1].column.text, "set");
-    ASSERT_EQ(update.where.size(), 2U);
-    EXPECT_EQ(shown(update.where[0].term), "<7>");
-    EXPECT_EQ(update.where[1].column.text, "id");
+    EXPECT_EQ(shown(*update.where), "(fatherId = <7> AND id = number 1)");
 
-    EXPECT_EQ(sql::parse("SELECT * FROM cavyUser").kind, Statement::Kind::selectAll);
-    EXPECT_EQ(sql::parse("select Count ( * ) from tree where id=1").kind, Statement::Kind::count);
-    EXPECT_EQ(sql::parse("Select oldId,fatherId,motherId From tree").columns.size(), 3U);
-    EXPECT_EQ(sql::parse("SELECT [count] FROM tree").kind, Statement::Kind::select);
-    EXPECT_EQ(sql::parse("SELECT count, name FROM tree").columns.size(), 2U) << "count may be a column's name";
+    using Kind = sql::SelectItem::Kind;
+    EXPECT_EQ(sql::parse("select Count ( * ) from tree where id=1").items[0].kind, Kind::countAll);
+    EXPECT_EQ(sql::parse("SELECT [count] FROM tree").items[0].kind, Kind::column);
+    EXPECT_EQ(sql::parse("SELECT count, top FROM tree").items.size(), 2U) << "count and top may be columns' names";
+    const Statement select =
+        sql::parse("SELECT DISTINCT TOP 3 t.[a b] AS x, MIN(t.c), t.* FROM tree t ORDER BY 1, t.c DESC");
+    EXPECT_EQ(select.items[0].column.qualifier, "t");
+    EXPECT_EQ(select.items[0].alias, "x");
+    EXPECT_EQ(select.tableAlias, "t");
+    EXPECT_EQ(select.top, 3U);
+    EXPECT_TRUE(select.distinct && select.order[0].number == 1 && select.order[1].descending);
 }
 
 TEST(Parser, RefusalsTellThePlace) {
     const std::pair<const char*, const char*> cases[] = {
-        {"", "42000 Syntax error at the end of the statement: INSERT, UPDATE or SELECT was expected."},
-        {"DELETE FROM tree",
-         "42000 Syntax error at position 1 near \"DELETE\": INSERT, UPDATE or SELECT was expected."},
+        {"", "42000 Syntax error at the end of the statement: SELECT, INSERT, UPDATE or DELETE was expected."},
+        {"DROP TABLE tree",
+         "42000 Syntax error at position 1 near \"DROP\": tables and indexes can't be made or changed here."},
+        {"SELECT a FROM t, u",
+         "42000 Syntax error at position 16 near \",\": a statement has one table; joins are not "
+         "understood."},
+        {"SELECT a FROM t INNER JOIN u ON t.a=u.a",
+         "42000 Syntax error at position 17 near \"INNER\": a statement has one table; joins are not understood."},
+        {"SELECT a FROM t WHERE a IN (SELECT b FROM u)",
+         "42000 Syntax error at position 29 near \"SELECT\": subqueries are not understood."},
+        {"SELECT COUNT(*) FROM t GROUP BY a",
+         "42000 Syntax error at position 24 near \"GROUP\": GROUP BY and HAVING are not understood."},
+        {"SELECT UCASE(a) FROM t",
+         "42000 Syntax error at position 8 near \"UCASE(a)\": COUNT, MIN, MAX, SUM and AVG are "
+         "the only functions that are understood."},
+        {"SELECT TOP 10 PERCENT a FROM t",
+         "42000 Syntax error at position 15 near \"PERCENT\": TOP counts rows; PERCENT is not understood."},
         {"INSERT INTOcavyUser(fldCustomName1) VALUES (heading)",
          "42000 Syntax error at position 8 near \"INTOcavyUser(fldCustomNa\": INTO was expected."},
-        {"INSERT INTO t VALUES (1)",
-         "42000 Syntax error at position 15 near \"VALUES\": a list of columns in brackets was expected."},
         {"INSERT INTO t (a) VALUES (heading)",
          "42000 Syntax error at position 27 near \"heading)\": a value was expected."},
         {"INSERT INTO t (a) VALUES ('O'Brien')",
@@ -129,14 +195,7 @@ TEST(Parser, RefusalsTellThePlace) {
          "42000 Syntax error at position 13 near \"[]\": a table's name was expected."},
         {"SELECT FROM t", "42000 Syntax error at position 8 near \"FROM\": a column's name was expected."},
         {"SELECT a b FROM t", "42000 Syntax error at position 10 near \"b\": a comma or FROM was expected."},
-        {"SELECT * FROM t ORDER BY a",
-         "42000 Syntax error at position 17 near \"ORDER\": the statement should end here."},
-        {"SELECT * FROM t WHERE a > 1", "42000 Syntax error at position 25 near \">\": an equals sign was expected."},
-        {"SELECT * FROM t WHERE a=1 OR b=2",
-         "42000 Syntax error at position 27 near \"OR\": the statement should end here."},
-        {"SELECT COUNT(a) FROM t",
-         "42000 Syntax error at position 14 near \"a)\": COUNT(*) is the only count that is "
-         "understood."},
+        {"SELECT * FROM t WHERE a", "42000 Syntax error at the end of the statement: a comparison was expected."},
         {"UPDATE t SET a = b", "42000 Syntax error at position 18 near \"b\": a value was expected."},
         {"UPDATE t WHERE a=1", "42000 Syntax error at position 10 near \"WHERE\": SET was expected."},
         {"UPDATE t SET a=1; UPDATE t SET a=2",
@@ -145,9 +204,9 @@ TEST(Parser, RefusalsTellThePlace) {
          "42000 Syntax error at the end of the statement: a comma or FROM was "
          "expected."},
         {"ääääääääääää",
-         "42000 Syntax error at position 1 near \"ääääääääääää\": INSERT, UPDATE or SELECT was expected."},
+         "42000 Syntax error at position 1 near \"ääääääääääää\": SELECT, INSERT, UPDATE or DELETE was expected."},
         {"äääääääääääää",
-         "42000 Syntax error at position 1 near \"ääääääääääää\": INSERT, UPDATE or SELECT was expected."},
+         "42000 Syntax error at position 1 near \"ääääääääääää\": SELECT, INSERT, UPDATE or DELETE was expected."},
     };
     for (const auto& [text, wanted] : cases) EXPECT_EQ(refusal(text), wanted) << text;
 }

@@ -90,6 +90,88 @@ TEST_F(SessionTest, RefusedStatementsChangeNothing) {
     EXPECT_EQ(rows("SELECT name FROM animals"), Texts{"a"});
 }
 
+TEST_F(SessionTest, EveryClauseOfASelect) {
+    for (const char* values : {"('Ann','1','2020-03-01',3,1.5,True)", "('bob','2','2019-01-31',1,2.25,False)",
+                               "('Éva','3',,,10,False)", "('anna','4','1890-01-01 18:00:00',3,,True)",
+                               "('Zoë','x%y','2020-03-01 12:00:00',2,-4,False)", "(,'6',,5,0.0001,False)"}) {
+        changed(std::string("INSERT INTO animals (name,oldId,dob,litter,price,deceased) VALUES ") + values);
+    }
+    const std::pair<const char*, Texts> cases[] = {
+        {"id FROM animals WHERE litter > 1 AND litter <= 3", {"1", "4", "5"}},
+        {"id FROM animals WHERE NOT (litter = 3 OR litter = 1)", {"5", "6"}},
+        {"id FROM animals WHERE NOT litter = 3 AND name IS NOT NULL", {"2", "5"}},
+        {"id FROM animals WHERE litter IN (1, 5, Null)", {"2", "6"}},
+        {"id FROM animals WHERE litter NOT IN (1, Null)", {}},
+        {"id FROM animals WHERE price BETWEEN -4 AND 1.5", {"1", "5", "6"}},
+        {"id FROM animals WHERE name LIKE 'AN%'", {"1", "4"}},
+        {"id FROM animals WHERE name LIKE '?o*'", {"2", "5"}},
+        {"id FROM animals WHERE name LIKE '[a-c]__' AND name NOT LIKE '[!b]*'", {"2"}},
+        {"id FROM animals WHERE oldId LIKE 'x[%]_'", {"5"}},
+        {"id FROM animals WHERE dob LIKE '2020*'", {"1", "5"}},
+        {"id FROM animals WHERE dob < #1/31/2019#", {"4"}},
+        {"id FROM animals WHERE dob >= {d '2020-03-01'}", {"1", "5"}},
+        {"id FROM animals WHERE name > 'bob' AND name < 'z'", {"3"}},
+        {"id FROM animals WHERE deceased = True AND 'ann' = name", {"1"}},
+        {"id FROM animals WHERE litter = id", {}},
+        {"id FROM animals WHERE id > litter", {"2", "4", "5", "6"}},
+        {"id FROM animals WHERE 1=0", {}},
+        {"COUNT(*) FROM animals WHERE 'b' > 'A'", {"6"}},
+        {"name FROM animals ORDER BY name", {"Null", "Ann", "anna", "bob", "Éva", "Zoë"}},
+        {"id FROM animals ORDER BY litter DESC, name", {"6", "1", "4", "5", "2", "3"}},
+        {"id, dob AS born FROM animals WHERE dob IS NOT NULL ORDER BY born DESC",
+         {"5|2020-03-01 12:00:00", "1|2020-03-01 00:00:00", "2|2019-01-31 00:00:00", "4|1890-01-01 18:00:00"}},
+        {"price, id FROM animals ORDER BY 1 DESC, 2",
+         {"10.0000|3", "2.2500|2", "1.5000|1", "0.0001|6", "-4.0000|5", "Null|4"}},
+        {"TOP 1 id FROM animals ORDER BY litter DESC", {"6"}},
+        {"TOP 2 id FROM animals ORDER BY litter DESC", {"6", "1", "4"}},
+        {"TOP 2 id FROM animals WHERE id > 3", {"4", "5"}},
+        {"DISTINCT litter FROM animals ORDER BY litter", {"Null", "1", "2", "3", "5"}},
+        {"DISTINCT deceased FROM animals", {"1", "0"}},
+        {"COUNT(*), COUNT(litter), MIN(name), MAX(dob), SUM(price), AVG(litter) FROM animals",
+         {"6|5|Ann|2020-03-01 12:00:00|9.7501|2.8"}},
+        {"SUM(price), MIN(id), COUNT(id) FROM animals WHERE id > 9", {"Null|Null|0"}},
+        {"AVG(price) FROM animals WHERE price > 0", {"3.4375"}},
+        {"a.name, a.[litter] FROM animals AS a WHERE a.id = 1", {"Ann|3"}},
+        {"animals.* FROM animals WHERE animals.id = 9", {}},
+        {"1", {"1"}},
+        {"1 AS one, 'x', #2020-01-31#, Null, -2.5", {"1|x|2020-01-31 00:00:00|Null|-2.5"}},
+        {"'is', name FROM animals WHERE id = 2", {"is|bob"}},
+    };
+    for (const auto& [text, wanted] : cases) EXPECT_EQ(rows("SELECT " + std::string(text)), wanted) << text;
+    const auto columns = run("SELECT COUNT(*), MIN(name) AS first, MAX(id) FROM animals").rows->columns();
+    EXPECT_EQ(columns[0].name + columns[1].name + columns[2].name, "Expr1000firstExpr1001");
+
+    const std::pair<const char*, const char*> refused[] = {
+        {"SELECT b.name FROM animals AS a", "42S22 The statement has no table 'b'."},
+        {"SELECT name, COUNT(*) FROM animals",
+         "42000 Without GROUP BY, COUNT, MIN, MAX, SUM and AVG do not go with plain columns."},
+        {"SELECT SUM(name) FROM animals", "42000 The column 'name' is of a type for which this function is not made."},
+        {"SELECT id FROM animals WHERE name = litter", "42000 The columns 'name' and 'litter' can't be compared."},
+        {"SELECT id FROM animals ORDER BY 2", "42000 ORDER BY can't use the column number 2."},
+    };
+    for (const auto& [text, wanted] : refused) EXPECT_EQ(refusal(text), wanted) << text;
+}
+
+TEST_F(SessionTest, RowsAreReadWhenAskedForAndKeptBeforeTheyChange) {
+    for (int i = 0; i < 100; ++i) changed("INSERT INTO animals (oldId) VALUES ('" + std::to_string(i) + "')");
+    EXPECT_EQ(changed("INSERT INTO animals VALUES (,'whole','w',,,,,,,)"), 1) << "without a list of columns";
+    sql::Outcome walk = run("SELECT oldId FROM animals");
+    ASSERT_TRUE(walk.rows->next());
+    EXPECT_EQ(walk.rows->size(), 0U) << "nothing is copied";
+    EXPECT_EQ(changed("DELETE FROM animals WHERE oldId <> '7'"), 100);
+    EXPECT_EQ(fake_->rows().size(), 1U);
+    EXPECT_EQ(rows(std::move(walk)).size(), 100U) << "the rows that were there";
+    EXPECT_EQ(changed("DELETE FROM animals WHERE oldId = '8'"), 0);
+    EXPECT_EQ(rows("SELECT id FROM animals WHERE oldId = '7'"), Texts{"8"});
+    EXPECT_EQ(changed("DELETE * FROM animals"), 1);
+    EXPECT_EQ(rows("SELECT id FROM animals WHERE oldId = '7'"), Texts{}) << "the lookup knows";
+
+    changed("INSERT INTO animals (oldId) VALUES ('last')");
+    const std::shared_ptr<sql::RowSet> left = run("SELECT oldId FROM animals").rows;
+    session_.reset();
+    EXPECT_FALSE(left->next()) << "its file is closed";
+}
+
 TEST_F(SessionTest, ConditionsMustAllHoldAndNullEqualsNothing) {
     for (const char* values : {"('Ann','1',3)", "('ann','2',3)", "('Bob','1',3)", "(,'1',)", "('','',3)"}) {
         changed(std::string("INSERT INTO animals (name,oldId,litter) VALUES ") + values);
@@ -112,7 +194,9 @@ TEST_F(SessionTest, ParametersTakeTheirPlaces) {
     run("INSERT INTO animals (name,dob,oldId) VALUES (?,?,?)", given);
     EXPECT_EQ(rows(run("SELECT dob,oldId FROM animals WHERE name=?", {given[0]})), Texts{"2020-01-31 06:00:00|7"});
     const sql::Statement statement = sql::parse("UPDATE animals SET oldId=? WHERE weight=? AND name=?");
-    EXPECT_EQ(session_->prepare(statement).parameters, (std::vector<std::size_t>{2, 4, 1}));
+    Texts columns;
+    for (const jet::ColumnInfo& column : session_->prepare(statement).parameters) columns.push_back(column.name);
+    EXPECT_EQ(columns, (Texts{"oldId", "weight", "name"}));
 }
 
 TEST_F(SessionTest, AWalkIsNotDisturbedByUpdatesOfItsOwnConnection) {

@@ -120,6 +120,11 @@ void model(const QSqlDatabase& database) {
     model.setEditStrategy(QSqlTableModel::OnFieldChange);
     check(model.select(), "model", model.lastError());
     same(model.rowCount(), static_cast<int>(names.size()) + 1, "rows of the model");
+    check(model.setData(model.index(1, 1), "Omega"), "change in the model", model.lastError());
+    model.setFilter("name = 'Omega'");
+    check(model.select(), "filter", model.lastError());
+    same(model.rowCount(), 1, "rows of the filtered model");
+    same(model.data(model.index(0, 0)).toInt(), 2, "the changed row");
 }
 
 void transactionsAndErrors(QSqlDatabase& database) {

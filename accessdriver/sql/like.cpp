@@ -1,0 +1,84 @@
+#include <algorithm>
+
+#include "accessdriver/sql/filter.h"
+#include "accessdriver/sql/fold.h"
+
+namespace sql {
+
+namespace {
+
+std::size_t characterLength(std::string_view text) {
+    std::size_t length = 1;
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
+    return length;
+}
+
+// Whether a character stands in the list between brackets, which holds characters and ranges of them.
+bool isListed(std::string_view character, std::string_view list) {
+    const bool excluded = list.size() > 1 && (list.front() == '!' || list.front() == '^');
+    if (excluded) list.remove_prefix(1);
+    bool found = false;
+    while (!list.empty() && !found) {
+        const std::string_view low = list.substr(0, characterLength(list));
+        list.remove_prefix(low.size());
+        std::string_view high = low;
+        if (list.size() > 1 && list.front() == '-') {
+            list.remove_prefix(1);
+            high = list.substr(0, characterLength(list));
+            list.remove_prefix(high.size());
+        }
+        // The order of UTF-8 is that of the characters.
+        found = character >= low && character <= high;
+    }
+    return found != excluded;
+}
+
+// Takes what the pattern asks of one character; false if the text does not begin with it.
+bool takeOne(std::string_view& text, std::string_view& pattern) {
+    if (text.empty() || pattern.empty()) return false;
+    const std::string_view character = text.substr(0, characterLength(text));
+    const std::size_t closing = pattern.front() == '[' ? pattern.find(']', 1) : std::string_view::npos;
+    std::size_t used = characterLength(pattern);
+    bool fits = pattern.front() == '_' || pattern.front() == '?' || character == pattern.substr(0, used);
+    if (closing != std::string_view::npos) {
+        fits = isListed(character, pattern.substr(1, closing - 1));
+        used = closing + 1;
+    }
+    if (!fits) return false;
+    text.remove_prefix(character.size());
+    pattern.remove_prefix(used);
+    return true;
+}
+
+bool isAnyText(std::string_view pattern) {
+    return !pattern.empty() && (pattern.front() == '%' || pattern.front() == '*');
+}
+
+}  // namespace
+
+// Only the last wildcard for any text is ever gone back to, so that no pattern takes longer than text times pattern.
+bool isLike(std::string_view givenText, std::string_view givenPattern) {
+    const std::string foldedText = folded(givenText);
+    const std::string foldedPattern = folded(givenPattern);
+    std::string_view text = foldedText;
+    std::string_view pattern = foldedPattern;
+    bool starred = false;
+    std::string_view textThen;
+    std::string_view patternThen;
+    while (!text.empty() || !pattern.empty()) {
+        if (isAnyText(pattern)) {
+            pattern.remove_prefix(1);
+            starred = true;
+            textThen = text;
+            patternThen = pattern;
+        } else if (!takeOne(text, pattern)) {
+            if (!starred || textThen.empty()) return false;
+            textThen.remove_prefix(characterLength(textThen));
+            text = textThen;
+            pattern = patternThen;
+        }
+    }
+    return true;
+}
+
+}  // namespace sql
