@@ -1,0 +1,92 @@
+// A statement, as it may come from any application, on a small file: it is carried out or refused. Whatever way a
+// SELECT finds its rows, it finds those that its condition lets through.
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <unistd.h>
+
+#include "accessdriver/jet/making/maker.h"
+#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/filter.h"
+#include "accessdriver/sql/parser.h"
+#include "accessdriver/sql/session.h"
+#include "tests/fuzz/fuzzTarget.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// One file for all inputs; what they change is rolled back.
+class Herd {
+  public:
+    Herd() : path_(fs::temp_directory_path() / ("statementFuzz" + std::to_string(getpid()) + ".mdb")) {
+        using enum jet::ColumnType;
+        const jet::TableSpec tree{
+            .name = "tree",
+            .columns = {{.name = "id", .type = longInteger, .autoNumber = true},
+                        {.name = "name", .type = text, .length = 50},
+                        {.name = "born", .type = dateTime},
+                        {.name = "price", .type = currency},
+                        {.name = "legs", .type = byte},
+                        {.name = "tame", .type = boolean},
+                        {.name = "notes", .type = memo}},
+            .indexes = {{.name = "PrimaryKey", .columns = {"id"}, .primaryKey = true, .descending = {}},
+                        {.name = "name", .columns = {"name"}, .descending = {true}},
+                        {.name = "born", .columns = {"born", "legs"}, .descending = {}},
+                        {.name = "price", .columns = {"price"}, .descending = {}}}};
+        jet::makeFile(path_, {.password = "", .tables = {tree}});
+        session_ = std::make_unique<sql::Session>(jet::Database::open(path_, ""), sql::DateOrder::dayFirst);
+        session_->setAutocommit(false);
+        for (const char* values :
+             {"'Ann',#2020-02-29#,1.5,4,True,'x'", "'ann',#1890-01-01 18:00#,-2,4,False,",
+              "'Zoë',#1890-01-01 06:00#,0,2,True,'y'", ",,,,,", "'O''Brien',#1899-12-30#,1.5,,True,'%'"}) {
+            run(std::string("INSERT INTO tree (name,born,price,legs,tame,notes) VALUES (") + values + ")");
+        }
+        session_->commit();
+    }
+    Herd(const Herd&) = delete;
+    Herd& operator=(const Herd&) = delete;
+    ~Herd() {
+        session_.reset();
+        std::error_code ignored;
+        fs::remove(path_, ignored);
+    }
+
+    void run(std::string_view text) {
+        const sql::Statement statement = sql::parse(text);
+        const sql::Plan plan = session_->prepare(statement);
+        const std::vector<sql::Literal> parameters(plan.parameters.size(),
+                                                   {.kind = sql::Literal::Kind::text, .text = "1"});
+        const sql::Outcome outcome = session_->run(plan, parameters);
+        std::size_t rows = 0;
+        while (outcome.rows && outcome.rows->next()) ++rows;
+        if (!plan.where || !plan.returnsRows() || plan.aggregates() || plan.distinct || plan.top) return;
+        const sql::Filter filter(*plan.where, *plan.table, parameters, sql::DateOrder::dayFirst);
+        std::size_t met = 0;
+        for (auto cursor = session_->database().scan(*plan.table); cursor->next();)
+            met += filter.holds(*cursor) ? 1 : 0;
+        fuzz::demand(rows == met, "an index or lookup finds what a walk through the table finds");
+    }
+
+    void rollback() { session_->rollback(); }
+
+  private:
+    fs::path path_;
+    std::unique_ptr<sql::Session> session_;
+};
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Herd herd;
+    try {
+        herd.run(fuzz::textOf(data, size));
+    } catch (const sql::Error& error) {
+        fuzz::demand(std::string_view(error.state()).size() == 5 && *error.what() != '\0', "a refusal is a sentence");
+    } catch (const jet::Error&) {
+        // The file may refuse a value as well.
+    }
+    herd.rollback();
+    return 0;
+}
