@@ -11,10 +11,12 @@ target_precompile_headers(testheaders PRIVATE
     <string> <string_view> <vector>)
 
 target_compile_options(testheaders PRIVATE -O0)
+set_target_properties(testheaders PROPERTIES TOLVARIS_UNOPTIMIZED ON)
 
 # tolvaris_test_code(<target>): the same for a library that only tests use.
 function(tolvaris_test_code target)
     target_compile_options(${target} PRIVATE -O0)
+    set_target_properties(${target} PROPERTIES TOLVARIS_UNOPTIMIZED ON)
     target_precompile_headers(${target} REUSE_FROM testheaders)
 endfunction()
 
