@@ -67,6 +67,11 @@ void Connection::close() {
     if (session().hasOpenChanges()) {
         throw sql::Error("25000", "There are changes that are neither committed nor rolled back.");
     }
+    try {
+        session_->database().sync();
+    } catch (const jet::Error& error) {
+        diagnostics.warn("01002", error.what());
+    }
     session_.reset();
 }
 

@@ -53,13 +53,16 @@ LockFile::LockFile(const std::string& database, unsigned permissions) {
     const std::string path = lockFileOf(database, ".ldb");
     if (path == database) return;
     requireNone(database);
-    removeStale(database);
     // It gets its name when it is whole: a crash must not leave one that nobody can tell from one of Access.
     const std::string draft = draftOf(path);
-    File(draft, File::Mode::createNew, permissions).writeAt(0, ByteSpan(ourEntry()));
-    if (::rename(draft.c_str(), path.c_str()) != 0) {
+    try {
+        File(draft, File::Mode::createNew, permissions).writeAt(0, ByteSpan(ourEntry()));
+        if (::rename(draft.c_str(), path.c_str()) != 0) {
+            throw Error(Fault::io, "The lock file " + path + " can't be made.");
+        }
+    } catch (const Error&) {
         ::unlink(draft.c_str());
-        throw Error(Fault::io, "The lock file " + path + " can't be made.");
+        throw;
     }
     file_ = std::make_unique<File>(path, File::Mode::existing);
     file_->tryLock(File::Lock::exclusive);
@@ -84,8 +87,9 @@ void LockFile::requireNone(const std::string& database) {
 
 void LockFile::removeStale(const std::string& database) {
     const std::string path = lockFileOf(database, ".ldb");
+    if (path == database) return;
     ::unlink(draftOf(path).c_str());
-    if (path != database && exists(path) && isOurs(path)) ::unlink(path.c_str());
+    if (exists(path) && isOurs(path)) ::unlink(path.c_str());
 }
 
 }  // namespace jet
