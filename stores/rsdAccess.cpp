@@ -1,5 +1,7 @@
 #include "stores/rsdAccess.h"
 
+#include <utility>
+
 #include "fieldtext/textHelpers.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
@@ -31,9 +33,11 @@ void connectData() {
     guarded([] {
         if (dataPath.empty()) return;
         const FileReference file(dataPath);
-        db = std::make_shared<SQLiteDatabase>();
+        auto before = std::exchange(db, std::make_shared<SQLiteDatabase>());
         db->DatabaseFile = file;
         db->EncryptionKey = key;
+        if (before.use_count() == 1) db->inherit(*before);
+        before.reset();
         if (db->connect()) return;
         db->EncryptionKey.clear();
         if (db->connect()) return;

@@ -16,6 +16,8 @@ constexpr const char* anyAccess = "SELECT count(*) FROM sqlite_master";
 
 }  // namespace
 
+bool SQLiteConnection::isFresh() { return usable() && !wrote_ && !hasMoved() && run(anyAccess); }
+
 StatementHandle SQLiteConnection::prepare(std::string_view sql) {
     refused_.clear();
     sqlite3_stmt* raw = nullptr;

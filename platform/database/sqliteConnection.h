@@ -33,6 +33,10 @@ class SQLiteConnection {
     /// Whether it is open, and the file did not prove unusable.
     bool usable() const { return isOpen() && !broken_; }
 
+    /// Whether a connection made now would find nothing else: it has written nothing, the file is still the one of its
+    /// name, and it can be read.
+    bool isFresh();
+
     int errorCode() const { return refused_.empty() ? sqlite3_errcode(get()) : SQLITE_ERROR; }
     std::string errorMessage() const { return refused_.empty() ? sqlite3_errmsg(get()) : refused_; }
 

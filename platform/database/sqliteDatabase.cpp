@@ -137,6 +137,15 @@ bool SQLiteDatabase::connect() {
     return false;
 }
 
+void SQLiteDatabase::inherit(SQLiteDatabase& other) {
+    other.forgetStatements();
+    const bool isSame = other.DatabaseFile.nativePath() == DatabaseFile.nativePath() &&
+                        other.EncryptionKey == EncryptionKey && !EncryptionKey.empty();
+    if (isSame && other.isOpen() && other.connection_.use_count() == 1 && other.connection_->isFresh()) {
+        connection_ = std::move(other.connection_);
+    }
+}
+
 bool SQLiteDatabase::isOpen() const { return connection_ && connection_->isOpen(); }
 
 std::shared_ptr<RecordSet> SQLiteDatabase::select(std::string_view sql) {

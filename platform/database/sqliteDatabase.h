@@ -33,6 +33,10 @@ class SQLiteDatabase : public Database {
     /// connection: false once the file proved unusable (disk full, input or output failed, file damaged).
     bool connect() override;
 
+    /// Before connect(): takes over the connection of an object that is about to go, where that leads to the same
+    /// encrypted file and nothing else uses it. So its key need not be derived again, which takes long.
+    void inherit(SQLiteDatabase& other);
+
     /// Whether there is a connection that was not closed.
     bool isOpen() const;
 

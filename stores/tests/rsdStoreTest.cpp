@@ -255,6 +255,55 @@ TEST_F(RsdStore, NamesByTheRowsOwnKey) {
     EXPECT_EQ(boxTexts(), Texts{});
 }
 
+TEST_F(RsdStore, AConnectionIsTakenOverOnlyWhereANewOneWouldFindNothingElse) {
+    const auto make = [&](const std::string& name, const std::string& animal, const std::string& key) {
+        std::filesystem::remove(path(name));
+        SqlFile(path(name), key)
+            .run("CREATE TABLE tree(id integer PRIMARY KEY, name); INSERT INTO tree(name) VALUES ('" + animal + "')");
+        return path(name);
+    };
+    // A table of the connection's own tells whether it is still the same one.
+    const auto mark = [] { db->execute("CREATE TEMP TABLE mark(id)"); };
+    const auto isSame = [] {
+        connectData();
+        return db->select("SELECT * FROM mark") != nullptr;
+    };
+    const auto name = [] { return getNameFromId(db.get(), "1"); };
+    dataPath = make("a.rsd", "Ada", programsKey);
+    EXPECT_FALSE(isSame());
+    mark();
+    EXPECT_TRUE(isSame());
+    EXPECT_TRUE(isSame());
+    {
+        const auto records = db->select("SELECT name FROM tree");
+        EXPECT_FALSE(isSame()) << "it is in use";
+        EXPECT_EQ(records->field("name")->text(), "Ada");
+    }
+    mark();
+    db->execute("UPDATE tree SET name = 'not committed'");
+    EXPECT_FALSE(isSame());
+    EXPECT_EQ(name(), "Ada");
+    mark();
+    SqlFile(dataPath, programsKey).run("UPDATE tree SET name = 'Bea'");
+    EXPECT_TRUE(isSame());
+    EXPECT_EQ(name(), "Bea");
+    closeData();
+    EXPECT_FALSE(isSame());
+    mark();
+    std::filesystem::rename(make("b.rsd", "Cid", programsKey), dataPath);
+    EXPECT_FALSE(isSame()) << "another file of that name";
+    EXPECT_EQ(name(), "Cid");
+    mark();
+    dataPath = make("c.rsd", "Dot", programsKey);
+    EXPECT_FALSE(isSame());
+    EXPECT_EQ(name(), "Dot");
+    dataPath = make("plain.rsd", "Eve", "");
+    connectData();
+    mark();
+    EXPECT_FALSE(isSame()) << "nothing is derived for a plain one";
+    EXPECT_EQ(boxTexts(), Texts{});
+}
+
 TEST_F(RsdStore, NamesThatAreReadOnceAreThoseOfTheStatement) {
     for (const char* table :
          {"CREATE TABLE tree(id integer PRIMARY KEY, name); INSERT INTO tree VALUES (5, 'Ada'), "
