@@ -155,7 +155,10 @@ void Filter::addBound(std::vector<Demand>& demands) const {
     if (isNull(value.key)) return;
     auto known = std::find_if(demands.begin(), demands.end(),
                               [&](const Demand& d) { return !d.equal && d.column == column.column; });
-    if (known == demands.end()) known = demands.insert(known, Demand{.column = column.column});
+    if (known == demands.end()) {
+        known = demands.emplace(known);
+        known->column = column.column;
+    }
     const bool isHigh = (kind_ == Kind::less || kind_ == Kind::lessOrEqual) != turned;
     (isHigh ? known->high : known->low) = value.literal;
 }
