@@ -65,6 +65,26 @@ SQLRETURN recordField(const Record& record, SQLSMALLINT field, SQLPOINTER value,
     }
 }
 
+struct Function {
+    const char* name;
+    SQLINTEGER code;
+};
+
+// What kind of statement was prepared last, by the reference's names.
+Function functionOf(const Statement& statement) {
+    if (!statement.isPrepared()) return {"", SQL_DIAG_UNKNOWN_STATEMENT};
+    switch (statement.plan().kind) {
+        case sql::Statement::Kind::insert:
+            return {"INSERT", SQL_DIAG_INSERT};
+        case sql::Statement::Kind::update:
+            return {"UPDATE WHERE", SQL_DIAG_UPDATE_WHERE};
+        case sql::Statement::Kind::remove:
+            return {"DELETE WHERE", SQL_DIAG_DELETE_WHERE};
+        default:
+            return {"SELECT CURSOR", SQL_DIAG_SELECT_CURSOR};
+    }
+}
+
 template <class Char>
 SQLRETURN getField(SQLSMALLINT type, SQLHANDLE raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value,
                    SQLSMALLINT capacity, SQLSMALLINT* length) {
@@ -74,9 +94,20 @@ SQLRETURN getField(SQLSMALLINT type, SQLHANDLE raw, SQLSMALLINT number, SQLSMALL
             giveValue(static_cast<SQLINTEGER>(records.size()), value, length);
             return SQL_SUCCESS;
         }
-        if (field == SQL_DIAG_ROW_COUNT && type == SQL_HANDLE_STMT) {
-            giveValue(static_cast<SQLLEN>(static_cast<Statement&>(handle).rowCount()), value, length);
-            return SQL_SUCCESS;
+        if (type == SQL_HANDLE_STMT) {
+            const auto& statement = static_cast<const Statement&>(handle);
+            if (field == SQL_DIAG_ROW_COUNT || field == SQL_DIAG_CURSOR_ROW_COUNT) {
+                giveValue(static_cast<SQLLEN>(statement.rowCount()), value, length);
+                return SQL_SUCCESS;
+            }
+            if (field == SQL_DIAG_DYNAMIC_FUNCTION_CODE) {
+                giveValue(functionOf(statement).code, value, length);
+                return SQL_SUCCESS;
+            }
+            if (field == SQL_DIAG_DYNAMIC_FUNCTION) {
+                return giveAndTell(functionOf(statement).name, static_cast<Char*>(value), capacity, length,
+                                   Unit::bytes);
+            }
         }
         if (number < 1) return SQL_ERROR;
         if (static_cast<std::size_t>(number) > records.size()) return SQL_NO_DATA;

@@ -77,6 +77,8 @@ class Statement : public Handle {
     /// Throws sql::Error(07009) for a number outside 1 to the number of columns.
     const sql::ResultColumn& column(SQLUSMALLINT number) const;
 
+    bool isPrepared() const { return plan_.has_value(); }
+
     /// Throws sql::Error(HY010) if nothing is prepared.
     const sql::Plan& plan() const;
 

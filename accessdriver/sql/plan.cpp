@@ -99,10 +99,11 @@ class Planner {
 
   private:
     void planInsert() {
-        std::vector<Name> names = statement_.columns;
-        if (names.empty()) {
-            for (const ColumnInfo& column : plan_.table->columns) names.push_back({.text = column.name});
+        std::vector<Name> all;
+        if (statement_.columns.empty()) {
+            for (const ColumnInfo& column : plan_.table->columns) all.push_back({.text = column.name});
         }
+        const std::vector<Name>& names = statement_.columns.empty() ? all : statement_.columns;
         plan_.targets.reserve(names.size());
         for (std::size_t i = 0; i < names.size(); ++i) {
             addTarget(names[i], i < statement_.values.size() ? statement_.values[i] : Term{});

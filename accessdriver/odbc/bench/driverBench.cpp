@@ -1,7 +1,8 @@
 // driver_bench [ROWS]: inserts animals through the driver manager into an Access file, and with the same statements
-// into a SQLite file, with one commit and with a commit for each. SQLite keeps its journal and, like the driver, does
-// not wait for the disk at each commit.
+// into a SQLite file, with one commit and with a commit for each; then reads four columns of all of them, and the first
+// row of such an answer. SQLite keeps its journal and, like the driver, does not wait for the disk at each commit.
 
+#include <array>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -26,6 +27,9 @@ namespace fs = std::filesystem;
 constexpr int defaultRows = 98999;
 constexpr double goalOneCommit = 10;
 constexpr double goalCommitEach = 40;
+constexpr double goalSelect = 10;
+constexpr const char* selected = "SELECT name,dob,oldId,notes FROM tree";
+constexpr int selectedColumns = 4;
 
 constexpr const char* columns =
     "name,colour,breed,sex,dob,oldId,fatherId,motherId,ps,pd,tag,prefix,suffix,health,cage,notes,customfield1,"
@@ -77,24 +81,61 @@ void* attribute(SQLULEN value) { return reinterpret_cast<void*>(value); }
 
 SQLCHAR* chars(const std::string& text) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str())); }
 
+// A connection to the Access file of the bench.
+class Driver {
+  public:
+    explicit Driver(const fs::path& file)
+        : environment_(allocate(SQL_HANDLE_ENV, nullptr)), connection_(connect(environment_.get(), file)) {}
+
+    OdbcHandle statement() const { return allocate(SQL_HANDLE_STMT, connection_.get()); }
+    void commit() const { check(SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_.get(), SQL_COMMIT)), "commit"); }
+
+  private:
+    static OdbcHandle connect(SQLHENV environment, const fs::path& file) {
+        SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);
+        OdbcHandle connection = allocate(SQL_HANDLE_DBC, environment);
+        const std::string where =
+            "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + file.string() + ";UID=;PWD=" + jet::cavPassword + ";";
+        check(SQL_SUCCEEDED(SQLDriverConnect(connection.get(), nullptr, chars(where), SQL_NTS, nullptr, 0, nullptr, 0)),
+              "connect");
+        SQLSetConnectAttr(connection.get(), SQL_ATTR_AUTOCOMMIT, attribute(SQL_AUTOCOMMIT_OFF), 0);
+        return connection;
+    }
+
+    OdbcHandle environment_;
+    OdbcHandle connection_;
+};
+
 double runDriver(const fs::path& folder, const std::vector<std::string>& texts, bool commitEach) {
-    const std::string file = (folder / "bench.cav").string();
-    jet::makeCavFile(file, jet::CavColumns::typed);
-    const OdbcHandle environment = allocate(SQL_HANDLE_ENV, nullptr);
-    SQLSetEnvAttr(environment.get(), SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);
-    const OdbcHandle connection = allocate(SQL_HANDLE_DBC, environment.get());
-    const std::string where =
-        "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + file + ";UID=;PWD=" + jet::cavPassword + ";";
-    check(SQL_SUCCEEDED(SQLDriverConnect(connection.get(), nullptr, chars(where), SQL_NTS, nullptr, 0, nullptr, 0)),
-          "connect");
-    SQLSetConnectAttr(connection.get(), SQL_ATTR_AUTOCOMMIT, attribute(SQL_AUTOCOMMIT_OFF), 0);
-    const OdbcHandle statement = allocate(SQL_HANDLE_STMT, connection.get());
+    const fs::path file = folder / "bench.cav";
+    jet::makeCavFile(file.string(), jet::CavColumns::typed);
+    const Driver driver(file);
+    const OdbcHandle statement = driver.statement();
     return seconds([&] {
         for (const std::string& text : texts) {
             check(SQL_SUCCEEDED(SQLExecDirect(statement.get(), chars(text), SQL_NTS)), "insert");
-            if (commitEach) check(SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection.get(), SQL_COMMIT)), "commit");
+            if (commitEach) driver.commit();
         }
-        check(SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection.get(), SQL_COMMIT)), "commit");
+        driver.commit();
+    });
+}
+
+// Reads so many rows of the answer, each column as text.
+double selectDriver(const fs::path& folder, std::size_t rows) {
+    const Driver driver(folder / "bench.cav");
+    const OdbcHandle statement = driver.statement();
+    return seconds([&] {
+        check(SQL_SUCCEEDED(SQLExecDirect(statement.get(), chars(selected), SQL_NTS)), "select");
+        std::array<char, 300> value{};
+        SQLLEN length = 0;
+        for (std::size_t row = 0; row < rows; ++row) {
+            check(SQL_SUCCEEDED(SQLFetch(statement.get())), "fetch");
+            for (SQLUSMALLINT column = 1; column <= selectedColumns; ++column) {
+                check(
+                    SQL_SUCCEEDED(SQLGetData(statement.get(), column, SQL_C_CHAR, value.data(), value.size(), &length)),
+                    "read");
+            }
+        }
     });
 }
 
@@ -121,6 +162,23 @@ double runSqlite(const fs::path& folder, const std::vector<std::string>& texts, 
     });
 }
 
+double selectSqlite(const fs::path& folder, std::size_t rows) {
+    sqlite3* raw = nullptr;
+    check(sqlite3_open((folder / "bench.db").c_str(), &raw) == SQLITE_OK, "open");
+    const std::unique_ptr<sqlite3, CloseSqlite> db(raw);
+    return seconds([&] {
+        sqlite3_stmt* statement = nullptr;
+        check(sqlite3_prepare_v2(db.get(), selected, -1, &statement, nullptr) == SQLITE_OK, "select");
+        const std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> owner(statement, &sqlite3_finalize);
+        for (std::size_t row = 0; row < rows; ++row) {
+            check(sqlite3_step(statement) == SQLITE_ROW, "step");
+            for (int column = 0; column < selectedColumns; ++column) {
+                check(sqlite3_column_text(statement, column) != nullptr, "read");
+            }
+        }
+    });
+}
+
 // A list of drivers for this run alone.
 void registerDriver(const fs::path& folder) {
     std::ofstream(folder / "odbcinst.ini") << "[Microsoft Access Driver (*.mdb)]\nDriver = " << DRIVER_LIBRARY << "\n";
@@ -144,12 +202,8 @@ struct Folder {
     }
 };
 
-bool compare(const fs::path& folder, const std::vector<std::string>& texts, bool commitEach) {
-    const double sqlite = runSqlite(folder, texts, commitEach);
-    const double driver = runDriver(folder, texts, commitEach);
-    const double goal = commitEach ? goalCommitEach : goalOneCommit;
-    std::printf("%-16s %10.3f %10.3f %9.1f %9.0f\n", commitEach ? "a commit each" : "one commit", driver, sqlite,
-                driver / sqlite, goal);
+bool tell(const char* what, double driver, double sqlite, double goal) {
+    std::printf("%-16s %10.4f %10.4f %9.1f %9.0f\n", what, driver, sqlite, driver / sqlite, goal);
     return driver <= goal * sqlite;
 }
 
@@ -162,9 +216,18 @@ int main(int count, char** values) {
         registerDriver(folder.path);
         std::printf("%zu inserts into tree\n%-16s %10s %10s %9s %9s\n", texts.size(), "", "driver s", "SQLite s",
                     "ratio", "at most");
-        const bool one = compare(folder.path, texts, false);
-        const bool each = compare(folder.path, texts, true);
-        return one && each ? 0 : 1;
+        bool good = true;
+        for (const bool commitEach : {false, true}) {
+            const double sqlite = runSqlite(folder.path, texts, commitEach);
+            const double driver = runDriver(folder.path, texts, commitEach);
+            good = tell(commitEach ? "a commit each" : "one commit", driver, sqlite,
+                        commitEach ? goalCommitEach : goalOneCommit) &&
+                   good;
+        }
+        const double all = selectSqlite(folder.path, texts.size());
+        good = tell("select all", selectDriver(folder.path, texts.size()), all, goalSelect) && good;
+        std::printf("%-16s %10.4f\n", "its first row", selectDriver(folder.path, 1));
+        return good ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "driver_bench: %s\n", error.what());
         return 2;

@@ -54,7 +54,7 @@ rows = cursor.execute("SELECT * FROM everything").fetchall()
 same(len(rows), len(NAMES) + 1, "number of rows")
 for number, (got, name) in enumerate(zip(rows, NAMES), 1):
     wanted = row(name, long[:20000])
-    # The driver manager's Python names the GUID's text in capitals with braces or without.
+    # A GUID comes as text.
     for value, expected, column in zip(got, (number,) + wanted, COLUMNS):
         if column == "mark":
             value = uuid.UUID(str(value))
@@ -78,6 +78,15 @@ same(cursor.rowcount, 1, "rows changed")
 cursor.execute("UPDATE everything SET notes = 'd' WHERE id = 99")
 same(cursor.rowcount, 0, "rows changed where there are none")
 connection.commit()
+
+found = cursor.execute("SELECT TOP 3 t.name AS n, t.id FROM everything AS t WHERE t.name LIKE ? OR t.id IN (?, ?) "
+                       "ORDER BY t.id DESC", "Paw%", 1, 3).fetchall()
+same([tuple(r) for r in found], [("Paw 🐾", 4), ("兎", 3), ("Снежок", 1)], "a sorted search")
+cursor.execute("DELETE FROM everything WHERE id BETWEEN ? AND 8", 7)
+same(cursor.rowcount, 2, "rows deleted")
+same(tuple(cursor.execute("SELECT COUNT(*), MIN(tag), SUM(price) FROM everything").fetchone()),
+     (7, 70000, decimal.Decimal("-75.0000")), "sums")
+connection.rollback()
 
 refused(lambda: cursor.execute("SELECT * FROM nowhere"), "42S02", "a table that is not there")
 refused(lambda: cursor.execute("SELEKT 1"), "42000", "no statement")
