@@ -125,6 +125,15 @@ TEST_F(FieldText, GridCellsOfARowAreSetInAnyOrder) {
     for (int column = 0; column < 5; ++column) row += std::string(grid.cell(1, column)) + "|";
     EXPECT_EQ(row, "a longer text than before||two|3|four|");
     EXPECT_EQ(grid.cell(0, 3), "");
+    for (const std::size_t length : {65521U, 65522U, 65523U, 65524U, 200000U, 7U}) {
+        const std::string text(length, 'x');
+        grid.setCell(1, 0, text);
+        EXPECT_EQ(grid.cell(1, 0), text);
+        EXPECT_EQ(std::string(grid.cell(1, 2)) + std::string(grid.cell(1, 4)), "twofour") << "behind " << length;
+        grid.setCell(1, 1, text);
+        EXPECT_EQ(grid.cell(1, 1), text);
+        grid.setCell(1, 1, "");
+    }
     EXPECT_THROW(grid.setCell(2, 0, ""), OutOfBounds);
     EXPECT_THROW(grid.setCell(-1, 0, ""), OutOfBounds);
     EXPECT_THROW(grid.setCell(0, 5, ""), OutOfBounds);
