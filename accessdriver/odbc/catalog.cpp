@@ -113,7 +113,7 @@ std::vector<Value> columnRow(const TableInfo& table, std::size_t at) {
             type.radix == 0 ? null : num(type.radix),
             num(column.required ? SQL_NO_NULLS : SQL_NULLABLE),
             null,
-            null,
+            column.defaultValue.empty() ? null : Value(column.defaultValue),
             num(type.verboseType),
             isDate ? num(SQL_CODE_TIMESTAMP) : null,
             isText ? num(extent.octets) : null,

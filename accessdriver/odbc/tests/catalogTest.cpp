@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "accessdriver/jet/making/maker.h"
 #include "accessdriver/odbc/tests/client.h"
 
 namespace {
@@ -55,6 +56,32 @@ TEST_F(CatalogTest, TablesByPatternAndType) {
     EXPECT_EQ(tables("tree", "VIEW"), Texts{});
     EXPECT_EQ(tables("tr\\_e", nullptr), Texts{});
     EXPECT_EQ(tables("", nullptr), Texts{});
+}
+
+TEST_F(CatalogTest, WhatColumnsAskOfTheirValues) {
+    using jet::ColumnType;
+    const std::string path = folder() / "rules.mdb";
+    jet::makeFile(path,
+                  {"",
+                   {{"t",
+                     {{"a", ColumnType::text, 9, false, true}, {"b", ColumnType::longInteger, 0, false, true}},
+                     {},
+                     {{"a", {{"Required", ColumnType::boolean, {1}}, {"AllowZeroLength", ColumnType::boolean, {0}}}},
+                      {"b", {{"DefaultValue", ColumnType::memo, {'4', 0}}}}}}}});
+    Connection connection;
+    ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
+    Statement statement(connection);
+    EXPECT_EQ(statement.outcome("INSERT INTO t (a) VALUES ('x')"), "ok");
+    EXPECT_EQ(statement.rows("SELECT b FROM t WHERE b = 4"), Texts{"4"});
+    EXPECT_EQ(statement.outcome("INSERT INTO t (b) VALUES (1)").substr(0, 5), "23000");
+    EXPECT_EQ(statement.outcome("UPDATE t SET a = ''").substr(0, 5), "23000");
+    ASSERT_EQ(SQLColumns(statement.handle(), nullptr, 0, nullptr, 0, chars("t"), SQL_NTS, chars("%"), SQL_NTS),
+              SQL_SUCCESS);
+    constexpr SQLUSMALLINT nullable = 18, byDefault = 13;
+    ASSERT_EQ(SQLFetch(statement.handle()), SQL_SUCCESS);
+    EXPECT_EQ(statement.text(nullable), "NO");
+    ASSERT_EQ(SQLFetch(statement.handle()), SQL_SUCCESS);
+    EXPECT_EQ(statement.text(byDefault), "4");
 }
 
 TEST_F(CatalogTest, ColumnsKeysAndIndexes) {
