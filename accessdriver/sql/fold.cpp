@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cwctype>
 
-#include "accessdriver/sql/cLocale.h"
+#include "accessdriver/jet/cLocale.h"
 
 namespace sql {
 
@@ -12,7 +12,7 @@ namespace {
 // The application's own locale may be plain "C", which knows ASCII only. Not every system has one that is named for
 // Unicode alone, but each has an American one.
 wint_t lower(wint_t character) {
-    static const LocaleHandle unicode = openLocale(LC_CTYPE_MASK, {"C.UTF-8", "UTF-8", "en_US.UTF-8"});
+    static const jet::LocaleHandle unicode = jet::openLocale(LC_CTYPE_MASK, {"C.UTF-8", "UTF-8", "en_US.UTF-8"});
     return unicode ? towlower_l(character, unicode.get()) : character;
 }
 

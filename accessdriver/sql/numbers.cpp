@@ -4,10 +4,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
-#include "accessdriver/sql/cLocale.h"
+#include "accessdriver/jet/realNumber.h"
 
 namespace sql {
 
@@ -15,8 +14,6 @@ namespace {
 
 constexpr int currencyDecimals = 4;
 constexpr std::int64_t tenThousand = 10000;
-
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Adds a digit; false when the result would leave the range.
 bool appendDigit(std::uint64_t& value, unsigned digit) {
@@ -61,20 +58,7 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-std::optional<double> readNumber(std::string_view text) {
-    text = trimmed(text);
-    const std::string_view unsignedText = text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
-    // The library's reader would take "inf", "nan" and hexadecimal numbers too.
-    if (unsignedText.empty() || !(isDigit(unsignedText.front()) || unsignedText.front() == '.')) return std::nullopt;
-    if (unsignedText.find_first_not_of("0123456789.eE+-") != std::string_view::npos) return std::nullopt;
-    // The point is a point, whatever the application's locale has.
-    static const LocaleHandle plain = openLocale(LC_ALL_MASK, {"C"});
-    const std::string copy(text);
-    char* end = nullptr;
-    const double value = strtod_l(copy.c_str(), &end, plain.get());
-    if (end != copy.c_str() + copy.size() || !std::isfinite(value)) return std::nullopt;
-    return value;
-}
+std::optional<double> readNumber(std::string_view text) { return jet::readReal(trimmed(text)); }
 
 std::optional<jet::Currency> readCurrency(std::string_view text) {
     const auto approximate = readNumber(text);

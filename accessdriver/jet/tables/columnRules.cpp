@@ -19,10 +19,18 @@ TextKey keyOf(const std::string& text) {
     return key;
 }
 
+// Not every standard library has <=> for vectors and variants.
+template <class Comparable>
+std::partial_ordering order(const Comparable& a, const Comparable& b) {
+    if (a < b) return std::partial_ordering::less;
+    if (b < a) return std::partial_ordering::greater;
+    return a == b ? std::partial_ordering::equivalent : std::partial_ordering::unordered;
+}
+
 // Values of one column are of one kind.
 std::partial_ordering compare(const Value& a, const Value& b) {
-    if (const auto* text = std::get_if<std::string>(&a)) return keyOf(*text) <=> keyOf(std::get<std::string>(b));
-    return a <=> b;
+    if (const auto* text = std::get_if<std::string>(&a)) return order(keyOf(*text), keyOf(std::get<std::string>(b)));
+    return order(a, b);
 }
 
 // This moment, as a Date/Time of the computer's own time zone.

@@ -5,16 +5,16 @@
 #include <cmath>
 #include <limits>
 
+#include "accessdriver/jet/realNumber.h"
 #include "accessdriver/jet/records/text.h"
 
 namespace jet {
 
 namespace {
 
-// All of text as a number, or nothing.
-template <class Number>
-std::optional<Number> numberIn(std::string_view text) {
-    Number number = 0;
+// All of text as a whole number, or nothing.
+std::optional<int> numberIn(std::string_view text) {
+    int number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (text.empty() || error != std::errc() || end != text.data() + text.size()) return std::nullopt;
     return number;
@@ -49,8 +49,8 @@ std::optional<double> dateIn(std::string_view text) {
     const char sign = text.find('/') != std::string_view::npos ? '/' : '-';
     const std::size_t first = text.find(sign), second = text.find(sign, first + 1);
     if (first == std::string_view::npos || second == std::string_view::npos) return {};
-    const auto a = numberIn<int>(text.substr(0, first)), b = numberIn<int>(text.substr(first + 1, second - first - 1)),
-               c = numberIn<int>(text.substr(second + 1));
+    const auto a = numberIn(text.substr(0, first)), b = numberIn(text.substr(first + 1, second - first - 1)),
+               c = numberIn(text.substr(second + 1));
     if (!a || !b || !c) return {};
     const int year = sign == '/' ? *c : *a, month = sign == '/' ? *a : *b, day = sign == '/' ? *b : *c;
     using namespace std::chrono;
@@ -99,8 +99,8 @@ Value constantFor(const Column& column, std::string_view text) {
     if (const auto content = quotedIn(text)) return column.text() ? Value(*content) : Value();
     if (const auto days = dateIn(text)) return column.type == ColumnType::dateTime ? Value(DateTime{*days}) : Value();
     const auto yes = yesNoIn(text);
-    const auto number = yes ? std::optional(*yes ? -1.0 : 0.0) : numberIn<double>(text);
-    if (!number || !std::isfinite(*number)) return {};
+    const auto number = yes ? std::optional(*yes ? -1.0 : 0.0) : readReal(text);
+    if (!number) return {};
     if (column.text()) return std::string(text);
     return numberFor(column, *number);
 }

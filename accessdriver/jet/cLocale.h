@@ -8,7 +8,7 @@
 #include <xlocale.h>
 #endif
 
-namespace sql {
+namespace jet {
 
 struct FreeLocale {
     void operator()(locale_t locale) const noexcept { freelocale(locale); }
@@ -25,4 +25,4 @@ inline LocaleHandle openLocale(int categories, std::initializer_list<const char*
     return nullptr;
 }
 
-}  // namespace sql
+}  // namespace jet
