@@ -68,7 +68,8 @@ void TextGrid::setCell(int row, int column, std::string_view text) {
     if (r >= rows_.size()) rows_.resize(r + 1);
     auto& [cells, ends] = rows_[r];
     if (ends.empty() && cells.empty() && r > 0) {
-        // Rows are much of a size.
+        // Rows are much of a size; one that outgrew what was reserved for it has twice the room that it needs.
+        rows_[r - 1].cells.shrink_to_fit();
         cells.reserve(rows_[r - 1].cells.size());
         ends.reserve(rows_[r - 1].ends.size());
     }

@@ -15,7 +15,7 @@ class TextGrid {
     int rowCount() const { return rowCount_; }
     int columnCount() const { return columnCount_; }
 
-    /// The text of a cell; good until a cell of that row is set. Raises OutOfBounds.
+    /// The text of a cell; good until a cell of that row, or the first one of the next, is set. Raises OutOfBounds.
     std::string_view cell(int row, int column) const;
 
     /// Raises OutOfBounds.
