@@ -1,5 +1,7 @@
 #include "platform/database/sqliteConnection.h"
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "platform/values/text.h"
@@ -16,7 +18,12 @@ constexpr const char* anyAccess = "SELECT count(*) FROM sqlite_master";
 
 }  // namespace
 
-bool SQLiteConnection::isFresh() { return usable() && !wrote_ && !hasMoved() && run(anyAccess); }
+bool SQLiteConnection::isFresh(const std::string& path) {
+    const char* own = sqlite3_db_filename(get(), "main");
+    std::error_code failed;
+    const bool leadsThere = own != nullptr && std::filesystem::equivalent(own, path, failed) && !hasMoved();
+    return leadsThere && usable() && !wrote_ && run(anyAccess);
+}
 
 StatementHandle SQLiteConnection::prepare(std::string_view sql) {
     refused_.clear();

@@ -33,9 +33,9 @@ class SQLiteConnection {
     /// Whether it is open, and the file did not prove unusable.
     bool usable() const { return isOpen() && !broken_; }
 
-    /// Whether a connection made now would find nothing else: it has written nothing, the file is still the one of its
-    /// name, and it can be read.
-    bool isFresh();
+    /// Whether a connection made now to the file of that path would find nothing else: it has written nothing, leads to
+    /// that very file, and can read it.
+    bool isFresh(const std::string& path);
 
     int errorCode() const { return refused_.empty() ? sqlite3_errcode(get()) : SQLITE_ERROR; }
     std::string errorMessage() const { return refused_.empty() ? sqlite3_errmsg(get()) : refused_; }

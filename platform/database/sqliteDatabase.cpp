@@ -141,7 +141,8 @@ void SQLiteDatabase::inherit(SQLiteDatabase& other) {
     other.forgetStatements();
     const bool isSame = other.DatabaseFile.nativePath() == DatabaseFile.nativePath() &&
                         other.EncryptionKey == EncryptionKey && !EncryptionKey.empty();
-    if (isSame && other.isOpen() && other.connection_.use_count() == 1 && other.connection_->isFresh()) {
+    if (isSame && other.isOpen() && other.connection_.use_count() == 1 &&
+        other.connection_->isFresh(DatabaseFile.nativePath())) {
         connection_ = std::move(other.connection_);
     }
 }
