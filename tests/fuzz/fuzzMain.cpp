@@ -89,6 +89,8 @@ Options optionsOf(int count, char** arguments) {
             options.seed = number();
         } else if (name == "-artifact_prefix") {
             options.findingPrefix = value;
+        } else if (argument.starts_with('-')) {
+            continue;  // for libFuzzer alone
         } else if (fs::is_directory(argument)) {
             for (const auto& entry : fs::directory_iterator(argument)) {
                 options.seeds.push_back(readWhole(entry.path()));
