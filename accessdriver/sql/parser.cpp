@@ -460,7 +460,12 @@ class Parser {
         return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return isWord(word); });
     }
 
-    bool isWord(std::string_view word) const { return token_.kind == TokenKind::word && sameName(token_.text, word); }
+    // Most words are told apart by their length or first letter; the word asked for is in lower case.
+    bool isWord(std::string_view word) const {
+        constexpr char lowerCaseBit = 0x20;
+        return token_.kind == TokenKind::word && token_.text.size() == word.size() &&
+               (token_.text.front() | lowerCaseBit) == word.front() && sameName(token_.text, word);
+    }
 
     bool isSymbol(char symbol) const { return token_.kind == TokenKind::symbol && token_.text.front() == symbol; }
 
