@@ -132,6 +132,13 @@ bool isUsable(SQLiteDatabase& database) {
     return false;
 }
 
+/// Commits what stands. Rows that the library has kept in memory may meet the full disk only here, all of them
+/// together.
+Outcome settle(SQLiteDatabase& database) {
+    database.commit();
+    return isUsable(database) ? Outcome::goOn : Outcome::endConversion;
+}
+
 Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const csvAudit::Extent& extent) {
     for (int row = 1; !csvRows::isEnd(row, columnMap, extent); ++row) {
         const DatabaseRecord record = makeRecord(row, columnMap);
@@ -140,15 +147,14 @@ Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const cs
         csvRows::report(row, columnMap);
         RuntimeBackgroundTask();
     }
-    database.commit();
-    // Rows that the library has kept in memory may meet the full disk only here, all of them together.
-    return isUsable(database) ? Outcome::goOn : Outcome::endConversion;
+    return settle(database);
 }
 
 /// Before a second connection is made: points connectData at the new file again, for a conversion that was started
 /// inside this one has other paths. False if Cancel deleted the file, so that no second connection can open it.
 bool isThere(const SQLiteDatabase& database) {
     appSystem::dataPath = database.DatabaseFile.nativePath();
+    appSystem::dataIsSource = false;
     return database.DatabaseFile.exists();
 }
 
@@ -156,6 +162,7 @@ bool isThere(const SQLiteDatabase& database) {
 
 void convertCSV() {
     appSystem::dataPath = appSystem::destinationFilePath;
+    appSystem::dataIsSource = false;
     SQLiteDatabase database;
     database.DatabaseFile = FileReference(appSystem::destinationFilePath);
     if (appSystem::isSameFile(appSystem::sourceFilepath, appSystem::destinationFilePath)) {
@@ -174,14 +181,21 @@ void convertCSV() {
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
     if (writeRows(database, columnMap, extent) == Outcome::endConversion) return;
     appSystem::linkAnimals(database);
+    // A pass that ended early has left what it did uncommitted. It stands, and would lock out the second connection.
+    if (settle(database) == Outcome::endConversion) return;
     const Outcome sexes =
         csvRows::inferSexes(database, "rsd",
                             "The converter cannot find a column for the animal's sex. Do you want to "
                             "determine the sex by whether it has been a father or mother in the past?");
     if (sexes == Outcome::endConversion) return;
+    if (settle(database) == Outcome::endConversion) return;
     if (isThere(database)) {
         appSystem::connectData();
         appSystem::UpdateVersion();
+    }
+    if (!database.sync()) {
+        showMessage(database.errorMessage());
+        return;
     }
     frmWait().close();
     showMessage("Operation completed");

@@ -5,6 +5,7 @@
 #include "converters/cavStatements.h"
 #include "platform/database/database.h"
 #include "platform/database/odbcConnection.h"
+#include "platform/database/sqliteDatabase.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
@@ -70,7 +71,10 @@ void exportTables() {
     OdbcConnection connection;
     if (!cavStore::openConnection(connection)) return;
     appSystem::dataPath = appSystem::sourceFilepath;
+    appSystem::dataIsSource = true;
     appSystem::connectData();
+    // While these rows are open, nobody else can change the file between one table and the next.
+    const auto lock = appSystem::db ? appSystem::db->select("SELECT name FROM sqlite_master") : nullptr;
     for (const Table& table : tables) copy(table, connection);
 }
 

@@ -74,6 +74,7 @@ void exportTree() {
     appSystem::sourceFilepath = frmMain().txtFilePath().text();
     appSystem::destinationFilePath = appSystem::getNewName(appSystem::sourceFilepath, "( tree ).csv");
     appSystem::dataPath = appSystem::sourceFilepath;
+    appSystem::dataIsSource = true;
     appSystem::connectData();
     const auto records = appSystem::GetRecordset("SELECT * FROM tree ");
     if (!records) throw NullReference("the animals");

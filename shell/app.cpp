@@ -1,5 +1,8 @@
 #include "shell/app.h"
 
+#include "platform/database/sqliteDatabase.h"
+#include "platform/database/waiting.h"
+#include "platform/desktop/painting.h"
 #include "platform/values/failure.h"
 #include "shell/state/appSystem.h"
 #include "shell/windows/fileTypes.h"
@@ -14,6 +17,13 @@ App::App(int& argumentCount, char** arguments) : Application(argumentCount, argu
     version = TOLVARIS_VERSION_TEXT;
     setName("Tolvaris File Converter", "tolvaris-converter");
     setIcon(pictures::tolvaris());
+    waiting::setTurn(painting::paint);
+}
+
+App::~App() {
+    waiting::setTurn(nullptr);
+    // At the end of the process the library has let go of what its connections need.
+    appSystem::db.reset();
 }
 
 void App::Event_Open() { autoQuit = true; }

@@ -11,6 +11,7 @@ class App : public Application {
     void createExportFolder();
 
     App(int& argumentCount, char** arguments);
+    ~App() override;
 
   protected:
     void openDefaultWindow() override;

@@ -35,6 +35,7 @@ void connectData() {
         const FileReference file(dataPath);
         auto before = std::exchange(db, std::make_shared<SQLiteDatabase>());
         db->DatabaseFile = file;
+        db->ReadOnly = dataIsSource;
         db->EncryptionKey = key;
         if (before.use_count() == 1) db->inherit(*before);
         before.reset();

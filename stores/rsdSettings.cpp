@@ -1,6 +1,7 @@
 #include "stores/rsdSettings.h"
 
 #include "fieldtext/textHelpers.h"
+#include "platform/database/sqliteDatabase.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 #include "shell/state/appSystem.h"
@@ -61,13 +62,19 @@ std::int64_t firstId(SQLiteDatabase& database) {
 void saveToSettings(const std::string& field, std::string_view value) {
     appSystem::connectData();
     if (!appSystem::db) throw NullReference("the database");
+    const std::string heading = appSystem::rma(value);
     if (firstId(*appSystem::db) == 1) {
-        appSystem::db->execute("Update settings SET " + field + " = '" + appSystem::rma(value) + "' WHERE id = 1");
+        // A refused update is not noticed. As a parameter, for a byte 0 would end the text of a statement.
+        guarded([&] {
+            SQLiteStatement update = appSystem::db->prepare("Update settings SET " + field + " = ?1 WHERE id = 1");
+            update.bind(1, heading);
+            update.run();
+        });
         appSystem::db->commit();
         return;
     }
     DatabaseRecord record;
-    record.setColumn(field, appSystem::rma(value));
+    record.setColumn(field, heading);
     appSystem::saveToFile(record, "settings");
 }
 

@@ -45,6 +45,8 @@ class RecordSet {
 
     virtual bool atEnd() const = 0;
     virtual void moveFirst() = 0;
+
+    /// Raises DatabaseFailure if the store can't read on; the record set is at its end then.
     virtual void moveNext() = 0;
 
     /// Number of rows of the whole result, 0 where the store cannot tell.

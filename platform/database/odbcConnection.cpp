@@ -9,6 +9,8 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include "platform/values/failure.h"
+
 namespace detail {
 namespace {
 
@@ -176,8 +178,13 @@ class OdbcRecordSet final : public RecordSet {
   private:
     void fetch() {
         values_.clear();
-        if (!atEnd()) atEnd_ = !SQL_SUCCEEDED(SQLFetch(statement_.get()));
+        if (atEnd()) return;
+        const SQLRETURN result = SQLFetch(statement_.get());
+        atEnd_ = !SQL_SUCCEEDED(result);
+        if (atEnd_ && result != SQL_NO_DATA) fail();
     }
+
+    [[noreturn]] void fail() { throw DatabaseFailure(diagnose(SQL_HANDLE_STMT, statement_.get()).message); }
 
     void reopenIfRewound() {
         if (!rewound_ || !link_->isOpen()) return;
@@ -186,6 +193,7 @@ class OdbcRecordSet final : public RecordSet {
         const SQLRETURN result = SQLExecDirect(statement_.get(), sqlText(sql_), static_cast<SQLINTEGER>(sql_.size()));
         atEnd_ = !SQL_SUCCEEDED(result);
         onFirst_ = true;
+        if (atEnd_) fail();
         fetch();
     }
 
@@ -196,7 +204,8 @@ class OdbcRecordSet final : public RecordSet {
             SQLLEN size = 0;
             const SQLRETURN result = SQLGetData(statement_.get(), column, SQL_C_CHAR, piece.data(),
                                                 static_cast<SQLLEN>(piece.size()), &size);
-            if (!SQL_SUCCEEDED(result) || size == SQL_NULL_DATA) return value;
+            if (result == SQL_NO_DATA || (SQL_SUCCEEDED(result) && size == SQL_NULL_DATA)) return value;
+            if (!SQL_SUCCEEDED(result)) fail();
             const auto room = static_cast<SQLLEN>(piece.size() - 1);
             const bool more = size == SQL_NO_TOTAL || size > room;
             value.append(piece.data(), static_cast<std::size_t>(more ? room : size));
@@ -242,7 +251,13 @@ std::shared_ptr<RecordSet> OdbcConnection::select(std::string_view sql) {
     SQLSMALLINT columns = 0;
     SQLNumResultCols(statement.get(), &columns);
     if (columns == 0) return nullptr;
-    return std::make_shared<detail::OdbcRecordSet>(link_, std::move(statement), std::move(text));
+    try {
+        return std::make_shared<detail::OdbcRecordSet>(link_, std::move(statement), std::move(text));
+    } catch (const DatabaseFailure& failure) {
+        errorCode_ = -1;
+        errorMessage_ = failure.what();
+        return nullptr;
+    }
 }
 
 void OdbcConnection::execute(std::string_view sql) {

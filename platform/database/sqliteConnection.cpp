@@ -1,9 +1,15 @@
 #include "platform/database/sqliteConnection.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include "platform/database/sqliteSource.h"
+#include "platform/database/sqliteWaiting.h"
+#include "platform/files/files.h"
+#include "platform/values/failure.h"
 #include "platform/values/text.h"
 
 namespace detail {
@@ -26,14 +32,13 @@ bool SQLiteConnection::isFresh(const std::string& path) {
 }
 
 StatementHandle SQLiteConnection::prepare(std::string_view sql) {
-    refused_.clear();
     sqlite3_stmt* raw = nullptr;
     const char* rest = nullptr;
-    sqlite3_prepare_v2(get(), sql.data(), static_cast<int>(sql.size()), &raw, &rest);
+    note(sqlite3_prepare_v2(get(), sql.data(), static_cast<int>(sql.size()), &raw, &rest));
     StatementHandle statement(raw);
     if (statement && !endsAt(sql, rest)) {
-        refused_ = "only one statement at a time is run";
         statement.reset();
+        fail(SQLITE_ERROR, "only one statement at a time is run");
     }
     return statement;
 }
@@ -42,6 +47,15 @@ int SQLiteConnection::step(sqlite3_stmt* statement) {
     const int result = sqlite3_step(statement);
     note(result);
     return result;
+}
+
+bool SQLiteConnection::stepToRow(sqlite3_stmt* statement) {
+    const int result = step(statement);
+    if (result == SQLITE_ROW || result == SQLITE_DONE) return result == SQLITE_ROW;
+    const std::string reason = errorMessage();
+    // A further step would start from the first row again.
+    sqlite3_reset(statement);
+    throw DatabaseFailure(reason);
 }
 
 bool SQLiteConnection::run(const char* sql) {
@@ -53,21 +67,25 @@ bool SQLiteConnection::run(const char* sql) {
 void SQLiteConnection::beginIfNeeded() {
     // One without the file's name can't be written in any more.
     if (std::exchange(onlyLocked_, false) && hasMoved()) run("COMMIT");
-    if (sqlite3_get_autocommit(get()) != 0) begin("BEGIN");
+    if (sqlite3_get_autocommit(get()) == 0) return;
+    prepareToWrite();
+    run("BEGIN");
 }
 
 bool SQLiteConnection::lock() {
-    if (sqlite3_get_autocommit(get()) == 0) return false;
-    begin("BEGIN EXCLUSIVE");
-    onlyLocked_ = sqlite3_get_autocommit(get()) == 0;
+    if (broken_ || sqlite3_get_autocommit(get()) == 0) return false;
+    prepareToWrite();
+    // It is a help and no more, so it is not waited for, and not to get it is no failure.
+    setPatient(get(), false);
+    onlyLocked_ = sqlite3_exec(get(), "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr) == SQLITE_OK;
+    setPatient(get(), true);
     return onlyLocked_;
 }
 
-void SQLiteConnection::begin(const char* statement) {
+void SQLiteConnection::prepareToWrite() {
     flushAtEnd();
     // The journal's file goes with the database's name; a file deleted while it is open is written on all the same.
     if (hasMoved()) run("PRAGMA journal_mode = MEMORY");
-    run(statement);
 }
 
 void SQLiteConnection::flushAtEnd() {
@@ -77,28 +95,50 @@ void SQLiteConnection::flushAtEnd() {
 }
 
 void SQLiteConnection::commit() {
-    refused_.clear();
     onlyLocked_ = false;
     if (isOpen() && sqlite3_get_autocommit(get()) == 0) run("COMMIT");
 }
 
 void SQLiteConnection::close() {
-    if (closed_) return;
+    if (closed_ || !handle_) return;
     closed_ = true;
     // A record set that is still open would keep its lock on the file.
     for (sqlite3_stmt* open = nullptr; (open = sqlite3_next_stmt(get(), open)) != nullptr;) sqlite3_reset(open);
     if (sqlite3_get_autocommit(get()) == 0) run("ROLLBACK");
     // A journal that a failed write left behind is played back with the next access to the file.
     if (broken_) run(anyAccess);
-    if (wrote_) flush();
+    sync();
+    copy_.reset();
+}
+
+/// The first reason of a file that is unusable stays.
+void SQLiteConnection::fail(int code, std::string message) {
+    if (broken_) return;
+    errorCode_ = code;
+    errorMessage_ = std::move(message);
 }
 
 void SQLiteConnection::note(int result) {
     const int kind = result & 0xFF;
-    const bool failed = kind == SQLITE_FULL || kind == SQLITE_IOERR || kind == SQLITE_CORRUPT ||
-                        kind == SQLITE_NOTADB || kind == SQLITE_READONLY;
+    if (kind == SQLITE_OK || kind == SQLITE_ROW || kind == SQLITE_DONE) {
+        if (!broken_) errorCode_ = SQLITE_OK;
+        return;
+    }
+    fail(kind, sqlite3_errmsg(get()));
+    constexpr std::array unusable{SQLITE_FULL,     SQLITE_IOERR,    SQLITE_CORRUPT, SQLITE_NOTADB,
+                                  SQLITE_READONLY, SQLITE_CANTOPEN, SQLITE_BUSY};
     // Nobody waits for what is written to a file that was deleted; its journal may have gone with it.
-    if (failed && !hasMoved()) broken_ = true;
+    const bool breaks = std::find(unusable.begin(), unusable.end(), kind) != unusable.end() && !hasMoved();
+    if (!breaks || broken_) return;
+    if (kind == SQLITE_CANTOPEN) errorMessage_ += ": " + path() + "-journal";
+    broken_ = true;
+    // A lock was waited for long enough, and would be again at each statement that is still to come.
+    setPatient(get(), false);
+}
+
+std::string SQLiteConnection::path() const {
+    const char* path = sqlite3_db_filename(get(), "main");
+    return path == nullptr ? std::string() : path;
 }
 
 bool SQLiteConnection::hasMoved() {
@@ -108,10 +148,22 @@ bool SQLiteConnection::hasMoved() {
 }
 
 /// Through the library's own handle: opening the file once more would drop its locks.
-void SQLiteConnection::flush() {
+bool SQLiteConnection::sync() {
+    if (!wrote_ || broken_ || hasMoved()) return !broken_;
+    wrote_ = false;
+    sqlite3_file* file = openFile(get());
+    if (file == nullptr) return true;
+    if (file->pMethods->xSync(file, SQLITE_SYNC_NORMAL) == SQLITE_OK && FileReference(path()).parent().sync())
+        return true;
+    fail(SQLITE_IOERR, path() + ": what was written did not reach the disk");
+    broken_ = true;
+    return false;
+}
+
+sqlite3_file* openFile(sqlite3* handle) {
     sqlite3_file* file = nullptr;
-    if (sqlite3_file_control(get(), "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file)) != SQLITE_OK) return;
-    if (file != nullptr && file->pMethods != nullptr) file->pMethods->xSync(file, SQLITE_SYNC_NORMAL);
+    const int result = sqlite3_file_control(handle, "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file));
+    return result == SQLITE_OK && file != nullptr && file->pMethods != nullptr ? file : nullptr;
 }
 
 std::string_view columnOf(sqlite3_stmt* statement, int column) {

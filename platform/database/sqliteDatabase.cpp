@@ -1,11 +1,11 @@
 #include "platform/database/sqliteDatabase.h"
 
 #include <algorithm>
-#include <array>
-#include <fstream>
 
 #include "platform/database/sqliteConnection.h"
 #include "platform/database/sqliteRecordSet.h"
+#include "platform/database/sqliteSource.h"
+#include "platform/database/sqliteWaiting.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 
@@ -50,16 +50,12 @@ std::vector<const char*> compatibilitySettings(sqlite3* handle) {
             "PRAGMA cipher_compatibility = 1"};
 }
 
-bool isReadable(sqlite3* handle) {
-    return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK;
-}
-
-/// Whether the file begins as a plain database does, so that no key can fit and none need be derived.
-bool isPlain(const std::string& path) {
-    static constexpr std::string_view signature("SQLite format 3\0", 16);
-    std::array<char, signature.size()> start{};
-    std::ifstream(path, std::ios::binary).read(start.data(), start.size());
-    return std::string_view(start.data(), start.size()) == signature;
+/// Whether there is a name for the journal, which has a longer one than its file.
+bool journalFits(const std::string& path) {
+    constexpr std::size_t longestName = 255;
+    constexpr std::string_view ending = "-journal";
+    const std::size_t name = path.size() - (path.find_last_of('/') + 1);
+    return name + ending.size() <= longestName;
 }
 
 }  // namespace
@@ -67,79 +63,112 @@ bool isPlain(const std::string& path) {
 SQLiteDatabase::SQLiteDatabase() = default;
 SQLiteDatabase::~SQLiteDatabase() = default;
 
+bool SQLiteDatabase::refuse(int code, std::string message) {
+    openError_ = code;
+    openMessage_ = std::move(message);
+    connection_.reset();
+    return false;
+}
+
 bool SQLiteDatabase::open(int flags) {
     configureLibrary();
+    const bool waitedInVain = openError_ == SQLITE_BUSY;
     sqlite3* raw = nullptr;
-    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags, nullptr);
-    auto opened = std::make_shared<detail::SQLiteConnection>(raw);
-    openError_ = result;
-    openMessage_ = raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result);
-    if (result != SQLITE_OK) return false;
-    sqlite3_extended_result_codes(raw, 0);
-    connection_ = std::move(opened);
+    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags,
+                                       ReadOnly ? detail::sourceFileSystem() : nullptr);
+    connection_ = std::make_shared<detail::SQLiteConnection>(raw);
+    if (result != SQLITE_OK) return refuse(result, raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result));
+    detail::setPatient(raw, !waitedInVain);
     return true;
+}
+
+bool SQLiteDatabase::openCopy() {
+    const auto copy = detail::PrivateCopy::of(connection_->get(), DatabaseFile.nativePath());
+    if (!copy) return refuse(SQLITE_CANTOPEN, DatabaseFile.nativePath() + ": no room for a copy to read from");
+    sqlite3* raw = nullptr;
+    const int result = sqlite3_open_v2(copy->path().c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
+    connection_ = std::make_shared<detail::SQLiteConnection>(raw, copy);
+    return result == SQLITE_OK || refuse(result, sqlite3_errstr(result));
 }
 
 bool SQLiteDatabase::createDatabaseFile() {
     forgetStatements();
     connection_.reset();
-    if (DatabaseFile.exists()) {
-        openError_ = SQLITE_CANTOPEN;
-        openMessage_ = "there is a file of that name already";
-        return false;
-    }
-    if (DatabaseFile.nativePath().empty() || !open(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return false;
+    const std::string& path = DatabaseFile.nativePath();
+    if (DatabaseFile.exists()) return refuse(SQLITE_CANTOPEN, "there is a file of that name already");
+    if (path.empty()) return refuse(SQLITE_CANTOPEN, "there is no name for the new file");
+    if (!journalFits(path)) return refuse(SQLITE_CANTOPEN, "the name of the new file is too long");
+    if (!open(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return false;
     if (!EncryptionKey.empty()) {
         sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
     }
     connection_->flushAtEnd();
     // Writes the file's header, so that the file exists and a folder that cannot be written shows now.
     if (connection_->run("PRAGMA user_version = 0")) return true;
-    openError_ = connection_->errorCode();
-    openMessage_ = connection_->errorMessage();
-    connection_.reset();
+    refuse(connection_->errorCode(), connection_->errorMessage());
+    // What has been made so far is empty, and would stand in the way of the next attempt.
+    DatabaseFile.remove();
     return false;
+}
+
+/// The result of reading the file with these settings of the cipher.
+int SQLiteDatabase::unlock(const char* cipherSettings) {
+    sqlite3* handle = connection_->get();
+    if (!EncryptionKey.empty()) {
+        sqlite3_key(handle, EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
+        sqlite3_exec(handle, cipherSettings, nullptr, nullptr, nullptr);
+    }
+    return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) & 0xFF;
+}
+
+int SQLiteDatabase::firstAccess(const char* cipherSettings) {
+    // To read from the copy at once saves deriving a key for nothing.
+    const bool copied = ReadOnly && detail::PrivateCopy::isKnown(DatabaseFile.nativePath());
+    int result = copied ? SQLITE_CANTOPEN : unlock(cipherSettings);
+    if (ReadOnly && detail::needsCopy(result)) {
+        if (!openCopy()) return openError_;
+        result = unlock(cipherSettings);
+    }
+    if (result != SQLITE_OK) refuse(result, sqlite3_errmsg(connection_->get()));
+    return result;
 }
 
 bool SQLiteDatabase::connect() {
     if (connection_ && connection_->isOpen()) return connection_->usable();
     forgetStatements();
     connection_.reset();
-    const bool plain = isPlain(DatabaseFile.nativePath());
-    if (plain && !EncryptionKey.empty()) {
-        openError_ = SQLITE_NOTADB;
-        openMessage_ = sqlite3_errstr(SQLITE_NOTADB);
-        return false;
-    }
+    if (!DatabaseFile.isRegular()) return refuse(SQLITE_CANTOPEN, sqlite3_errstr(SQLITE_CANTOPEN));
     // Each attempt derives a key, which takes long, and a conversion opens its file some twenty times.
     static std::size_t lastFit = 0;
     std::size_t attempts = 1;
     for (std::size_t attempt = 0; attempt < attempts; ++attempt) {
-        if (DatabaseFile.nativePath().empty() || !open(SQLITE_OPEN_READWRITE)) return false;
-        sqlite3* handle = connection_->get();
+        if (!open(ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE)) return false;
         std::size_t generation = 0;
+        const char* settings = "";
         if (!EncryptionKey.empty()) {
-            const auto settings = compatibilitySettings(handle);
-            attempts = settings.size();
+            if (detail::beginsAsPlain(connection_->get())) return refuse(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB));
+            const auto generations = compatibilitySettings(connection_->get());
+            attempts = generations.size();
             generation = (lastFit + attempt) % attempts;
-            sqlite3_key(handle, EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
-            sqlite3_exec(handle, settings[generation], nullptr, nullptr, nullptr);
+            settings = generations[generation];
         }
-        if (isReadable(handle)) {
-            connection_->run(roomForAHerd);
-            if (!EncryptionKey.empty()) lastFit = generation;
-            return true;
-        }
-        openError_ = sqlite3_errcode(handle);
-        openMessage_ = sqlite3_errmsg(handle);
-        connection_.reset();
+        const int result = firstAccess(settings);
+        // What a lock hides is not known, so no other key or generation would tell more.
+        if (result == SQLITE_BUSY) return false;
+        if (result != SQLITE_OK) continue;
+        connection_->run(roomForAHerd);
+        if (ReadOnly) detail::allowOnlyReading(connection_->get());
+        detail::setPatient(connection_->get(), true);
+        if (!EncryptionKey.empty()) lastFit = generation;
+        openError_ = SQLITE_OK;
+        return true;
     }
     return false;
 }
 
 void SQLiteDatabase::inherit(SQLiteDatabase& other) {
     other.forgetStatements();
-    const bool isSame = other.DatabaseFile.nativePath() == DatabaseFile.nativePath() &&
+    const bool isSame = other.DatabaseFile.nativePath() == DatabaseFile.nativePath() && other.ReadOnly == ReadOnly &&
                         other.EncryptionKey == EncryptionKey && !EncryptionKey.empty();
     if (isSame && other.isOpen() && other.connection_.use_count() == 1 &&
         other.connection_->isFresh(DatabaseFile.nativePath())) {
@@ -203,6 +232,8 @@ void SQLiteDatabase::insertRecord(std::string_view table, const DatabaseRecord& 
 void SQLiteDatabase::commit() {
     if (connection_) connection_->commit();
 }
+
+bool SQLiteDatabase::sync() { return connection_ && connection_->sync(); }
 
 int SQLiteDatabase::errorCode() const { return connection_ ? connection_->errorCode() : openError_; }
 

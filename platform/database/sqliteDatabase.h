@@ -25,12 +25,17 @@ class SQLiteDatabase : public Database {
     FileReference DatabaseFile;
     std::string EncryptionKey;
 
+    /// Set before connect(): the file is a source, and whatever it holds and whatever lies beside it, nothing there
+    /// changes. What a program that was cut off has left to be played back is played back in a private copy.
+    bool ReadOnly = false;
+
     /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails or if there is a
     /// file of that name already.
     bool createDatabaseFile();
 
-    /// Opens an existing file; false, with the error set, if there is none or the key does not fit. On an open
-    /// connection: false once the file proved unusable (disk full, input or output failed, file damaged).
+    /// Opens an existing file; false, with the error set, if there is none or the key does not fit. A locked file is
+    /// waited for. On an open connection: false once the file proved unusable (disk full, input or output failed, file
+    /// damaged, locked for longer than anybody waits).
     bool connect() override;
 
     /// Before connect(): takes over the connection of an object that is about to go, where that leads to the same
@@ -68,8 +73,15 @@ class SQLiteDatabase : public Database {
     /// Rows inserted, changed and deleted on this connection so far; 0 without one.
     int changeCount() const;
 
+    /// Has all that was committed reach the disk. False, with the error set, if the disk refuses.
+    bool sync();
+
   private:
     bool open(int flags);
+    bool openCopy();
+    int firstAccess(const char* cipherSettings);
+    int unlock(const char* cipherSettings);
+    bool refuse(int code, std::string message);
     void forgetStatements();
 
     std::shared_ptr<detail::SQLiteConnection> connection_;

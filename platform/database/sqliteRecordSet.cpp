@@ -30,7 +30,10 @@ class SQLiteRecordSet : public RecordSet {
 
     void moveNext() override {
         changes_.clear();
-        if (!atEnd()) atEnd_ = connection_->step(statement_.get()) != SQLITE_ROW;
+        if (atEnd()) return;
+        // Also where the rows can't be read on.
+        atEnd_ = true;
+        atEnd_ = !connection_->stepToRow(statement_.get());
     }
 
     std::int64_t recordCount() override {

@@ -24,7 +24,7 @@ void SQLiteStatement::bind(int parameter, std::int64_t number) {
 
 void SQLiteStatement::bindNull(int parameter) { sqlite3_bind_null(statement_.get(), parameter); }
 
-bool SQLiteStatement::step() { return connection_->isOpen() && connection_->step(statement_.get()) == SQLITE_ROW; }
+bool SQLiteStatement::step() { return connection_->isOpen() && connection_->stepToRow(statement_.get()); }
 
 void SQLiteStatement::run() {
     if (!connection_->isOpen()) return;

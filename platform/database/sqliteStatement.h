@@ -30,7 +30,7 @@ class SQLiteStatement {
     void bind(int parameter, std::int64_t number);
     void bindNull(int parameter);
 
-    /// Runs up to the next row; false at the end or if the statement fails.
+    /// Runs up to the next row; false at the end. Raises DatabaseFailure if the rows can't be read on.
     bool step();
 
     /// Runs a statement without rows from its start. A change of rows opens a transaction if none is open. Raises

@@ -1,7 +1,10 @@
 #include "platform/files/files.h"
 
+#include <cerrno>
+#include <fcntl.h>
 #include <filesystem>
 #include <system_error>
+#include <unistd.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -41,6 +44,19 @@ bool FileReference::remove() const {
     // A folder of that name, were it empty, would go without a word.
     if (path_.empty() || std::filesystem::is_directory(std::filesystem::symlink_status(path_, failed))) return false;
     return std::filesystem::remove(path_, failed) && !failed;
+}
+
+bool FileReference::isRegular() const {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(path_, ignored);
+}
+
+bool FileReference::sync() const {
+    const int folder = ::open(path_.empty() ? "." : path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) return true;
+    const bool refused = ::fsync(folder) != 0 && errno != EINVAL && errno != ENOTSUP;
+    ::close(folder);
+    return !refused;
 }
 
 FileReference FileReference::parent() const {

@@ -18,6 +18,13 @@ class FileReference {
     /// Deletes the file. False if that failed or there was none; nothing is raised.
     bool remove() const;
 
+    /// Whether there is a file of that name with content of its own: no folder, pipe or device, which may never end.
+    bool isRegular() const;
+
+    /// Has the entries of this folder reach the disk. False if the disk refuses; a folder that can't be asked counts as
+    /// done.
+    bool sync() const;
+
     /// The folder that holds this file.
     FileReference parent() const;
 

@@ -5,6 +5,7 @@
 namespace appSystem {
 
 std::string dataPath;
+bool dataIsSource = false;
 std::shared_ptr<SQLiteDatabase> db;
 std::string sourceFilepath;
 std::string destinationFilePath;

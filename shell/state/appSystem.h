@@ -15,6 +15,9 @@ namespace appSystem {
 /// The RSD file that connectData opens.
 extern std::string dataPath;
 
+/// Whether that file is the one to convert, which is opened so that it can't be changed.
+extern bool dataIsSource;
+
 /// The current RSD connection: the newest that connectData made, possibly closed or never connected; null before the
 /// first.
 extern std::shared_ptr<SQLiteDatabase> db;

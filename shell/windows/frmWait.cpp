@@ -24,7 +24,7 @@ FrmWait::FrmWait()
 
 void FrmWait::report(std::string_view message, double index, double total) {
     lblMessage_->setText(std::string(message));
-    ProgressBar1_->setValue(index / total * total);
+    ProgressBar1_->setValue(total > 0 ? index / total * total : 0);
     refresh(true);
 }
 

@@ -104,16 +104,26 @@ TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
     bool pressed = false;
     driver.onEveryTurn([&] {
         if (pressed || !driver.isOpen("frmWait")) return;
-        if (driver.text("frmWait", "lblMessage").find("Ada 20") == std::string::npos) return;
+        if (driver.text("frmWait", "lblMessage").find("Ada 2") == std::string::npos) return;
         pressed = true;
         driver.click("frmWait", "cmdCancel");
         EXPECT_FALSE(std::filesystem::exists(cav()));
     });
-    driver.answers = {"Yes", "Yes"};
-    convertToCav("Csv", write("herd.csv", herd));
-    EXPECT_TRUE(pressed);
-    EXPECT_EQ(driver.boxes.back().text, "Operation completed");
-    EXPECT_LE(driver.boxes.size(), 6U);
+    makeRsdSource(path("herd.rsd"));
+    SqlFile(path("herd.rsd"))
+        .run(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
+            "INSERT INTO tree(id, name) SELECT i, 'Ada ' || i FROM n; INSERT INTO vaccinations(done) VALUES ('1')");
+    for (const std::string form : {"Csv", "Rsd"}) {
+        pressed = false;
+        driver.boxes.clear();
+        driver.answers = form == "Csv" ? std::deque<std::string>{"Yes", "Yes"} : std::deque<std::string>{"Yes"};
+        jet::makeCavFile(cav(), jet::CavColumns::allText);
+        convertToCav(form, form == "Csv" ? write("herd.csv", herd) : path("herd.rsd"));
+        EXPECT_TRUE(pressed);
+        EXPECT_EQ(driver.boxes.back().text, "Operation completed");
+        EXPECT_LE(driver.boxes.size(), 6U) << form;
+    }
 }
 
 }  // namespace

@@ -73,6 +73,20 @@ TEST_F(RsdToCavRefused, SourceThatIsNoDatabaseIsToldAtEachAttempt) {
     EXPECT_EQ(boxes(), (Lines{"Cannot open database.", "Cannot open database.", "Operation completed"}));
 }
 
+TEST_F(RsdToCavRefused, ADamagedTableEndsTheExportWhereItCanNotBeReadOn) {
+    SqlFile(source()).run(
+        "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 400) "
+        "INSERT INTO tree(id, name, notes) SELECT i, 'animal ' || i, hex(zeroblob(100)) FROM n");
+    const std::size_t size = std::stoul(SqlFile(source()).value("PRAGMA page_size"));
+    std::string bytes = read(source());
+    write("herd.rsd", bytes.replace(bytes.size() / size * 3 / 4 * size, size, size, '\xFF'));
+    convertToCav("Rsd", source());
+    const auto rows = static_cast<int>(recorder.texts(Kind::statement).size());
+    EXPECT_GT(rows, 250);
+    EXPECT_LT(rows, 350);
+    EXPECT_EQ(boxes(), Lines{"Operation completed"});
+}
+
 TEST_F(RsdToCavRefused, LongWordsOfTheDriverComeWhole) {
     std::string words;
     while (words.size() < 480) words += "Käfig ";

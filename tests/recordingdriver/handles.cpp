@@ -103,6 +103,7 @@ void Statement::closeCursor() {
 bool Statement::fetch() {
     if (columns_.empty()) throw Failure("24000", {0, "There is no open cursor"});
     openColumn_ = 0;
+    if (++script().fetches == script().fetchRefusal) throw Failure("HY000", {1, "The page cannot be read"});
     if (nextRow_ < rows_.size()) {
         ++nextRow_;
         return true;

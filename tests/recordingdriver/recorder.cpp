@@ -91,6 +91,11 @@ Recorder& Recorder::refuseStatementsWith(const std::string& part, const Refusal&
     return *this;
 }
 
+Recorder& Recorder::refuseFetch(int number) {
+    script_.fetchRefusal = number;
+    return *this;
+}
+
 Recorder& Recorder::answer(const std::string& start, std::vector<std::string> columns, std::vector<Row> rows) {
     const bool square =
         std::all_of(rows.begin(), rows.end(), [&](const Row& row) { return row.size() == columns.size(); });

@@ -35,6 +35,8 @@ class Recorder {
     /// Refuses a statement with SQLSTATE HY000; refused statements count too.
     Recorder& refuseStatement(int number, const Refusal& refusal = {});
     Recorder& refuseStatementsWith(const std::string& part, const Refusal& refusal = {});
+    /// Refuses a fetch with SQLSTATE HY000.
+    Recorder& refuseFetch(int number);
     /// Answers all statements that begin with `start`, letter for letter; the latest fitting answer counts. A SELECT
     /// without an answer is refused with SQLSTATE 42S02. Throws std::invalid_argument for a row of the wrong width.
     Recorder& answer(const std::string& start, std::vector<std::string> columns, std::vector<Row> rows = {});

@@ -56,10 +56,12 @@ struct Script {
     std::vector<int> deathsAfterConnect;
     std::vector<int> deathsAfterStatement;
     std::vector<Answer> answers;
+    int fetchRefusal = 0;
 
     std::vector<Event> events;
     int connects = 0;
     int statements = 0;
+    int fetches = 0;
 };
 
 /// Type and name of the exported function that gives the driver's script.

@@ -138,7 +138,7 @@ constexpr Point points[] = {
     {"Csv", "Rsd", "Linked 40 mother", "No"},      {"Csv", "Rsd", "Linked 40 mother", "Yes"},
     {"Csv", "Rsd", "Found sex  of", "No"},         {"Csv", "Rsd", "Found sex  of", "Yes"},
     {"Rsd", "Csv", "Record: 0 of 61", "No"},       {"Rsd", "Csv", "Record: 50 of 61", "Yes"},
-    {"Csv", "Rsd", "Found  - animal 40", "Close"},
+    {"Csv", "Rsd", "Found  - animal 40", "Close"}, {"Csv", "Rsd", "Found sex  of animal 40", "Yes"},
 };
 INSTANTIATE_TEST_SUITE_P(AtEachPoint, Cancel, testing::ValuesIn(points));
 

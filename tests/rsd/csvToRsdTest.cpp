@@ -2,15 +2,19 @@
 
 #include <cmath>
 
+#include "platform/database/waiting.h"
+#include "platform/desktop/painting.h"
 #include "platform/desktop/yield.h"
 #include "shell/state/appSystem.h"
 #include "shell/windows/frmWait.h"
+#include "tests/support/otherProgram.h"
 #include "tests/support/programFixture.h"
 #include "tests/support/sqlFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 using Texts = std::vector<std::string>;
 
 constexpr const char* completed = "Operation completed";
@@ -67,6 +71,54 @@ TEST_F(CsvToRsd, EveryCellLandsInItsColumnWithItsTreatment) {
     EXPECT_EQ(version(), "1 20402");
     EXPECT_EQ(boxTexts(), Texts{completed});
     EXPECT_EQ(read(path("herd.cax")).substr(0, 15), "SQLite format 3") << "a plain file";
+}
+
+TEST_F(CsvToRsd, AnIdThatEndsAPassTakesNothingElseWithIt) {
+    for (const std::string eyes : {"", "eyes"}) {
+        import("name,id,fatherid,motherid,sex," + eyes + "\nAda,5,,,f,\nBob,6,99,,m,\nCid,7,O'X,,m,\n",
+               eyes.empty() ? std::deque<std::string>{} : std::deque<std::string>{"Yes"});
+        EXPECT_EQ(boxTexts().back(), completed);
+        EXPECT_EQ(version(), "1 20402");
+        EXPECT_EQ(tree("name, ps"), (Texts{"Ada|", "Bob|", "Cid|"}));
+    }
+}
+
+TEST_F(CsvToRsd, AHeadingWithAByteZeroIsKeptWhereverItStands) {
+    using namespace std::string_literals;
+    import("name,sex,ey\0es,co\0at\nAda,f,,\n"s);
+    EXPECT_EQ(SqlFile(path("herd.cax")).value("SELECT hex(CustomName1), hex(CustomName2) FROM settings"),
+              "6579006573|636F006174");
+}
+
+TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
+    std::string text = "name,sex\n";
+    for (int i = 1; i <= 30; ++i) text += "animal " + std::to_string(i) + ",f\n";
+    int turns = 0;
+    waiting::setTurn([&] {
+        ++turns;
+        painting::paint();
+    });
+    for (const auto time : {400ms, 6000ms}) {
+        std::unique_ptr<OtherProgram> other;
+        yielding::setPump(yielding::Pump::everyCall);
+        driver.onEveryTurn([&] {
+            const bool rows = driver.isOpen("frmWait") && driver.text("frmWait", "lblMessage").starts_with("Found  - ");
+            if (rows && !other) {
+                other = std::make_unique<OtherProgram>(path("herd.cax"), OtherProgram::Lock::reading, time);
+            }
+        });
+        fs::remove(path("herd.cax"));
+        driver.boxes.clear();
+        turns = 0;
+        convert("Csv", "Rsd", write("herd.csv", text));
+        EXPECT_GT(turns, 10);
+        const bool wasFree = time == 400ms;
+        EXPECT_EQ(boxTexts(), Texts{wasFree ? completed : "database is locked"});
+        other.reset();
+        EXPECT_EQ(tree("count(*)"), Texts{wasFree ? "30" : "0"});
+        if (driver.isOpen("frmWait")) driver.closeWindow("frmWait");
+    }
+    waiting::setTurn(painting::paint);
 }
 
 TEST_F(CsvToRsd, ParentsAreNamedByOldIdsAndLinkedByNames) {

@@ -14,6 +14,7 @@ namespace {
 
 void forgetState() {
     appSystem::dataPath.clear();
+    appSystem::dataIsSource = false;
     appSystem::db.reset();
     appSystem::sourceFilepath.clear();
     appSystem::destinationFilePath.clear();

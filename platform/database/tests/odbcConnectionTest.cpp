@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/database/odbcConnection.h"
+#include "platform/values/failure.h"
 #include "tests/recordingdriver/recorder.h"
 
 namespace {
@@ -68,6 +69,18 @@ TEST_F(OdbcConnectionTest, ResultWithoutRowsReadsEmptyAndIsNotAskedForAgain) {
     EXPECT_TRUE(records->atEnd());
     EXPECT_EQ(records->requiredField("name").text(), "");
     EXPECT_EQ(records->requiredField("name").integer(), 0);
+}
+
+TEST_F(OdbcConnectionTest, AFailedReadIsNotTheEndOfTheRows) {
+    recorder.answer("SELECT", {"name"}, {{"Ada"}, {"Bob"}});
+    recorder.refuseFetch(2);
+    const auto records = connection.select("SELECT name FROM t");
+    ASSERT_NE(records, nullptr);
+    EXPECT_THROW(records->moveNext(), DatabaseFailure);
+    EXPECT_TRUE(records->atEnd());
+    recorder.refuseFetch(3);
+    EXPECT_EQ(connection.select("SELECT name FROM t"), nullptr);
+    EXPECT_EQ(connection.errorMessage(), "The page cannot be read");
 }
 
 TEST_F(OdbcConnectionTest, CloseRollsBackAndRecordSetsReportTheirEnd) {
