@@ -7,6 +7,7 @@
 #include "platform/files/textStream.h"
 #include "platform/values/text.h"
 #include "shell/state/appSystem.h"
+#include "shell/state/paths.h"
 #include "shell/windows/frmWait.h"
 
 namespace csvAudit {
@@ -78,7 +79,13 @@ Outcome Audit::askToStop(const std::string& error, const std::string& preview) {
 Outcome Audit::finish() {
     frmWait().close();
     if (errorReport.empty()) return Outcome::goOn;
-    TextOutputStream report(folders::desktop() + "Converter Errors.txt");
+    const std::string path = folders::desktop() + "Converter Errors.txt";
+    if (appSystem::isSameFile(appSystem::sourceFilepath, path)) {
+        showMessage(
+            "The error report would replace the file to convert. Give the file to convert another name and try again.");
+        return Outcome::endConversion;
+    }
+    TextOutputStream report(path);
     report.writeLine(errorReport);
     report.close();
     const bool exit =

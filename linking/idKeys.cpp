@@ -22,6 +22,19 @@ bool isPlain(std::string_view text) {
     return text.size() <= longestPlain && text.find_first_of(std::string_view("'\0", 2)) == std::string_view::npos;
 }
 
+std::optional<std::string> meaning(const std::string& text) {
+    if (isPlain(text)) return text;
+    if (text.size() > longestPlain || text.find('\0') != std::string::npos) return std::nullopt;
+    std::string meant;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        meant += text[at];
+        if (text[at] != '\'') continue;
+        if (std::min(text.find_first_not_of('\'', at), text.size()) - at != 2) return std::nullopt;
+        ++at;
+    }
+    return meant;
+}
+
 IdKeys::IdKeys() {
     memory_.DatabaseFile = FileReference(":memory:");
     memory_.createDatabaseFile();

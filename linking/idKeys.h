@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,6 +13,10 @@ namespace linking {
 /// is refused or means something else, and only running it tells. Very long texts count as not plain, for a statement
 /// has its limit too.
 bool isPlain(std::string_view text);
+
+/// What a text stands for when it is put between apostrophes in a statement: itself if it is plain, and with one
+/// apostrophe for two where apostrophes come in twos alone. Nothing where only running the statement tells.
+std::optional<std::string> meaning(const std::string& text);
 
 /// Keys under which ids are equal exactly where the database finds them equal: a letter for the type, and the value.
 ///

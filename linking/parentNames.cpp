@@ -44,21 +44,37 @@ void ParentNames::fill(std::int64_t row, const std::string& fatherId, const std:
     const auto run = [&](Parents& parents, const std::string& id) {
         const Name* name = id.empty() ? nullptr : stand(parents, id);
         // A statement that was run may have changed this very row; what stands since then is left to finish().
-        if (!startedAnew_) set(row, parents, name);
+        if (!reachesBack_) set(row, parents, name);
     };
     run(fathers_, fatherId);
     run(mothers_, motherId);
 }
 
 const ParentNames::Name* ParentNames::stand(Parents& parents, const std::string& id) {
+    if (id.find('\'') != std::string::npos) return standInOtherWords(parents, id);
     const auto known = parents.named.find(id);
     if (known != parents.named.end()) return &known->second;
     if (!isPlain(id)) return runLiterally(parents, id);
-    const auto found = names_.find(keys_.of(id));
-    const std::string name = found == names_.end() ? std::string() : found->second;
+    const std::string name = nameOf(id);
     if (isPlain(name)) return &parents.named.emplace(id, name).first->second;
     if (compiles(updateName(parents.idColumn, parents.nameColumn, name, id))) return runLiterally(parents, id);
     return &parents.named.emplace(id, std::nullopt).first->second;
+}
+
+/// The statement is about rows with another text than this row's, and some of them may have been passed.
+const ParentNames::Name* ParentNames::standInOtherWords(Parents& parents, const std::string& id) {
+    const auto meant = meaning(id);
+    if (meant && parents.named.contains(*meant)) return nullptr;
+    const std::string name = meant ? nameOf(*meant) : std::string();
+    if (!meant || !isPlain(name)) return runLiterally(parents, id);
+    parents.named.emplace(*meant, name);
+    reachesBack_ = true;
+    return nullptr;
+}
+
+std::string ParentNames::nameOf(const std::string& id) {
+    const auto found = names_.find(keys_.of(id));
+    return found == names_.end() ? std::string() : found->second;
 }
 
 /// Such a statement may read and change anything in any row.
@@ -70,7 +86,7 @@ const ParentNames::Name* ParentNames::runLiterally(const Parents& parents, const
     fathers_.named.clear();
     mothers_.named.clear();
     readNames();
-    startedAnew_ = true;
+    reachesBack_ = true;
     return nullptr;
 }
 
@@ -97,7 +113,7 @@ void ParentNames::settle() {
 }
 
 void ParentNames::finish() {
-    if (startedAnew_) settle();
+    if (reachesBack_) settle();
 }
 
 }  // namespace linking

@@ -50,6 +50,8 @@ class ParentNames {
     void readNames();
     /// Null if the statement was run.
     const Name* stand(Parents& parents, const std::string& id);
+    const Name* standInOtherWords(Parents& parents, const std::string& id);
+    std::string nameOf(const std::string& id);
     const Name* runLiterally(const Parents& parents, const std::string& id);
     bool compiles(const std::string& sql);
     void set(std::int64_t row, const Parents& parents, const Name* name);
@@ -61,8 +63,9 @@ class ParentNames {
     std::unordered_map<std::string, std::string> names_;
     Parents fathers_{"fatherId", "ps", TreeChanges::ps, {}};
     Parents mothers_{"motherId", "pd", TreeChanges::pd, {}};
-    /// Whether the maps were emptied on the way; statements that stand since then reach back to rows already passed.
-    bool startedAnew_ = false;
+    /// Whether statements that stand may reach back to rows already passed: once the maps were emptied on the way, or
+    /// an id was spelled in another way than in the rows that it means.
+    bool reachesBack_ = false;
 };
 
 /// The two plain statements of a parent id: the id and the name go into them as they stand. Raises

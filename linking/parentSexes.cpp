@@ -30,8 +30,9 @@ void ParentSexes::read() {
 void ParentSexes::set(const std::string& id, std::string_view sex) {
     // The first commit also ends what an earlier pass left open.
     if (!std::exchange(begun_, true)) db_.commit();
-    if (!isPlain(id)) return run(id, sex);
-    const auto found = numbers_.find(keys_.of(id));
+    const auto meant = meaning(id);
+    if (!meant) return run(id, sex);
+    const auto found = numbers_.find(keys_.of(*meant));
     if (found == numbers_.end()) return;
     changes_.lock();
     sexes_[found->second] = sex;

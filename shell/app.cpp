@@ -17,11 +17,11 @@ App::App(int& argumentCount, char** arguments) : Application(argumentCount, argu
     version = TOLVARIS_VERSION_TEXT;
     setName("Tolvaris File Converter", "tolvaris-converter");
     setIcon(pictures::tolvaris());
-    waiting::setTurn(painting::paint);
+    waiting::setTurns(painting::paintIfDue, painting::paintAndListen);
 }
 
 App::~App() {
-    waiting::setTurn(nullptr);
+    waiting::setTurns(nullptr, nullptr);
     // At the end of the process the library has let go of what its connections need.
     appSystem::db.reset();
 }

@@ -13,7 +13,8 @@ namespace cavStore {
 std::string_view insertTreeOpening();
 
 /// Gives the connection the data source of destinationFilePath and connects. If that fails, a beep and a box tell the
-/// driver's code and message, and false comes back.
+/// driver's code and message, and false comes back. In the same way a path is refused, before anything is connected,
+/// that would be more than a path in the data source, or that leads to the file to convert.
 bool openConnection(OdbcConnection& connection);
 
 /// Tells that a row was lost because the connection is gone.

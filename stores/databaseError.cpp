@@ -9,9 +9,13 @@
 namespace stores {
 
 void reportDatabaseError(const Database& database) {
+    reportDatabaseError(database.errorCode(), database.errorMessage());
+}
+
+void reportDatabaseError(int code, const std::string& message) {
     beep();
     const std::string gap = std::string(text::endOfLine()) + std::string(text::endOfLine());
-    showMessage("Database Error: " + std::to_string(database.errorCode()) + gap + database.errorMessage());
+    showMessage("Database Error: " + std::to_string(code) + gap + message);
 }
 
 }  // namespace stores

@@ -44,8 +44,11 @@ StatementHandle SQLiteConnection::prepare(std::string_view sql) {
 }
 
 int SQLiteConnection::step(sqlite3_stmt* statement) {
+    stepBegins();
     const int result = sqlite3_step(statement);
     note(result);
+    // A change that was ended has taken the whole transaction with it.
+    if (result == SQLITE_INTERRUPT && sqlite3_stmt_readonly(statement) == 0) broken_ = true;
     return result;
 }
 
@@ -59,6 +62,7 @@ bool SQLiteConnection::stepToRow(sqlite3_stmt* statement) {
 }
 
 bool SQLiteConnection::run(const char* sql) {
+    stepBegins();
     const int result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr);
     note(result);
     return result == SQLITE_OK;

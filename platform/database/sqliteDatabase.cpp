@@ -79,6 +79,7 @@ bool SQLiteDatabase::open(int flags) {
     connection_ = std::make_shared<detail::SQLiteConnection>(raw);
     if (result != SQLITE_OK) return refuse(result, raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result));
     detail::setPatient(raw, !waitedInVain);
+    detail::takeTurns(raw);
     return true;
 }
 
@@ -88,7 +89,9 @@ bool SQLiteDatabase::openCopy() {
     sqlite3* raw = nullptr;
     const int result = sqlite3_open_v2(copy->path().c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
     connection_ = std::make_shared<detail::SQLiteConnection>(raw, copy);
-    return result == SQLITE_OK || refuse(result, sqlite3_errstr(result));
+    if (result != SQLITE_OK) return refuse(result, sqlite3_errstr(result));
+    detail::takeTurns(raw);
+    return true;
 }
 
 bool SQLiteDatabase::createDatabaseFile() {
@@ -118,6 +121,7 @@ int SQLiteDatabase::unlock(const char* cipherSettings) {
         sqlite3_key(handle, EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
         sqlite3_exec(handle, cipherSettings, nullptr, nullptr, nullptr);
     }
+    detail::stepBegins();
     return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) & 0xFF;
 }
 

@@ -87,6 +87,8 @@ Postponement::~Postponement() {
     if (--state().postponements == 0 && state().unsettled) QTimer::singleShot(0, settle);
 }
 
+bool anythingWaits() { return !state().postponed.empty(); }
+
 void rethrowPending() {
     if (state().pending) std::rethrow_exception(std::exchange(state().pending, nullptr));
 }

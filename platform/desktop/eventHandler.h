@@ -24,6 +24,9 @@ class Postponement {
     Postponement& operator=(const Postponement&) = delete;
 };
 
+/// Whether a handler waits for the end of a Postponement, or for events to be handled after it.
+bool anythingWaits();
+
 /// Throws a failure that a nested handler left behind, if there is one.
 void rethrowPending();
 

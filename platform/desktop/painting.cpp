@@ -41,6 +41,15 @@ void paintIfDue() {
     if (isDue()) paint();
 }
 
+bool paintAndListen() {
+    if (QCoreApplication::instance() == nullptr) return true;
+    lastPaint = Clock::now();
+    Control::applyChanges();
+    const events::Postponement handlersWait;
+    QCoreApplication::processEvents();
+    return !events::anythingWaits();
+}
+
 void paintFirst(const QWidget& window) {
     const QWindow* onScreen = window.windowHandle();
     const auto givenUp = Clock::now() + longestWait;

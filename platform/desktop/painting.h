@@ -17,6 +17,10 @@ void paint();
 /// to nothing when it is called often.
 void paintIfDue();
 
+/// For work that can be given up: paints, and takes presses and keys too, but what they call for waits for the next
+/// yield. True until something waits.
+bool paintAndListen();
+
 /// Paints a window that has just been shown, as soon as the screen has it. Waits a moment for that and no longer.
 void paintFirst(const QWidget& window);
 

@@ -2,9 +2,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
+#include <unistd.h>
 
+#include "platform/files/files.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 
@@ -21,14 +21,16 @@ std::size_t lineEnd(std::string_view pending) {
     return carriageReturn == std::string_view::npos ? lineFeed : carriageReturn;
 }
 
+/// Opening a pipe waits for its other end, which may never come.
+void refuseDevices(const std::string& path) {
+    const FileReference file(path);
+    if (file.exists() && !file.isRegular()) throw FileFailure(path + ": a folder or device, not a file");
+}
+
 }  // namespace
 
 TextInputStream::TextInputStream(const std::string& path) : path_(path), buffer_(bufferSize) {
-    std::error_code ignored;
-    const auto status = std::filesystem::status(path, ignored);
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
-        throw FileFailure(path + ": a folder or device, not a file");
-    }
+    refuseDevices(path);
     file_.reset(std::fopen(path.c_str(), "rb"));
     if (!file_) throw FileFailure(reason(path));
     std::setvbuf(file_.get(), nullptr, _IONBF, 0);
@@ -60,7 +62,9 @@ std::string TextInputStream::readLine() {
     return line;
 }
 
-TextOutputStream::TextOutputStream(const std::string& path) : path_(path), file_(std::fopen(path.c_str(), "wb")) {
+TextOutputStream::TextOutputStream(const std::string& path) : path_(path) {
+    refuseDevices(path);
+    file_.reset(std::fopen(path.c_str(), "wb"));
     if (!file_) fail();
     std::setvbuf(file_.get(), nullptr, _IOFBF, bufferSize);
 }
@@ -75,7 +79,9 @@ void TextOutputStream::writeLine(std::string_view text) {
 }
 
 void TextOutputStream::close() {
-    if (file_ && std::fclose(file_.release()) != 0) fail();
+    if (!file_) return;
+    const bool written = std::fflush(file_.get()) == 0 && ::fsync(::fileno(file_.get())) == 0;
+    if (std::fclose(file_.release()) != 0 || !written || !FileReference(path_).parent().sync()) fail();
 }
 
 void TextOutputStream::fail() const { throw FileFailure(reason(path_)); }

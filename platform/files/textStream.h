@@ -38,8 +38,9 @@ class TextInputStream {
     std::size_t filled_ = 0;
 };
 
-/// Writes a new text file, replacing what was there. Writing is buffered: a full disk may show at a later line or at
-/// close(). Letting the stream go without close() keeps what was written and reports nothing.
+/// Writes a new text file, replacing what was there; a pipe or a device in its place is refused. Writing is buffered: a
+/// full disk may show at a later line or at close(). Letting the stream go without close() keeps what was written and
+/// reports nothing.
 class TextOutputStream {
   public:
     /// Raises FileFailure if the file cannot be created.
@@ -51,7 +52,8 @@ class TextOutputStream {
     /// The text and the platform's line end. Raises FileFailure.
     void writeLine(std::string_view text);
 
-    /// Raises FileFailure if what is still buffered cannot be written.
+    /// Returns when the disk has all of it, the folder's entry too. Raises FileFailure if what is still buffered cannot
+    /// be written.
     void close();
 
   private:

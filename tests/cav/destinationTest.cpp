@@ -79,22 +79,37 @@ TEST_F(CavDestination, PathsGoAsTheyStand) {
     EXPECT_EQ(boxes(), Lines(4, "Operation completed"));
 }
 
-/// What comes of these is for the driver manager to say; the route ends as it ends with any other path.
-TEST_F(CavDestination, SemicolonsAndBracesDoNoHarm) {
-    for (const std::string name : {"a;b.cav", "a}b.cav", "{a;b.cav", "a{.cav", "DSN=x;.cav"}) {
-        const std::size_t before = boxes().size();
+// A path with more in it filled the neighbour, or had a library of somebody's own loaded.
+TEST_F(CavDestination, APathThatWouldBeMoreThanAPathIsRefusedBeforeAnyConnection) {
+    for (const auto& [name, has] : {std::pair{"a.cav;x=.cav", "semicolon"},
+                                    {"x;DRIVER=.cav", "semicolon"},
+                                    {"a}b.cav", "brace"},
+                                    {"{a.cav", "brace"},
+                                    {"a\tb.cav", "control character"}}) {
+        const std::string said =
+            "Database Error: -1023\n\n'" + path(name) + "' is not a valid path: it has a " + has + ".";
+        driver.boxes.clear();
+        const int beepsBefore = beepCount();
         convertToCav("Csv", csv(), path(name));
-        ASSERT_EQ(boxes().size(), before + 1) << name;
-        const std::string csvEnd = boxes().back();
-        EXPECT_TRUE(csvEnd == "Operation completed" || csvEnd.starts_with("Database Error: ")) << csvEnd;
+        EXPECT_EQ(boxes(), Lines{said});
+        EXPECT_EQ(beepCount(), beepsBefore + 1);
+        driver.boxes.clear();
         convertToCav("Rsd", rsd(), path(name));
-        EXPECT_EQ(driver.boxes.back().text, "Operation completed") << name;
+        EXPECT_EQ(boxes(), (Lines{said, "Operation completed"}));
         EXPECT_EQ(driver.text("frmMain", "lblDestinationFilePath"), path(name));
     }
-    for (const std::string& text : recorder.texts(Kind::connect)) {
-        EXPECT_TRUE(text.starts_with("DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + path(""))) << text;
-        EXPECT_TRUE(text.ends_with(".cav;UID=;PWD=qr7vhdnmx;")) << text;
+    EXPECT_EQ(log(), Lines{});
+}
+
+TEST_F(CavDestination, TheFileToConvertIsNoDestination) {
+    const std::string source = csv();
+    std::filesystem::create_symlink(source, path("link.cav"));
+    for (const std::string& destination : {source, path("link.cav")}) {
+        driver.boxes.clear();
+        convertToCav("Csv", source, destination);
+        EXPECT_EQ(boxes(), Lines{"Database Error: -1023\n\n'" + destination + "' is the file to convert."});
     }
+    EXPECT_EQ(log(), Lines{});
 }
 
 }  // namespace

@@ -108,7 +108,8 @@ TEST_F(Process, TellsAFailureThatNothingStoppedAndEndsWithOne) {
     write("bad.csv", "name,sex\nAda\n");
     const End unreported = run("import bad.csv");
     EXPECT_EQ(unreported.code, 1);
-    EXPECT_EQ(unreported.said.back(), report + path("Desktop/Converter Errors.txt") + ": Is a directory");
+    EXPECT_EQ(unreported.said.back(),
+              report + path("Desktop/Converter Errors.txt") + ": a folder or device, not a file");
 
     makeCsv(99001);
     const End full = run("import herd.csv");

@@ -105,6 +105,32 @@ TEST_F(BadInput, ADiskThatIsFullBeforeAllRowsAreInEndsTheImportWithTheReason) {
     }
 }
 
+TEST_F(BadInput, ANameTooLongForItsJournalIsToldAndMakesNoFile) {
+    const std::string name(248, 'x');
+    convert("Csv", "Rsd", write(name + ".csv", "name,sex\nAda,f\n"));
+    EXPECT_EQ(boxTexts(), Texts{"Database Error: 14\n\nthe name of the new file is too long"});
+    EXPECT_FALSE(fs::exists(path(name + ".cax")));
+    driver.boxes.clear();
+    const std::string fits = name.substr(1);
+    convert("Csv", "Rsd", write(fits.substr(4) + ".csv", "name,sex\nAda,f\n"));
+    EXPECT_EQ(boxTexts(), Texts{"Operation completed"});
+}
+
+TEST_F(BadInput, TheReportNeverReplacesTheFileToConvert) {
+    const std::string text = "name,sex\nAda,f,too,many\n";
+    const std::string source = write("Desktop/Converter Errors.txt", text);
+    fs::create_symlink(source, path("link.csv"));
+    for (const std::string& chosen : {source, path("link.csv")}) {
+        driver.boxes.clear();
+        driver.answers = {"No"};
+        convert("Csv", "Rsd", chosen);
+        EXPECT_EQ(boxTexts().back(),
+                  "The error report would replace the file to convert. Give the file to convert another name and try "
+                  "again.");
+        EXPECT_EQ(read(source), text);
+    }
+}
+
 TEST_F(BadInput, ALineOfTenMegabytes) {
     const std::string big(10'000'000, 'x');
     EXPECT_EQ(convertText("name,sex,notes\nAda,f," + big + "\nBob,m,\n"), Texts{"Operation completed"});

@@ -94,10 +94,11 @@ TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
     std::string text = "name,sex\n";
     for (int i = 1; i <= 30; ++i) text += "animal " + std::to_string(i) + ",f\n";
     int turns = 0;
-    waiting::setTurn([&] {
+    const auto count = [&] {
         ++turns;
         painting::paint();
-    });
+    };
+    waiting::setTurns(count, painting::paintAndListen);
     for (const auto time : {400ms, 6000ms}) {
         std::unique_ptr<OtherProgram> other;
         yielding::setPump(yielding::Pump::everyCall);
@@ -118,7 +119,16 @@ TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
         EXPECT_EQ(tree("count(*)"), Texts{wasFree ? "30" : "0"});
         if (driver.isOpen("frmWait")) driver.closeWindow("frmWait");
     }
-    waiting::setTurn(painting::paint);
+    waiting::setTurns(painting::paintIfDue, painting::paintAndListen);
+}
+
+// The name was looked for with LIKE, which tried every way to spread it.
+TEST_F(CsvToRsd, ANameFullOfWildcardsIsLookedForInNoTime) {
+    const std::string longName(3000, 'a');
+    std::string wildcards;
+    for (int i = 0; i < 26; ++i) wildcards += "a%";
+    import("name,sex,sire\n" + longName + ",m,\nAda,f," + wildcards + "b\nBob,m," + wildcards + "_%a\n");
+    EXPECT_EQ(tree("fatherId"), (Texts{"", "", "1"}));
 }
 
 TEST_F(CsvToRsd, ParentsAreNamedByOldIdsAndLinkedByNames) {

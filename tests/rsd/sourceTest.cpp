@@ -104,6 +104,28 @@ TEST_F(Source, AViewMayCallNoFunctionThatWrites) {
     EXPECT_EQ(exported(), "5A ");
 }
 
+TEST_F(Source, AViewWithoutAnEndIsEndedByCancel) {
+    SqlFile(path("herd.rsd"))
+        .run(
+            "CREATE VIEW tree AS WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) "
+            "SELECT count(*) AS id, 'x' AS name FROM n");
+    bool pressed = false;
+    driver.onEveryTurn([&] {
+        if (pressed || !driver.isOpen("frmWait")) return;
+        pressed = true;
+        driver.click("frmWait", "cmdCancel");
+    });
+    driver.answers = {"No"};
+    EXPECT_EQ(exported(), "no file ");
+    driver.settle();
+    EXPECT_TRUE(pressed);
+    Texts boxes = boxTexts();
+    std::sort(boxes.begin(), boxes.end());
+    ASSERT_EQ(boxes.size(), 2U);
+    EXPECT_EQ(boxes[0], "Operation completed");
+    EXPECT_TRUE(boxes[1].starts_with("The new file doesn't contain all the records yet."));
+}
+
 TEST_F(Source, NobodyElseWritesToItWhileItIsRead) {
     SqlFile file(path("herd.rsd"));
     file.run("CREATE TABLE tree(id integer PRIMARY KEY, name); CREATE TABLE settings(id, CustomName1)");
@@ -133,6 +155,13 @@ TEST_F(Source, APipeOrADeviceIsRefusedAtOnce) {
     ASSERT_EQ(mkfifo(path("herd.rsd").c_str(), 0600), 0);
     EXPECT_EQ(exported(), "no file ");
     EXPECT_EQ(boxTexts(), (Texts{"Cannot open database.", "Cannot open database.", "Operation completed"}));
+    fs::remove(path("herd.rsd"));
+    SqlFile(path("herd.rsd"))
+        .run("CREATE TABLE tree(id integer PRIMARY KEY, name); INSERT INTO tree VALUES (1, 'Ada')");
+    fs::remove(path("herd( tree ).csv"));
+    ASSERT_EQ(mkfifo(path("herd( tree ).csv").c_str(), 0600), 0);
+    convert("Rsd", "Csv", path("herd.rsd"));
+    EXPECT_FALSE(fs::is_regular_file(path("herd( tree ).csv")));
 }
 
 }  // namespace
