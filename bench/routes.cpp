@@ -169,7 +169,7 @@ void Bench::print() const {
     printRatio("CSV to CAV, sexes derived", "CSV to CAV", "1.3");
     for (const auto& [name, seen] : seen_.at(herds[0].name)) {
         printRow(name + ": longest time without a pump, ms", "%.1f", "50",
-                 [&](const Herd& herd) { return seen_.at(herd.name).at(name).gap; });
+                 [&, &route = name](const Herd& herd) { return seen_.at(herd.name).at(route).gap; });
     }
     printRow("peak memory above idle, MiB", "%.1f", "80",
              [&](const Herd& herd) { return most(herd, &Seen::peak) / 1024; });

@@ -50,7 +50,7 @@ bool says(const StatementTexts& statement, const std::vector<std::string>& parts
     std::string all;
     for (const std::string& text : statement.texts) all += text + "\n";
     std::size_t at = 0;
-    return std::ranges::all_of(parts, [&](const std::string& part) {
+    return std::all_of(parts.begin(), parts.end(), [&](const std::string& part) {
         const std::size_t found = all.find(part, at);
         at = found + part.size();
         return found != std::string::npos;
@@ -81,8 +81,9 @@ TEST(HelpPage, QuotesMessagesThatTheProgramHas) {
     const auto messages = quotedMessages();
     EXPECT_GT(messages.size(), 20U);
     for (const auto& parts : messages) {
-        EXPECT_TRUE(std::ranges::any_of(statements, [&](const auto& statement) { return says(statement, parts); }))
-            << testing::PrintToString(parts);
+        EXPECT_TRUE(std::any_of(statements.begin(), statements.end(), [&](const auto& statement) {
+            return says(statement, parts);
+        })) << testing::PrintToString(parts);
     }
 }
 
@@ -93,7 +94,8 @@ TEST(HelpPage, ExplainsEveryMessage) {
         // What the boxes themselves are made of says nothing to their reader.
         if (!statement.isBox || statement.file.filename() == "messageBox.cpp") continue;
         ++boxes;
-        EXPECT_TRUE(std::ranges::any_of(messages, [&](const auto& parts) { return says(statement, parts); }))
+        EXPECT_TRUE(
+            std::any_of(messages.begin(), messages.end(), [&](const auto& parts) { return says(statement, parts); }))
             << statement.file << ": " << testing::PrintToString(statement.texts);
     }
     EXPECT_GT(boxes, 20);
