@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "accessdriver/sql/convert.h"
+#include "accessdriver/sql/decimal.h"
 #include "accessdriver/sql/error.h"
 #include "accessdriver/sql/fold.h"
 #include "accessdriver/sql/key.h"
@@ -264,6 +265,34 @@ TEST(Comparison, LiteralsAreComparedAsTheColumnsType) {
     }
     EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::longInteger, 4}, DateOrder::monthFirst), sql::Error);
     EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::ole, 0}, DateOrder::monthFirst), sql::Error);
+}
+
+TEST(Decimal, ReadsExactlyAndRoundsHalfToEven) {
+    const std::string nines(38, '9');
+    const std::pair<std::string, std::string> cases[] = {{"0.00005", "0.0000"},
+                                                         {"0.00015", "0.0002"},
+                                                         {"-0.000150001", "-0.0002"},
+                                                         {"9.99995", "10.0000"},
+                                                         {" +1.5e2 ", "150.0000"},
+                                                         {"12345678901234567890e-6", "12345678901234.5679"},
+                                                         {"-0.00001", "0.0000"},
+                                                         {"0e99999999999999999999", "0.0000"},
+                                                         {"1e-300", "0.0000"},
+                                                         {nines.substr(0, 34), nines.substr(0, 34) + ".0000"},
+                                                         {nines.substr(0, 35), "none"},
+                                                         {"1e40", "none"},
+                                                         {"12,5", "none"},
+                                                         {"", "none"}};
+    for (const auto& [text, wanted] : cases) {
+        const auto number = sql::readDecimal(text, 4);
+        EXPECT_EQ(number ? sql::writeDecimal(*number) : "none", wanted) << text;
+        if (!number) continue;
+        const sql::Decimal back = sql::fromStoredDecimal(sql::storedDecimal(*number), 4);
+        EXPECT_EQ(sql::writeDecimal(back), wanted) << text << " stored and read";
+    }
+    // 2^32 and one: the second and the last of the four stored numbers.
+    EXPECT_EQ(sql::storedDecimal(*sql::readDecimal("-4294967297", 0)),
+              (jet::Bytes{0x80, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}));
 }
 
 }  // namespace
