@@ -130,7 +130,7 @@ void SQLiteConnection::note(int result) {
     }
     fail(kind, sqlite3_errmsg(get()));
     constexpr std::array unusable{SQLITE_FULL,     SQLITE_IOERR,    SQLITE_CORRUPT, SQLITE_NOTADB,
-                                  SQLITE_READONLY, SQLITE_CANTOPEN, SQLITE_BUSY};
+                                  SQLITE_READONLY, SQLITE_CANTOPEN, SQLITE_BUSY,    SQLITE_NOMEM};
     // Nobody waits for what is written to a file that was deleted; its journal may have gone with it.
     const bool breaks = std::find(unusable.begin(), unusable.end(), kind) != unusable.end() && !hasMoved();
     if (!breaks || broken_) return;

@@ -1,0 +1,150 @@
+#include "tests/faults/program.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "shell/app.h"
+
+namespace {
+
+constexpr const char* completedText = "Operation completed";
+constexpr char unsyncedMark = '\1';
+
+/// Gone before the variables of the program are, as in the program itself.
+std::unique_ptr<App> app;
+unsigned long fileLimit = 0;
+
+void note(int descriptor, const std::string& text) {
+    const std::string entry = text + '\0';
+    if (write(descriptor, entry.data(), entry.size()) < 0) _exit(3);
+}
+
+void noteUnsynced(int notes) {
+    std::string unsynced(4096, '\0');
+    faultsUnsynced(unsynced.data(), unsynced.size());
+    note(notes, unsyncedMark + std::string(unsynced.c_str()));
+}
+
+void convert(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan) {
+    if (!driver.isOpen("frmMain")) {
+        // A window gives others a turn while it is still being made.
+        if (driver.isOpen("frmSplash")) driver.click("frmSplash", "cmdStart");
+        driver.later([&] { convert(driver, order, folder, plan); });
+        return;
+    }
+    driver.click("frmMain", "optFrom" + order.from);
+    driver.click("frmMain", "optTo" + order.to);
+    driver.type("frmMain", "txtFilePath", order.source);
+    driver.answers.assign(20, "Yes");
+    driver.files = {order.cav};
+    faultsArm(folder.c_str(), plan.c_str());
+    driver.click("frmMain", "cmdConvert");
+    if (driver.isOpen("frmMain")) driver.closeWindow("frmMain");
+}
+
+[[noreturn]] void runProgram(WindowDriver& driver, const Order& order, const std::string& folder,
+                             const std::string& plan, int notes) {
+    setenv("HOME", folder.c_str(), 1);
+    setenv("TMPDIR", folder.c_str(), 1);
+    if (fileLimit > 0) {
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{fileLimit, fileLimit};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    // A CAV file is synced when its connection goes, at the end of the conversion.
+    const bool intoCav = order.to == "Cav";
+    driver.onBox([notes, intoCav](const Box& box) {
+        if (box.buttons.size() > 1) return;
+        if (box.text == completedText && !intoCav) noteUnsynced(notes);
+        note(notes, box.text);
+    });
+    driver.later([&] { convert(driver, order, folder, plan); });
+    const int code = app->run();
+    app.reset();
+    if (intoCav) noteUnsynced(notes);
+    std::exit(code);
+}
+
+void readNotes(const std::string& path, End& end) {
+    std::ifstream file(path, std::ios::binary);
+    for (std::string entry; std::getline(file, entry, '\0');) {
+        if (!entry.empty() && entry.front() == unsyncedMark) {
+            end.unsynced = entry.substr(1);
+        } else {
+            end.boxes.push_back(entry);
+        }
+    }
+}
+
+/// Waits for the process, but not for ever.
+int statusOf(pid_t process, bool& hung) {
+    using namespace std::chrono_literals;
+    const auto deadline = std::chrono::steady_clock::now() + 60s;
+    int status = 0;
+    while (waitpid(process, &status, WNOHANG) == 0) {
+        if (!hung && std::chrono::steady_clock::now() > deadline) {
+            hung = true;
+            kill(process, SIGKILL);
+        }
+        std::this_thread::sleep_for(2ms);
+    }
+    return status;
+}
+
+}  // namespace
+
+bool End::completed() const { return std::find(boxes.begin(), boxes.end(), completedText) != boxes.end(); }
+
+std::string End::words() const {
+    std::string text;
+    for (const std::string& box : boxes) {
+        if (box != completedText) text += box + "\n";
+    }
+    return text;
+}
+
+End convertUnderFaults(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan,
+                       const std::string& notes) {
+    const int descriptor = open(notes.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (descriptor < 0) throw std::runtime_error(notes + " cannot be written");
+    std::cout.flush();
+    const pid_t process = fork();
+    if (process == 0) runProgram(driver, order, folder, plan, descriptor);
+    close(descriptor);
+    End end;
+    const int status = statusOf(process, end.hung);
+    if (WIFEXITED(status)) end.code = WEXITSTATUS(status);
+    if (WIFSIGNALED(status)) end.signal = WTERMSIG(status);
+    readNotes(notes, end);
+    for (int kind = 0; kind < faultsKinds; ++kind) end.calls[kind] = faultsCount(kind);
+    return end;
+}
+
+void limitFiles(unsigned long bytes) { fileLimit = bytes; }
+
+int main(int argumentCount, char** arguments) {
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    setenv("LC_ALL", "en_GB.UTF-8", 1);
+    // The platform without a display warns of what it can't do at each window.
+    setenv("QT_LOGGING_RULES", "qt.qpa.*=false", 0);
+    if (access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 0);
+    testing::InitGoogleTest(&argumentCount, arguments);
+    app = std::make_unique<App>(argumentCount, arguments);
+    const int result = RUN_ALL_TESTS();
+    app.reset();
+    return result;
+}

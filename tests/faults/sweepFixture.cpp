@@ -1,0 +1,100 @@
+#include "tests/faults/sweepFixture.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "tests/support/sqlFile.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The only sample whose four tables go all the way into CAV has a key, which takes long to derive at each connect.
+void decrypt(const std::string& encrypted, const std::string& plain) {
+    SqlFile file(encrypted, "mbtfwqzkhl");
+    file.run("ATTACH '" + plain + "' AS plain KEY ''; SELECT sqlcipher_export('plain'); DETACH plain");
+}
+
+std::string bytesOf(const std::string& path) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(path, std::ios::binary).rdbuf();
+    return bytes.str();
+}
+
+/// On the ways into CAV the result is there before.
+bool fillsAFile(const Route& route) { return std::string(route.to) == "Cav"; }
+
+}  // namespace
+
+void Sweep::SetUp() {
+    own_ = (fs::temp_directory_path() / "tolvaris-XXXXXX").string();
+    ASSERT_NE(mkdtemp(own_.data()), nullptr);
+    folder_ = path("run");
+    original_ = std::string(SAMPLES) + "/" + route.source;
+    if (!fs::exists(original_)) {
+        original_ = path(route.source);
+        decrypt(SAMPLES "/cattery.rsd", original_);
+    }
+    std::ofstream(path("odbcinst.ini")) << "[Microsoft Access Driver (*.mdb)]\nDriver = " ACCESS_DRIVER_FILE "\n";
+    setenv("ODBCSYSINI", own_.c_str(), 1);
+    setenv("ODBCINSTINI", "odbcinst.ini", 1);
+}
+
+void Sweep::TearDown() { fs::remove_all(own_); }
+
+void Sweep::prepare() const {
+    fs::create_directories(folder_);
+    for (const auto& entry : fs::directory_iterator(folder_)) fs::remove_all(entry);
+    fs::create_directory(inFolder("Desktop"));
+    fs::copy_file(original_, inFolder(route.source));
+    if (fillsAFile(route)) fs::copy_file(std::string(SAMPLES) + "/" + route.result, inFolder(route.result));
+}
+
+End Sweep::run(const std::string& plan) {
+    prepare();
+    return convert(plan);
+}
+
+End Sweep::convert(const std::string& plan) {
+    const Order order{route.from, route.to, inFolder(route.source), fillsAFile(route) ? inFolder(route.result) : ""};
+    return convertUnderFaults(driver_, order, folder_, plan, path("notes"));
+}
+
+Sweep::Whole Sweep::runWithoutFault() {
+    Whole whole;
+    whole.end = run("");
+    whole.contents = result();
+    EXPECT_TRUE(whole.end.completed());
+    EXPECT_EQ(whole.end.code, 0);
+    EXPECT_EQ(whole.end.words(), "");
+    EXPECT_EQ(whole.contents.unsound, "");
+    EXPECT_GT(whole.contents.rows.size(), 20U);
+    EXPECT_EQ(sideEffects(), "");
+    return whole;
+}
+
+std::string Sweep::sideEffects(const std::vector<std::string>& leftOver) const {
+    std::string wrong;
+    const auto isExpected = [&](const std::string& name) {
+        return name == route.source || name == route.result || name == "Desktop" ||
+               std::any_of(leftOver.begin(), leftOver.end(),
+                           [&](const std::string& beginning) { return name.starts_with(beginning); });
+    };
+    for (const auto& entry : fs::directory_iterator(folder_)) {
+        const std::string name = entry.path().filename().string();
+        if (!isExpected(name)) wrong += name + " is left over\n";
+    }
+    if (bytesOf(inFolder(route.source)) != bytesOf(original_)) wrong += "the source has changed\n";
+    return wrong;
+}
+
+std::vector<long> Sweep::places(long calls, long some) {
+    if (const char* const most = std::getenv("TOLVARIS_FAULTS")) some = std::atol(most);
+    some = std::min(some, calls);
+    std::vector<long> numbers;
+    for (long i = 0; i < some; ++i) numbers.push_back(some == 1 ? 1 : 1 + i * (calls - 1) / (some - 1));
+    return numbers;
+}

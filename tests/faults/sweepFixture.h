@@ -1,0 +1,64 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include "tests/faults/routes.h"
+#include "windowdriver/windowDriver.h"
+
+/// Runs the routes under faults, each time on fresh copies of the samples in a folder of their own. No window is opened
+/// in this process: the toolkit paints with threads, and a fork has none of them.
+class Sweep : public testing::TestWithParam<Route> {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Converts the route's sample, a fresh copy of it. The folder stays as the run left it until the next one.
+    End run(const std::string& plan);
+
+    /// The same in the folder as it stands, without a fault.
+    End runAgain() { return convert(""); }
+
+    /// Lays out the folder for a run.
+    void prepare() const;
+
+    Contents result() const { return route.read(inFolder(route.result)); }
+
+    /// What a run without a fault leaves, with the calls that it took.
+    struct Whole {
+        Contents contents;
+        End end;
+    };
+    Whole runWithoutFault();
+
+    /// What is wrong with the source and with what lies beside it and the result; empty if nothing is. What
+    /// begins with one of the texts may be left over besides.
+    std::string sideEffects(const std::vector<std::string>& leftOver = {}) const;
+
+    /// Numbers of calls to try, from the first to the last: some of them, or as
+    /// many as TOLVARIS_FAULTS says.
+    static std::vector<long> places(long calls, long some);
+
+    /// In the test's own folder.
+    std::string path(const std::string& name) const { return own_ + "/" + name; }
+
+    std::string folder() const { return folder_; }
+    std::string inFolder(const std::string& name) const { return folder_ + "/" + name; }
+
+    const Route& route = GetParam();
+
+    /// Puts the fresh copies somewhere else from now on.
+    void setFolder(const std::string& folder) { folder_ = folder; }
+
+  private:
+    End convert(const std::string& plan);
+
+    WindowDriver driver_;
+    std::string own_;
+    std::string original_;
+    std::string folder_;
+};
+
+/// Every test runs on each of the routes.
+#define ON_EACH_ROUTE(Fixture)                                          \
+    INSTANTIATE_TEST_SUITE_P(Route, Fixture, testing::ValuesIn(routes), \
+                             [](const auto& tested) { return std::string(tested.param.id); })
