@@ -13,9 +13,11 @@ class SQLiteRecordSet : public RecordSet {
     SQLiteRecordSet(std::shared_ptr<SQLiteConnection> connection, StatementHandle statement, std::string_view sql,
                     bool atEnd)
         : connection_(std::move(connection)), statement_(std::move(statement)), sql_(sql), atEnd_(atEnd) {
-        std::vector<std::string> names;
-        for (int i = 0; i < sqlite3_column_count(statement_.get()); ++i) {
-            names.emplace_back(sqlite3_column_name(statement_.get(), i));
+        std::vector<std::string> names(static_cast<std::size_t>(sqlite3_column_count(statement_.get())));
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const char* name = sqlite3_column_name(statement_.get(), static_cast<int>(i));
+            if (name == nullptr) throw DatabaseFailure(sqlite3_errstr(SQLITE_NOMEM));
+            names[i] = name;
         }
         setColumns(names);
     }

@@ -76,16 +76,18 @@ int onlyReading(void* /*unused*/, int action, const char* /*first*/, const char*
 }  // namespace
 
 const char* sourceFileSystem() {
+    static constexpr const char* name = "tolvaris-source";
     static sqlite3_vfs system;
-    [[maybe_unused]] static const bool once = [] {
-        system = *usual();
-        system.zName = "tolvaris-source";
+    // Without memory the library finds none, and opens nothing by this name; the next source tries again.
+    if (sqlite3_vfs* basis = usual(); basis != nullptr && sqlite3_vfs_find(name) == nullptr) {
+        system = *basis;
+        system.zName = name;
         system.pNext = nullptr;
         system.xOpen = openWithoutLog;
         system.xDelete = deleteNothing;
-        return sqlite3_vfs_register(&system, 0) == SQLITE_OK;
-    }();
-    return system.zName;
+        sqlite3_vfs_register(&system, 0);
+    }
+    return name;
 }
 
 bool needsCopy(int result) { return result == SQLITE_CANTOPEN || result == SQLITE_READONLY; }

@@ -109,10 +109,11 @@ void appendTextKey(std::u16string_view text, std::vector<std::uint8_t>& key) {
     }
     if (!skipped.empty()) {
         // They are the fourth part; the third one is for kana.
-        if (kana.empty())
+        if (kana.empty()) {
             key.insert(key.end(), {separator, separator});
-        else
+        } else {
             key.push_back(0xFF);
+        }
         key.push_back(separator);
         key.insert(key.end(), skipped.begin(), skipped.end());
     }

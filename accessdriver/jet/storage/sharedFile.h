@@ -48,7 +48,6 @@ class SharedFile {
 
   private:
     SharedFile(std::string path, std::unique_ptr<File> file, bool writable);
-    static std::shared_ptr<SharedFile> find(const std::string& name, bool forWriting);
     static std::shared_ptr<SharedFile> openForWriting(const std::string& name);
     static std::shared_ptr<SharedFile> openForReading(const std::string& name);
 
