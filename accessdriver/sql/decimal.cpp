@@ -36,9 +36,9 @@ std::string digitsOf(Magnitude magnitude) {
     std::string digits;
     while (std::any_of(magnitude.begin(), magnitude.end(), [](auto byte) { return byte != 0; })) {
         unsigned rest = 0;
-        for (auto byte = magnitude.rbegin(); byte != magnitude.rend(); ++byte) {
-            rest = rest << 8 | *byte;
-            *byte = static_cast<std::uint8_t>(rest / 10);
+        for (std::size_t i = magnitude.size(); i-- > 0;) {
+            rest = rest << 8 | magnitude[i];
+            magnitude[i] = static_cast<std::uint8_t>(rest / 10);
             rest %= 10;
         }
         digits += static_cast<char>('0' + rest);

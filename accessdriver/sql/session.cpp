@@ -137,6 +137,7 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
     while (const jet::Cursor* row = met.next()) {
         ++matched;
         std::vector<jet::Assignment> before;
+        before.reserve(values.size());
         for (const jet::Assignment& v : values) before.push_back({v.column, row->value(v.column)});
         const bool same = std::equal(values.begin(), values.end(), before.begin(),
                                      [](const auto& a, const auto& b) { return a.value == b.value; });

@@ -68,7 +68,7 @@ bool addInline(PageRef& ref, const dataPage::Slot& row, std::uint32_t page) {
         return true;
     }
     const auto first = bitmap::next(bits, 0);
-    std::uint64_t newStart = page / 8 * 8;
+    std::uint64_t newStart = std::uint64_t{page} / 8 * 8;
     if (first) {
         const std::uint64_t lowest = std::min<std::uint64_t>(page, start + *first);
         const std::uint64_t highest = std::max<std::uint64_t>(page, start + *bitmap::last(bits));
