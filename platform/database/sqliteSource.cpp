@@ -35,7 +35,8 @@ std::string stateOf(const std::string& path) {
     for (const char* ending : {"", besides[0], besides[1]}) {
         std::error_code missing;
         const auto size = fs::file_size(path + ending, missing);
-        const auto written = fs::last_write_time(path + ending, missing).time_since_epoch().count();
+        const auto written =
+            static_cast<long long>(fs::last_write_time(path + ending, missing).time_since_epoch().count());
         state += missing ? " none" : " " + std::to_string(size) + " at " + std::to_string(written);
     }
     return state;
