@@ -9,6 +9,7 @@
 #include "accessdriver/jet/making/cavTables.h"
 #include "platform/desktop/yield.h"
 #include "tests/cav/rsdSource.h"
+#include "tests/support/otherProgram.h"
 #include "tests/support/programFixture.h"
 #include "tests/support/sqlFile.h"
 
@@ -124,6 +125,28 @@ TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
         EXPECT_EQ(driver.boxes.back().text, "Operation completed");
         EXPECT_LE(driver.boxes.size(), 6U) << form;
     }
+}
+
+// The tables are read one after the other, and nobody may change the herd between two of them.
+TEST_F(ThroughAccessDriver, NobodyElseWritesToTheRsdFileOnItsWay) {
+    makeRsdSource(path("herd.rsd"));
+    SqlFile(path("herd.rsd"))
+        .run(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
+            "INSERT INTO tree(id, name) SELECT i, 'Ada ' || i FROM n; "
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
+            "INSERT INTO vaccinations(name, done) SELECT 'Ada ' || i, '1' FROM n");
+    jet::makeCavFile(cav(), jet::CavColumns::allText);
+    yielding::setPump(yielding::Pump::everyCall);
+    int looks = 0;
+    driver.onEveryTurn([&] {
+        if (!driver.isOpen("frmWait") || driver.text("frmWait", "lblMessage").empty()) return;
+        ++looks;
+        EXPECT_FALSE(looks % 20 == 0 && OtherProgram::mayWrite(path("herd.rsd"))) << looks;
+    });
+    convertToCav("Rsd", path("herd.rsd"));
+    EXPECT_GT(looks, 100);
+    EXPECT_TRUE(OtherProgram::mayWrite(path("herd.rsd")));
 }
 
 }  // namespace
