@@ -102,6 +102,17 @@ class OdbcLink {
         return {handle.release(), FreeStatement{this}};
     }
 
+    /// Runs a statement that gives no rows. They come by the ten thousand, and a handle of its own for each would take
+    /// the driver manager as long as the statement takes the driver.
+    std::optional<Diagnosis> execute(std::string_view sql) {
+        if (!executing_) executing_ = allocate<SQL_HANDLE_STMT>(connection_.get());
+        const SQLRETURN result = SQLExecDirect(executing_.get(), sqlText(sql), static_cast<SQLINTEGER>(sql.size()));
+        std::optional<Diagnosis> failure;
+        if (!SQL_SUCCEEDED(result) && result != SQL_NO_DATA) failure = diagnose(SQL_HANDLE_STMT, executing_.get());
+        SQLFreeStmt(executing_.get(), SQL_CLOSE);
+        return failure;
+    }
+
     std::optional<Diagnosis> end(SQLSMALLINT completion) const {
         if (SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, connection_.get(), completion))) return std::nullopt;
         return diagnose(SQL_HANDLE_DBC, connection_.get());
@@ -112,6 +123,7 @@ class OdbcLink {
         open_ = false;
         // A disconnect frees the statements that are left, after which their handles may be anything.
         for (void* statement : std::exchange(statements_, {})) SQLFreeHandle(SQL_HANDLE_STMT, statement);
+        executing_.reset();
         end(SQL_ROLLBACK);
         SQLDisconnect(connection_.get());
     }
@@ -123,6 +135,7 @@ class OdbcLink {
 
     Handle<SQL_HANDLE_ENV> environment_;
     Handle<SQL_HANDLE_DBC> connection_;
+    Handle<SQL_HANDLE_STMT> executing_;
     std::unordered_set<void*> statements_;
     bool open_ = false;
 };
@@ -262,12 +275,10 @@ std::shared_ptr<RecordSet> OdbcConnection::select(std::string_view sql) {
 
 void OdbcConnection::execute(std::string_view sql) {
     if (!link_ || !link_->isOpen()) return;
-    const auto statement = link_->statement();
-    const SQLRETURN result = SQLExecDirect(statement.get(), detail::sqlText(sql), static_cast<SQLINTEGER>(sql.size()));
-    if (result == SQL_NO_DATA || SQL_SUCCEEDED(result)) return;
-    const auto failure = detail::diagnose(SQL_HANDLE_STMT, statement.get());
-    errorCode_ = failure.code;
-    errorMessage_ = failure.message;
+    if (const auto failure = link_->execute(sql)) {
+        errorCode_ = failure->code;
+        errorMessage_ = failure->message;
+    }
 }
 
 void OdbcConnection::commit() {
