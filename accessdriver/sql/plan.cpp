@@ -264,7 +264,20 @@ Plan planValues(const Statement& statement) {
     return plan;
 }
 
+void addColumns(const Plan::Condition& condition, std::vector<std::size_t>& columns) {
+    for (const Plan::Operand& operand : condition.operands) columns.push_back(operand.column);
+    for (const Plan::Condition& part : condition.parts) addColumns(part, columns);
+}
+
 }  // namespace
+
+std::vector<std::size_t> Plan::columnsRead() const {
+    std::vector<std::size_t> read;
+    for (const Item& item : items) read.push_back(item.column);
+    for (const Order& one : order) read.push_back(one.column);
+    if (where) addColumns(*where, read);
+    return read;
+}
 
 Plan makePlan(const Statement& statement, jet::Database& database) {
     if (!statement.table) return planValues(statement);

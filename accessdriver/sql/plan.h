@@ -54,6 +54,9 @@ struct Plan {
     std::optional<Condition> where = std::nullopt;
     std::vector<jet::ColumnInfo> parameters = {};  ///< the column that each parameter is for
 
+    /// The columns of the table that the rows of a SELECT are made and chosen by.
+    std::vector<std::size_t> columnsRead() const;
+
     bool returnsRows() const { return kind == Statement::Kind::select; }
     /// Whether the answer is one row, made of all that are met.
     bool aggregates() const { return returnsRows() && !items.empty() && items.front().kind >= SelectItem::Kind::count; }

@@ -1,6 +1,7 @@
 #include "accessdriver/sql/session.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "accessdriver/sql/convert.h"
@@ -52,7 +53,7 @@ std::vector<jet::Assignment> Session::assignments(const Plan& plan, std::span<co
 
 std::int64_t Session::insert(const Plan& plan, std::span<const Literal> parameters) {
     const auto values = assignments(plan, parameters);
-    keepOpenRows();
+    keepRowsThatMayChange(plan);
     const jet::RowId row = database_->insert(*plan.table, values);
     open_ = true;
     lookups_.noteInsert(*plan.table, row, values);
@@ -122,9 +123,26 @@ std::optional<std::vector<jet::RowId>> Session::fromIndex(const jet::TableInfo& 
 
 // --- changing rows
 
-void Session::keepOpenRows() {
-    for (const auto& stream : std::exchange(streams_, {})) {
-        if (const auto rows = stream.lock()) rows->keepRest();
+// A walk over a herd with an update for each row, of a column that the walk does not read, copies nothing.
+void Session::keepRowsThatMayChange(const Plan& change) {
+    const auto stays = [&](const Stream& stream) {
+        if (stream.table != change.table) return true;
+        if (change.kind != Statement::Kind::update) return false;
+        return std::none_of(change.targets.begin(), change.targets.end(), [&](const Plan::Target& target) {
+            return std::find(stream.columns.begin(), stream.columns.end(), target.column) != stream.columns.end();
+        });
+    };
+    const auto changing = std::stable_partition(streams_.begin(), streams_.end(), stays);
+    const std::vector<Stream> streams(std::make_move_iterator(changing), std::make_move_iterator(streams_.end()));
+    streams_.erase(changing, streams_.end());
+    for (const Stream& stream : streams) {
+        if (const auto rows = stream.rows.lock()) rows->keepRest();
+    }
+}
+
+void Session::keepAllRows() {
+    for (const Stream& stream : std::exchange(streams_, {})) {
+        if (const auto rows = stream.rows.lock()) rows->keepRest();
     }
 }
 
@@ -143,7 +161,7 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
                                      [](const auto& a, const auto& b) { return a.value == b.value; });
         if (!same) changes.push_back({row->rowId(), std::move(before)});
     }
-    if (!changes.empty()) keepOpenRows();
+    if (!changes.empty()) keepRowsThatMayChange(plan);
     std::size_t done = 0;
     try {
         for (; done < changes.size(); ++done) {
@@ -171,7 +189,7 @@ std::int64_t Session::remove(const Plan& plan, std::span<const Literal> paramete
     Matches met = matches(plan, parameters);
     while (const jet::Cursor* row = met.next()) rows.push_back(row->rowId());
     if (rows.empty()) return 0;
-    keepOpenRows();
+    keepRowsThatMayChange(plan);
     database_->remove(*plan.table, rows);
     open_ = true;
     lookups_.noteRemovals(*plan.table, rows.size());
@@ -182,14 +200,14 @@ std::int64_t Session::remove(const Plan& plan, std::span<const Literal> paramete
 std::shared_ptr<RowSet> Session::select(const Plan& plan, std::span<const Literal> parameters) {
     if (plan.table == nullptr) return plainAnswer(plan);
     auto rows = answerOf(plan, matches(plan, parameters));
-    std::erase_if(streams_, [](const auto& stream) { return stream.expired(); });
-    streams_.push_back(rows);
+    std::erase_if(streams_, [](const Stream& stream) { return stream.rows.expired(); });
+    streams_.push_back({rows, plan.table, plan.columnsRead()});
     return rows;
 }
 
 Session::~Session() {
-    for (const auto& stream : streams_) {
-        if (const auto rows = stream.lock()) rows->dropSource();
+    for (const Stream& stream : streams_) {
+        if (const auto rows = stream.rows.lock()) rows->dropSource();
     }
 }
 
@@ -231,7 +249,7 @@ void Session::commit() {
 
 void Session::rollback() {
     try {
-        keepOpenRows();
+        keepAllRows();
     } catch (const jet::Error&) {
         // Whoever reads on meets the same failure.
     }

@@ -24,8 +24,8 @@ struct Outcome {
 
 /// Runs statements on one connection and keeps its transaction.
 /// A statement takes effect as a whole or not at all: one that fails half-way is undone.
-/// Rows are read from the file while they are asked for; before this connection changes rows, the answers that are
-/// still open get copies of theirs.
+/// Rows are read from the file while they are asked for; before this connection changes what an open answer reads, the
+/// answer gets copies of its rows.
 class Session {
   public:
     explicit Session(std::unique_ptr<jet::Database> database, DateOrder order = localeDateOrder())
@@ -73,6 +73,13 @@ class Session {
     jet::Database& database() const { return *database_; }
 
   private:
+    /// An answer whose rows are still being read from the file.
+    struct Stream {
+        std::weak_ptr<RowSet> rows;
+        const jet::TableInfo* table = nullptr;
+        std::vector<std::size_t> columns = {};  ///< that it reads
+    };
+
     std::int64_t insert(const Plan& plan, std::span<const Literal> parameters);
     std::int64_t update(const Plan& plan, std::span<const Literal> parameters);
     std::int64_t remove(const Plan& plan, std::span<const Literal> parameters);
@@ -82,14 +89,15 @@ class Session {
     Matches matches(const Plan& plan, std::span<const Literal> parameters);
     std::optional<std::vector<jet::RowId>> candidates(const jet::TableInfo& table, const Filter& filter);
     std::optional<std::vector<jet::RowId>> fromIndex(const jet::TableInfo& table, const Filter::Demand& demand);
-    void keepOpenRows();
+    void keepRowsThatMayChange(const Plan& change);
+    void keepAllRows();
     void settle();
 
     std::unique_ptr<jet::Database> database_;
     Lookups lookups_;
     DateOrder order_;
     std::map<std::pair<const jet::TableInfo*, std::size_t>, int> indexSearches_;  // by column
-    std::vector<std::weak_ptr<RowSet>> streams_;  // answers whose rows are still being read from the file
+    std::vector<Stream> streams_;
     bool autocommit_ = true;
     bool open_ = false;
 };

@@ -185,6 +185,23 @@ TEST_F(FetchTest, BoundColumnsAreFilledRowByRow) {
     EXPECT_EQ(statement_->diagnosis().state, "22002") << "before the warning of the cut name";
 }
 
+// Rows that grow leave their pages, and come back with the transaction that made them grow.
+TEST_F(FetchTest, AWalkMeetsEachRowOnceWhileItsRowsGrowAndShrink) {
+    constexpr int rows = 600;
+    Statement writer(connection_);
+    for (int i = 1; i < rows; ++i) ASSERT_EQ(writer.outcome("INSERT INTO tree (oldId) VALUES ('o')"), "ok");
+    connection_.autocommit(false);
+    const SQLHSTMT walk = select("id");
+    for (int row = 1; row <= rows; ++row) {
+        EXPECT_EQ(statement_->text(1), std::to_string(row));
+        const std::string id = std::to_string((row + 13) % rows + 1);
+        const std::string text(static_cast<std::size_t>(row) % 250, 't');
+        ASSERT_EQ(writer.outcome("UPDATE tree SET ps='" + text + "',pd='" + text + "' WHERE id=" + id), "ok");
+        if (row == rows / 2) connection_.rollback();
+        ASSERT_EQ(SQLFetch(walk), row == rows ? SQL_NO_DATA : SQL_SUCCESS) << row;
+    }
+}
+
 TEST_F(FetchTest, AResultIsDescribedBeforeItRuns) {
     const SQLHSTMT handle = statement_->handle();
     ASSERT_EQ(SQLPrepare(handle, chars("SELECT name,dob,price,id,notes FROM tree"), SQL_NTS), SQL_SUCCESS);

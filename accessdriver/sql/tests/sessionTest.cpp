@@ -212,6 +212,22 @@ TEST_F(SessionTest, AWalkIsNotDisturbedByUpdatesOfItsOwnConnection) {
     EXPECT_EQ(met, 200);
 }
 
+TEST_F(SessionTest, AWalkIsCopiedOnlyForChangesOfWhatItReads) {
+    for (int i = 0; i < 9; ++i) changed("INSERT INTO animals (name,oldId) VALUES ('a','" + std::to_string(i) + "')");
+    const auto copied = [&](const std::string& select, const std::string& change) {
+        const sql::Outcome walk = run(select);
+        EXPECT_TRUE(walk.rows->next()) << select;
+        changed(change);
+        const std::size_t size = walk.rows->size();
+        EXPECT_EQ(rows(walk).size(), 8U) << select << ", " << change;
+        return size;
+    };
+    const std::string walk = "SELECT oldId FROM animals WHERE NOT (litter=4) OR name='a'";
+    EXPECT_EQ(copied(walk, "UPDATE animals SET notes='x'"), 0U);
+    EXPECT_EQ(copied(walk, "UPDATE animals SET notes='y', litter=4"), 8U);
+    EXPECT_EQ(copied("SELECT oldId,litter FROM animals", "UPDATE animals SET litter=5"), 8U);
+}
+
 // The work is counted, not timed: one scan builds the lookup, and after it each statement touches the rows that it
 // changes and nothing else.
 TEST_F(SessionTest, UpdatesByKeyDoNotScanTheTableEachTime) {
