@@ -17,7 +17,8 @@ namespace {
 /// No box may grow so tall that its buttons leave the screen.
 constexpr std::size_t longestText = 3000;
 
-/// The toolkit leaves room for a picture also beside a text that has none, and none between the text and its button.
+/// The toolkit leaves room for a picture also beside a text that has none, and none between the text and its button. A
+/// box with a long text is wider than the text's narrowest form: all of that width is the text's.
 void spaceEvenly(QMessageBox& box) {
     auto* layout = qobject_cast<QGridLayout*>(box.layout());
     layout->setHorizontalSpacing(0);
@@ -25,6 +26,12 @@ void spaceEvenly(QMessageBox& box) {
     for (int i = layout->count() - 1; i >= 0; --i) {
         if (layout->itemAt(i)->spacerItem() != nullptr) std::unique_ptr<QLayoutItem>(layout->takeAt(i)).reset();
     }
+    int row = 0;
+    int column = 0;
+    int rows = 0;
+    int columns = 0;
+    layout->getItemPosition(layout->indexOf(box.findChild<QLabel*>("qt_msgbox_label")), &row, &column, &rows, &columns);
+    layout->setColumnStretch(column, 1);
 }
 
 int run(QMessageBox& box, const std::string& text) {
