@@ -160,6 +160,11 @@ const TableInfo& Connection::table(std::string_view name) {
     return info;
 }
 
+std::vector<Relationship> Connection::relationships() const {
+    const Lock lock(file_->mutex);
+    return readRelationships(*pages_, defaultSortOrder_);
+}
+
 TableStore& Connection::store(const TableInfo& table) {
     const auto found = stores_.find(&table);
     if (found == stores_.end())

@@ -21,6 +21,7 @@ class Connection : public Database {
     bool readOnly() const override { return readOnly_; }
     std::vector<std::string> tableNames() const override;
     const TableInfo& table(std::string_view name) override;
+    std::vector<Relationship> relationships() const override;
     RowId insert(const TableInfo& table, std::span<const Assignment> values) override;
     void update(const TableInfo& table, RowId row, std::span<const Assignment> values) override;
     void remove(const TableInfo& table, std::span<const RowId> rows) override;

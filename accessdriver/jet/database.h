@@ -93,6 +93,22 @@ struct TableInfo {
     std::vector<IndexInfo> indexes;
 };
 
+/// A rule between two tables: values in columns of the one must stand in columns of the other.
+struct Relationship {
+    struct Pair {
+        std::string column;      ///< of the table that is referred to
+        std::string foreignKey;  ///< the column that refers to it
+    };
+    enum class Rule { refuse, cascade, setNull };
+
+    std::string name;
+    std::string table;         ///< which is referred to
+    std::string foreignTable;  ///< which refers to it
+    std::vector<Pair> columns;
+    Rule onUpdate = Rule::refuse;  ///< what becomes of a reference whose target changes, or goes
+    Rule onDelete = Rule::refuse;
+};
+
 /// A row's identity: the page and slot where it was first put. It never changes while the row lives.
 struct RowId {
     std::uint32_t page = 0;
@@ -162,6 +178,9 @@ class Database {
     /// The definition of a table, its name compared without regard to case. The reference lives as long as the
     /// connection. Throws Error(noSuchTable).
     virtual const TableInfo& table(std::string_view name) = 0;
+
+    /// The relationships that Access enforces, in the order in which they stand in the file. Throws Error(corrupt).
+    virtual std::vector<Relationship> relationships() const = 0;
 
     /// Adds a row; columns without an assignment have their default, if it is one that is understood (see ColumnRules),
     /// or are Null as columns with Null are (No for yes/no, the next number for an AutoNumber). A greater number given

@@ -1,10 +1,10 @@
 #include "accessdriver/odbc/catalog.h"
 
 #include <algorithm>
-#include <initializer_list>
 
 #include <sqlext.h>
 
+#include "accessdriver/odbc/catalogRows.h"
 #include "accessdriver/odbc/sqlTypes.h"
 #include "accessdriver/sql/fold.h"
 #include "accessdriver/sql/numbers.h"
@@ -17,47 +17,7 @@ using jet::ColumnInfo;
 using jet::ColumnType;
 using jet::TableInfo;
 using jet::Value;
-
-constexpr ColumnType text = ColumnType::text;
-constexpr ColumnType small = ColumnType::integer;
-constexpr ColumnType number = ColumnType::longInteger;
-
-struct AnswerColumn {
-    const char* name;
-    ColumnType type;
-};
-
-sql::RowSet emptyAnswer(std::initializer_list<AnswerColumn> columns) {
-    std::vector<sql::ResultColumn> out;
-    for (const AnswerColumn& column : columns) {
-        out.push_back({column.name, column.type, column.type == text ? 255 : 0});
-    }
-    return sql::RowSet(std::move(out));
-}
-
-Value num(SQLINTEGER value) { return std::int32_t{value}; }
-Value str(const char* value) { return value == nullptr ? Value{} : Value(std::string(value)); }
-const Value null;
-
-// LIKE with % for any text, _ for one character and \ before a plain one of them.
-bool matchesPattern(std::string_view name, std::string_view pattern) {
-    if (pattern.empty()) return name.empty();
-    if (pattern.front() == '%') {
-        for (std::size_t skip = 0; skip <= name.size(); ++skip) {
-            if (matchesPattern(name.substr(skip), pattern.substr(1))) return true;
-        }
-        return false;
-    }
-    if (name.empty()) return false;
-    const bool escaped = pattern.front() == '\\' && pattern.size() > 1;
-    if (escaped) pattern.remove_prefix(1);
-    if (!escaped && pattern.front() == '_') {
-        std::size_t character = 1;  // one character of UTF-8
-        while (character < name.size() && (static_cast<unsigned char>(name[character]) & 0xC0) == 0x80) ++character;
-        return matchesPattern(name.substr(character), pattern.substr(1));
-    }
-    return name.front() == pattern.front() && matchesPattern(name.substr(1), pattern.substr(1));
-}
+using namespace catalogRows;
 
 bool isMeant(const std::string& name, const OptionalName& wanted, bool exact) {
     if (!wanted) return true;
@@ -71,13 +31,6 @@ std::vector<std::string> sortedTables(const jet::Database& database) {
     return names;
 }
 
-// The table of that name; null if there is none.
-const TableInfo* findTable(jet::Database& database, const std::string& name) {
-    const auto names = database.tableNames();
-    const auto found = std::find_if(names.begin(), names.end(), [&](const auto& n) { return sql::sameName(n, name); });
-    return found == names.end() ? nullptr : &database.table(*found);
-}
-
 bool listsType(std::string_view types, std::string_view type) {
     while (!types.empty()) {
         const std::size_t end = std::min(types.find(','), types.size());
@@ -87,12 +40,6 @@ bool listsType(std::string_view types, std::string_view type) {
         types.remove_prefix(std::min(end + 1, types.size()));
     }
     return false;
-}
-
-const jet::IndexInfo* primaryKey(const TableInfo& table) {
-    const auto found =
-        std::find_if(table.indexes.begin(), table.indexes.end(), [](const auto& i) { return i.primaryKey; });
-    return found == table.indexes.end() ? nullptr : &*found;
 }
 
 std::vector<Value> columnRow(const TableInfo& table, std::size_t at) {
@@ -261,23 +208,6 @@ sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalN
         }
     }
     return answer;
-}
-
-sql::RowSet foreignKeysAnswer() {
-    return emptyAnswer({{"PKTABLE_CAT", text},
-                        {"PKTABLE_SCHEM", text},
-                        {"PKTABLE_NAME", text},
-                        {"PKCOLUMN_NAME", text},
-                        {"FKTABLE_CAT", text},
-                        {"FKTABLE_SCHEM", text},
-                        {"FKTABLE_NAME", text},
-                        {"FKCOLUMN_NAME", text},
-                        {"KEY_SEQ", small},
-                        {"UPDATE_RULE", small},
-                        {"DELETE_RULE", small},
-                        {"FK_NAME", text},
-                        {"PK_NAME", text},
-                        {"DEFERRABILITY", small}});
 }
 
 sql::RowSet proceduresAnswer() {

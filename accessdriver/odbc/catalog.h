@@ -34,9 +34,11 @@ sql::RowSet specialColumnsAnswer(jet::Database& database, SQLUSMALLINT kind, con
 /// What the user may do with each table: everything.
 sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalName& table, bool exact);
 
-/// The answers for what a file does not have or does not tell: relationships between tables, procedures, and
-/// privileges for single columns.
-sql::RowSet foreignKeysAnswer();
+/// The relationships in which the one table is referred to, or the other refers to one; an empty name stands for any
+/// table. Throws sql::Error(HY009) if both are empty.
+sql::RowSet foreignKeysAnswer(jet::Database& database, const std::string& table, const std::string& foreignTable);
+
+/// The answers for what a file does not have or does not tell: procedures, and privileges for single columns.
 sql::RowSet proceduresAnswer();
 sql::RowSet procedureColumnsAnswer();
 sql::RowSet columnPrivilegesAnswer();

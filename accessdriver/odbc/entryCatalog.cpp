@@ -58,6 +58,14 @@ SQLRETURN specialColumns(SQLHSTMT raw, SQLUSMALLINT kind, const Char* table, SQL
 }
 
 template <class Char>
+SQLRETURN foreignKeys(SQLHSTMT raw, const Char* table, SQLSMALLINT length, const Char* foreignTable,
+                      SQLSMALLINT foreignLength) {
+    return answerWith(raw, [&](jet::Database& database, bool) {
+        return foreignKeysAnswer(database, utf8From(table, length), utf8From(foreignTable, foreignLength));
+    });
+}
+
+template <class Char>
 SQLRETURN tablePrivileges(SQLHSTMT raw, const Char* table, SQLSMALLINT length) {
     return answerWith(raw, [&](jet::Database& database, bool exact) {
         return tablePrivilegesAnswer(database, optionalUtf8From(table, length), exact);
@@ -133,14 +141,16 @@ SQLRETURN SQL_API SQLGetTypeInfo(SQLHSTMT raw, SQLSMALLINT type) { return typeIn
 
 SQLRETURN SQL_API SQLGetTypeInfoW(SQLHSTMT raw, SQLSMALLINT type) { return typeInfo(raw, type); }
 
-SQLRETURN SQL_API SQLForeignKeys(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
-                                 SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, foreignKeysAnswer);
+SQLRETURN SQL_API SQLForeignKeys(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR* table,
+                                 SQLSMALLINT length, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
+                                 SQLCHAR* foreignTable, SQLSMALLINT foreignLength) {
+    return foreignKeys(raw, table, length, foreignTable, foreignLength);
 }
 
-SQLRETURN SQL_API SQLForeignKeysW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT,
-                                  SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, foreignKeysAnswer);
+SQLRETURN SQL_API SQLForeignKeysW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR* table,
+                                  SQLSMALLINT length, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT,
+                                  SQLWCHAR* foreignTable, SQLSMALLINT foreignLength) {
+    return foreignKeys(raw, table, length, foreignTable, foreignLength);
 }
 
 SQLRETURN SQL_API SQLProcedures(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT) {

@@ -50,6 +50,7 @@ void makeFile(const std::string& path, const MakeOptions& options) {
         PageAccess::Statement statement(pages);
         makeSystemTables(pages);
         for (const TableSpec& table : options.tables) enterTable(pages, table);
+        for (const Relationship& relationship : options.relationships) enterRelationship(pages, relationship);
         statement.finish();
         pages.commit();
         file->noteCommit();

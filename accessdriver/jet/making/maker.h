@@ -41,6 +41,7 @@ struct TableSpec {
 struct MakeOptions {
     std::string password;  ///< UTF-8, at most 20 UTF-16 units; empty: none
     std::vector<TableSpec> tables;
+    std::vector<Relationship> relationships = {};  ///< entered in the list of them; their tables get no index for it
 };
 
 /// Writes a new file, in place of one that may be there. Throws Error: badValue for a description that makes no

@@ -53,7 +53,7 @@ TableSpec queries() {
 }
 
 TableSpec relationships() {
-    return {"MSysRelationships",
+    return {relationshipsName,
             {text("szRelationship"), number("grbit"), number("ccolumn"), number("icolumn"), text("szObject"),
              text("szColumn"), text("szReferencedObject"), text("szReferencedColumn")},
             {{"szRelationship", {"szRelationship"}, false, false, false, false, {}},
@@ -162,7 +162,7 @@ void makeSystemTables(PageAccess& pages) {
                {{admin, 393216, false}, {everybody, toRead, false}}},
               {relationshipsPage,
                tablesParent,
-               "MSysRelationships",
+               relationshipsName,
                tableType,
                engine,
                systemObject,
@@ -181,6 +181,27 @@ void enterTable(PageAccess& pages, const TableSpec& table) {
            0,
            {{creators, everything, false}, {admin, everything, false}, {everybody, everything, false}}},
           table.properties);
+}
+
+void enterRelationship(PageAccess& pages, const Relationship& relationship) {
+    using Rule = Relationship::Rule;
+    std::uint32_t flags = 0;
+    if (relationship.onUpdate == Rule::cascade) flags |= relationshipFlag::updatesCascade;
+    if (relationship.onDelete == Rule::cascade) flags |= relationshipFlag::deletesCascade;
+    if (relationship.onDelete == Rule::setNull) flags |= relationshipFlag::deletesToNull;
+    TableStore rows = storeOf(pages, relationshipsPage, relationshipsName);
+    std::int32_t place = 0;
+    for (const Relationship::Pair& pair : relationship.columns) {
+        const Assignment row[] = {{0, relationship.name},
+                                  {1, static_cast<std::int32_t>(flags)},
+                                  {2, static_cast<std::int32_t>(relationship.columns.size())},
+                                  {3, place++},
+                                  {4, relationship.foreignTable},
+                                  {5, pair.foreignKey},
+                                  {6, relationship.table},
+                                  {7, pair.column}};
+        rows.insert(row);
+    }
 }
 
 }  // namespace jet

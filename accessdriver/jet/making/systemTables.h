@@ -15,6 +15,9 @@ void makeSystemTables(PageAccess& pages);
 /// Makes a user table and enters it into the catalog, with the rights of everybody to it.
 void enterTable(PageAccess& pages, const TableSpec& table);
 
+/// Enters a relationship, a row for each pair of its columns.
+void enterRelationship(PageAccess& pages, const Relationship& relationship);
+
 /// Any day will do, but the same one each time makes files that can be compared.
 inline constexpr double creationDate = 38000.5;
 

@@ -56,6 +56,7 @@ TEST_F(CatalogTest, TablesByPatternAndType) {
     EXPECT_EQ(tables("tree", "VIEW"), Texts{});
     EXPECT_EQ(tables("tr\\_e", nullptr), Texts{});
     EXPECT_EQ(tables("", nullptr), Texts{});
+    EXPECT_EQ(tables((std::string(60, '%') + "x").c_str(), nullptr), Texts{}) << "and takes no time";
 }
 
 TEST_F(CatalogTest, WhatColumnsAskOfTheirValues) {
@@ -110,6 +111,42 @@ TEST_F(CatalogTest, ColumnsKeysAndIndexes) {
                                 SQL_SCOPE_SESSION, SQL_NULLABLE),
               SQL_SUCCESS);
     EXPECT_EQ(columnOf(2), Texts{"id"});
+}
+
+TEST_F(CatalogTest, RelationshipsAreForeignKeys) {
+    using jet::ColumnType;
+    using Rule = jet::Relationship::Rule;
+    const auto table = [](const char* name) {
+        const auto column = [](const char* of) { return jet::ColumnSpec{of, ColumnType::longInteger, 0, false, true}; };
+        return jet::TableSpec{name,
+                              {column("id"), column("cage"), column("row")},
+                              {{"PrimaryKey", {"cage", "row"}, true, false, false, false, {}}}};
+    };
+    const std::string path = folder() / "related.mdb";
+    jet::makeFile(path, {"",
+                         {table("cages"), table("animals"), table("Births")},
+                         {{"CagesBirths", "cages", "Births", {{"id", "cage"}}, Rule::cascade, Rule::setNull},
+                          {"CagesAnimals", "cages", "animals", {{"cage", "cage"}, {"row", "row"}}},
+                          {"Mothers", "animals", "animals", {{"id", "row"}}, Rule::refuse, Rule::cascade}}});
+    Connection connection;
+    ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
+    Statement statement(connection);
+    const auto keys = [&](const char* key, const char* foreign) {
+        const auto text = [](const char* t) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(t)); };
+        EXPECT_EQ(SQLForeignKeys(statement.handle(), nullptr, 0, nullptr, 0, text(key), SQL_NTS, nullptr, 0, nullptr, 0,
+                                 text(foreign), SQL_NTS),
+                  SQL_SUCCESS);
+        return statement.rows();
+    };
+    const std::string birth = "Null|Null|cages|id|Null|Null|Births|cage|1|0|2|CagesBirths|Null|7";
+    const std::string cage = "Null|Null|cages|cage|Null|Null|animals|cage|1|3|3|CagesAnimals|PrimaryKey|7";
+    const std::string row = "Null|Null|cages|row|Null|Null|animals|row|2|3|3|CagesAnimals|PrimaryKey|7";
+    const std::string mother = "Null|Null|animals|id|Null|Null|animals|row|1|3|0|Mothers|Null|7";
+    EXPECT_EQ(keys("CAGES", nullptr), (Texts{cage, row, birth}));
+    EXPECT_EQ(keys(nullptr, "animals"), (Texts{mother, cage, row}));
+    EXPECT_EQ(keys("cages", "births"), Texts{birth});
+    EXPECT_EQ(keys("Births", nullptr), Texts{});
+    EXPECT_EQ(keys("cage%", nullptr), Texts{}) << "names are no patterns here";
 }
 
 TEST_F(CatalogTest, TypeInfo) {

@@ -20,6 +20,7 @@ class FakeDatabase : public jet::Database {
 
     std::vector<std::string> tableNames() const override { return {table_.name}; }
     const jet::TableInfo& table(std::string_view name) override;
+    std::vector<jet::Relationship> relationships() const override { return {}; }
     jet::RowId insert(const jet::TableInfo& table, std::span<const jet::Assignment> values) override;
     void update(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values) override;
     void remove(const jet::TableInfo& table, std::span<const jet::RowId> rows) override;
