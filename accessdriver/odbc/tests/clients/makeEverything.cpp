@@ -1,11 +1,28 @@
-// makeEverything OUT: a file with one empty table that has a column of each type, and a herd's tables beside it.
+// makeEverything OUT [bytes]: a file with one table that has a column of each type, and a relationship with itself.
+// It is empty, or has one row with bytes, for clients that can read them only.
 
 #include <cstdio>
+#include <cstring>
 
-#include "accessdriver/jet/making/cavTables.h"
+#include "accessdriver/jet/making/maker.h"
+
+namespace {
+
+void insertBytes(const char* path) {
+    constexpr std::size_t chip = 11, photo = 12;
+    const auto database = jet::Database::open(path, "");
+    jet::Bytes picture = {'p', 'i', 'c'};
+    picture.insert(picture.end(), 100, 0xAB);
+    const jet::Assignment values[] = {{chip, jet::Bytes{0x00, 0x01, 0xFE, 0xFF}}, {photo, picture}};
+    database->insert(database->table("everything"), values);
+    database->commit();
+}
+
+}  // namespace
 
 int main(int count, char** values) {
-    if (count != 2) return 2;
+    const bool bytes = count == 3 && std::strcmp(values[2], "bytes") == 0;
+    if (count != 2 && !bytes) return 2;
     using enum jet::ColumnType;
     jet::TableSpec everything{
         .name = "everything",
@@ -27,7 +44,10 @@ int main(int count, char** values) {
         .indexes = {{.name = "PrimaryKey", .columns = {"id"}, .primaryKey = true, .descending = {}},
                     {.name = "cage", .columns = {"cage", "tag"}, .descending = {}}}};
     try {
-        jet::makeFile(values[1], {.password = "", .tables = {everything}});
+        jet::makeFile(values[1], {.password = "",
+                                  .tables = {everything},
+                                  .relationships = {{"Parents", "everything", "everything", {{"id", "tag"}}}}});
+        if (bytes) insertBytes(values[1]);
     } catch (const jet::Error& error) {
         std::fprintf(stderr, "makeEverything: %s\n", error.what());
         return 1;

@@ -89,4 +89,7 @@ while ($column = odbc_fetch_array($described)) {
 same($found, ['id', ...$columns], 'columns');
 $keys = odbc_primarykeys($list, '', '', 'everything');
 same(odbc_fetch_array($keys)['COLUMN_NAME'], 'id', 'primary key');
+$references = odbc_foreignkeys($list, '', '', '', '', '', 'everything');
+same(array_slice(odbc_fetch_array($references), 7, 5), ['FKCOLUMN_NAME' => 'tag', 'KEY_SEQ' => '1', 'UPDATE_RULE' => '3',
+    'DELETE_RULE' => '3', 'FK_NAME' => 'Parents'], 'foreign keys');
 echo "PHP: all as it should be\n";

@@ -40,7 +40,8 @@ cursor = connection.cursor()
 same([t.table_name for t in cursor.tables(tableType="TABLE")], ["everything"], "tables")
 same([c.column_name for c in cursor.columns("everything")], COLUMNS, "columns")
 same([k.column_name for k in cursor.primaryKeys("everything")], ["id"], "primary key")
-same(list(cursor.foreignKeys("everything")), [], "foreign keys")
+same([(k.pkcolumn_name, k.fkcolumn_name, k.fk_name) for k in cursor.foreignKeys("everything")], [("id", "tag", "Parents")],
+     "foreign keys")
 same(list(cursor.procedures()), [], "procedures")
 same(sorted({i.index_name for i in cursor.statistics("everything") if i.index_name}), ["PrimaryKey", "cage"], "indexes")
 
