@@ -20,15 +20,15 @@ void Aggregate::add(const jet::Cursor& row) {
     if (std::holds_alternative<std::monostate>(value)) return;
     ++count_;
     if (kind_ == Kind::count) return;
-    const Key key = keyOf(value, table_.columns[column_]);
+    const jet::ColumnInfo& column = table_.columns[column_];
     if (kind_ == Kind::sum || kind_ == Kind::average) {
         if (const auto* amount = std::get_if<jet::Currency>(&value)) return addCurrency(*amount);
         // Yes is -1 in Access.
-        const double number = std::get<double>(key);
+        const double number = std::get<double>(keyOf(value, column, jet::ColumnType::doubleFloat));
         sum_ += std::holds_alternative<bool>(value) ? -number : number;
         return;
     }
-    std::string order = sortable(key);
+    std::string order = sortable(keyOf(value, column));
     const bool first = std::holds_alternative<std::monostate>(extreme_);
     if (!first && (kind_ == Kind::least ? order >= order_ : order <= order_)) return;
     extreme_ = shown(std::move(value), table_.columns[column_]);

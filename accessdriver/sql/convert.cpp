@@ -87,10 +87,10 @@ std::string numberText(const Literal& literal, const ColumnInfo& column) {
 }
 
 Value fitNumber(const Literal& literal, const ColumnInfo& column) {
-    if (literal.kind == Kind::null || isEmptyText(literal)) return {};
-    const std::string text = numberText(literal, column);
+    const auto given = numberTextOf(literal, column);
+    if (!given) return {};
+    const std::string& text = *given;
     const auto number = readNumber(text);
-    if (!number) refuseText("22018", literal, column, "number");
     if (column.type == ColumnType::doubleFloat) return *number;
     if (column.type == ColumnType::single) {
         if (std::abs(*number) > std::numeric_limits<float>::max()) refuseRange(literal, column);
@@ -222,6 +222,13 @@ Value fitGuid(const Literal& literal, const ColumnInfo& column) {
 }
 
 }  // namespace
+
+std::optional<std::string> numberTextOf(const Literal& literal, const ColumnInfo& column) {
+    if (literal.kind == Kind::null || isEmptyText(literal)) return std::nullopt;
+    std::string text = numberText(literal, column);
+    if (!readNumber(text)) refuseText("22018", literal, column, "number");
+    return text;
+}
 
 std::optional<jet::Bytes> readHexadecimal(std::string_view digits) {
     const auto value = [](char c) {

@@ -18,6 +18,9 @@ namespace sql {
 /// A GUID may come as 16 bytes or as text, with or without braces; bytes for a text column are UTF-8.
 jet::Value fit(const Literal& literal, const jet::ColumnInfo& column, DateOrder order);
 
+/// The number that a literal stands for, as text; nothing for Null and empty text. Throws as fit does.
+std::optional<std::string> numberTextOf(const Literal& literal, const jet::ColumnInfo& column);
+
 /// Bytes from pairs of hexadecimal digits; nothing for any other text.
 std::optional<jet::Bytes> readHexadecimal(std::string_view digits);
 

@@ -63,28 +63,43 @@ void roundTo(std::string& digits, std::size_t count) {
     }
 }
 
-}  // namespace
+// A number as it is written: its digits from the first that is not 0, and how many of them stand before the point,
+// which is negative where zeroes stand behind it.
+struct Digits {
+    bool negative = false;
+    std::string digits = {};
+    std::ptrdiff_t point = 0;
+};
 
-std::optional<Decimal> readDecimal(std::string_view text, int scale) {
+std::optional<Digits> readDigits(std::string_view text) {
     if (!readNumber(text)) return std::nullopt;
     text = trimmed(text);
-    Decimal out{.negative = text.front() == '-', .scale = scale};
+    Digits out{.negative = text.front() == '-'};
     const std::size_t end = std::min(text.find_first_of("eE"), text.size());
-    std::string digits;
-    std::ptrdiff_t point = -1;  // how many digits stand before it
+    std::optional<std::ptrdiff_t> point;
     for (const char c : text.substr(0, end)) {
-        if (c == '.') point = static_cast<std::ptrdiff_t>(digits.size());
-        if (c >= '0' && c <= '9') digits += c;
+        if (c == '.') point = static_cast<std::ptrdiff_t>(out.digits.size());
+        if (c >= '0' && c <= '9') out.digits += c;
     }
-    if (point < 0) point = static_cast<std::ptrdiff_t>(digits.size());
+    out.point = point.value_or(static_cast<std::ptrdiff_t>(out.digits.size()));
     if (end < text.size()) {
         constexpr double beyondAll = 100000;
         const double exponent = readNumber(text.substr(end + 1)).value_or(0);
-        point += static_cast<std::ptrdiff_t>(std::clamp(exponent, -beyondAll, beyondAll));
+        out.point += static_cast<std::ptrdiff_t>(std::clamp(exponent, -beyondAll, beyondAll));
     }
-    const std::size_t zeroes = std::min(digits.find_first_not_of('0'), digits.size());
-    digits.erase(0, zeroes);
-    const std::ptrdiff_t wanted = point - static_cast<std::ptrdiff_t>(zeroes) + scale;  // digits that count
+    const std::size_t zeroes = std::min(out.digits.find_first_not_of('0'), out.digits.size());
+    out.digits.erase(0, zeroes);
+    out.point -= static_cast<std::ptrdiff_t>(zeroes);
+    return out;
+}
+
+}  // namespace
+
+std::optional<Decimal> readDecimal(std::string_view text, int scale) {
+    auto written = readDigits(text);
+    if (!written) return std::nullopt;
+    std::string& digits = written->digits;
+    const std::ptrdiff_t wanted = written->point + scale;  // digits that count
     if (digits.empty() || wanted < 0) return Decimal{.scale = scale};
     if (static_cast<std::size_t>(wanted) > mostDigits) return std::nullopt;
     if (digits.size() > static_cast<std::size_t>(wanted)) {
@@ -93,9 +108,27 @@ std::optional<Decimal> readDecimal(std::string_view text, int scale) {
         digits.resize(static_cast<std::size_t>(wanted), '0');
     }
     if (digits.size() > mostDigits) return std::nullopt;
-    out.magnitude = magnitudeOf(digits);
-    out.negative = out.negative && out.magnitude != Magnitude{};
+    Decimal out{.magnitude = magnitudeOf(digits), .scale = scale};
+    out.negative = written->negative && out.magnitude != Magnitude{};
     return out;
+}
+
+// A byte for the sign, then the place of the first digit, then the digits; all but the sign complemented for a negative
+// number, and an end behind it, as the one with more digits is the lesser one.
+std::optional<std::string> exactOrder(std::string_view text) {
+    constexpr char below = 0, zero = 1, above = 2;
+    constexpr std::uint32_t middle = 1U << 31;
+    const auto written = readDigits(text);
+    if (!written) return std::nullopt;
+    const std::size_t significant = written->digits.find_last_not_of('0') + 1;
+    if (significant == 0) return std::string(1, zero);
+    std::string out;
+    const auto place = static_cast<std::uint32_t>(static_cast<std::int32_t>(written->point)) + middle;
+    for (int shift = 24; shift >= 0; shift -= 8) out += static_cast<char>(place >> shift & 0xFF);
+    out.append(written->digits, 0, significant);
+    if (!written->negative) return above + out;
+    for (char& byte : out) byte = static_cast<char>(~byte);
+    return below + out + '\xFF';
 }
 
 std::string writeDecimal(const Decimal& number) {

@@ -21,6 +21,10 @@ struct Decimal {
 /// even. Nothing for text that is no number or has more than 38 digits.
 std::optional<Decimal> readDecimal(std::string_view text, int scale);
 
+/// Bytes that compare as numbers do, and are equal where the numbers are, however they are written. Nothing for text
+/// that is no number.
+std::optional<std::string> exactOrder(std::string_view text);
+
 /// With as many decimals as its scale, as 12.50.
 std::string writeDecimal(const Decimal& number);
 

@@ -20,7 +20,7 @@ bool isNull(const Key& key) { return std::holds_alternative<std::monostate>(key)
 
 Filter::Filter(const Plan::Condition& condition, const jet::TableInfo& table, std::span<const Literal> parameters,
                DateOrder order)
-    : kind_(condition.kind), table_(&table) {
+    : kind_(condition.kind), as_(condition.as.type), table_(&table) {
     for (const Plan::Condition& part : condition.parts) parts_.emplace_back(part, table, parameters, order);
     for (const Plan::Operand& given : condition.operands) {
         Operand operand{.column = given.column};
@@ -73,7 +73,8 @@ Filter::Truth Filter::judgeParts(const jet::Cursor& row) const {
 
 Key Filter::keyIn(const jet::Cursor& row, const Operand& operand) const {
     if (operand.column == Plan::noColumn) return operand.key;
-    return keyOf(row.value(operand.column), table_->columns[operand.column]);
+    const jet::ColumnInfo& column = table_->columns[operand.column];
+    return keyOf(row.value(operand.column), column, kindOf(column.type) == ValueKind::number ? as_ : column.type);
 }
 
 Filter::Truth Filter::compare(const jet::Cursor& row) const {

@@ -54,6 +54,7 @@ class Filter {
     void addBound(std::vector<Demand>& demands) const;
 
     Condition::Kind kind_;
+    jet::ColumnType as_;  // what is compared is compared as that
     const jet::TableInfo* table_;
     std::vector<Operand> operands_;
     std::vector<Filter> parts_;

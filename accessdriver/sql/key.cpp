@@ -39,7 +39,13 @@ ValueKind kindOf(ColumnType type) {
     }
 }
 
-Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) {
+Key keyOf(const jet::Value& value, const jet::ColumnInfo& column) { return keyOf(value, column, column.type); }
+
+Key keyOf(const jet::Value& value, const jet::ColumnInfo& column, ColumnType as) {
+    const bool null = std::holds_alternative<std::monostate>(value);
+    if (!null && isExact(as) && kindOf(column.type) == ValueKind::number) {
+        return ExactNumber{exactOrder(textOf(shown(value, column), column.type)).value_or(std::string())};
+    }
     struct Maker {
         const jet::ColumnInfo& column;
         Key operator()(std::monostate) const { return {}; }
@@ -70,6 +76,10 @@ Key keyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder orde
         throw Error("42000", "The column '" + column.name + "' is of a type that WHERE can't compare.");
     }
     if (literal.kind == Literal::Kind::null) return {};
+    if (isExact(column.type)) {
+        const auto text = numberTextOf(literal, column);
+        return text ? Key(ExactNumber{exactOrder(*text).value_or(std::string())}) : Key();
+    }
     // Compared as they are, text may be longer than the column and a number needs no rounding to the column's type.
     jet::ColumnInfo as = column;
     const bool rounded = column.type == ColumnType::single || column.type == ColumnType::boolean;
@@ -81,6 +91,7 @@ Key keyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder orde
 std::string sortable(const Key& key) {
     constexpr char number = 1, knownText = 2, otherText = 3;
     if (std::holds_alternative<std::monostate>(key)) return {};
+    if (const auto* exact = std::get_if<ExactNumber>(&key)) return number + exact->order;
     if (const auto* text = std::get_if<std::string>(&key)) {
         const auto order = jet::sortKey(*text);
         return order ? knownText + *order : otherText + *text;
@@ -93,7 +104,10 @@ std::string sortable(const Key& key) {
 }
 
 std::uint32_t hashOf(const Key& key) {
-    const std::size_t hash = std::hash<Key>()(key);
+    std::size_t hash = 0;
+    if (const auto* number = std::get_if<double>(&key)) hash = std::hash<double>()(*number);
+    if (const auto* text = std::get_if<std::string>(&key)) hash = std::hash<std::string>()(*text);
+    if (const auto* exact = std::get_if<ExactNumber>(&key)) hash = std::hash<std::string>()(exact->order);
     return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 

@@ -10,17 +10,30 @@
 
 namespace sql {
 
-/// A value in the form in which a WHERE compares it: numbers as double, dates in seconds, text in lower case.
-/// std::monostate is Null and equals nothing.
-using Key = std::variant<std::monostate, double, std::string>;
+/// A number of a Currency or Decimal column, to its last digit: see exactOrder.
+struct ExactNumber {
+    std::string order;
+    bool operator==(const ExactNumber&) const = default;
+};
+
+/// A value in the form in which a WHERE compares it: numbers as double or exactly, dates in seconds, text in lower
+/// case. std::monostate is Null and equals nothing.
+using Key = std::variant<std::monostate, double, std::string, ExactNumber>;
 
 /// What can be compared with each other. Bytes can't be compared with anything.
 enum class ValueKind { number, text, date, guid, bytes };
 ValueKind kindOf(jet::ColumnType type);
 inline bool isComparable(jet::ColumnType type) { return kindOf(type) != ValueKind::bytes; }
 
-/// The key of a value that the column holds.
+/// Whether numbers that are compared as that type are so to their last digit, and not as double.
+inline bool isExact(jet::ColumnType type) {
+    return type == jet::ColumnType::currency || type == jet::ColumnType::numeric;
+}
+
+/// The key of a value that the column holds, for the comparison with others of its type, or of the type `as`, which is
+/// another one of numbers.
 Key keyOf(const jet::Value& value, const jet::ColumnInfo& column);
+Key keyOf(const jet::Value& value, const jet::ColumnInfo& column, jet::ColumnType as);
 
 /// The key that a literal asks for in that column. Throws Error: 22018 or 22007 for a literal that can't be compared
 /// with the column, 42000 for a column of a type that can't be searched.

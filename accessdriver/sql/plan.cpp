@@ -185,9 +185,7 @@ class Planner {
             out.operands.push_back({operand.column ? columns_.find(*operand.column) : Plan::noColumn, operand.term});
         }
         if (out.operands.empty()) return out;
-        const auto first = std::find_if(out.operands.begin(), out.operands.end(),
-                                        [](const Plan::Operand& o) { return o.column != Plan::noColumn; });
-        out.as = first == out.operands.end() ? columnFor(out.operands) : columns_[first->column];
+        out.as = comparedAs(out.operands);
         const bool likened = out.kind == Condition::Kind::like;
         for (const Plan::Operand& operand : out.operands) {
             note(operand.term, likened ? unknownColumn() : out.as);
@@ -195,6 +193,21 @@ class Planner {
             requireComparable(out.as, columns_[operand.column]);
         }
         return out;
+    }
+
+    // The first column; but numbers are compared exactly where one of them is a Currency or Decimal, and as
+    // floating-point ones where one of them is that.
+    ColumnInfo comparedAs(const std::vector<Plan::Operand>& operands) const {
+        const auto rank = [](ColumnType type) {
+            return type == ColumnType::single || type == ColumnType::doubleFloat ? 2 : isExact(type) ? 1 : 0;
+        };
+        const ColumnInfo* as = nullptr;
+        for (const Plan::Operand& operand : operands) {
+            if (operand.column == Plan::noColumn) continue;
+            const ColumnInfo& column = columns_[operand.column];
+            if (as == nullptr || rank(column.type) > rank(as->type)) as = &column;
+        }
+        return as == nullptr ? columnFor(operands) : *as;
     }
 
     static void requireComparable(const ColumnInfo& left, const ColumnInfo& right) {

@@ -60,6 +60,8 @@ struct Plan {
     bool returnsRows() const { return kind == Statement::Kind::select; }
     /// Whether the answer is one row, made of all that are met.
     bool aggregates() const { return returnsRows() && !items.empty() && items.front().kind >= SelectItem::Kind::count; }
+    /// Whether rows of the answer can be given before all are found.
+    bool streams() const { return returnsRows() && !aggregates() && order.empty(); }
 };
 
 /// Finds the statement's names. The plan lives as long as the database and the statement's text and `ownTexts`.

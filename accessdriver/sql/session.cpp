@@ -66,19 +66,20 @@ std::int64_t Session::insert(const Plan& plan, std::span<const Literal> paramete
 Matches Session::matches(const Plan& plan, std::span<const Literal> parameters) {
     if (!plan.where) return {*database_, *plan.table, std::nullopt, std::nullopt};
     Filter filter(*plan.where, *plan.table, parameters, order_);
-    auto rows = candidates(*plan.table, filter);
+    auto rows = candidates(plan, filter);
     if (rows) std::sort(rows->begin(), rows->end());
     return {*database_, *plan.table, std::move(filter), std::move(rows)};
 }
 
 // Rows among which all are that the filter lets through; nothing where the table has to be read.
-std::optional<std::vector<jet::RowId>> Session::candidates(const jet::TableInfo& table, const Filter& filter) {
+std::optional<std::vector<jet::RowId>> Session::candidates(const Plan& plan, const Filter& filter) {
+    const jet::TableInfo& table = *plan.table;
     const auto demands = filter.demands();
     for (const Filter::Demand& demand : demands) {
         if (auto rows = fromIndex(table, demand)) return rows;
     }
     const auto end = std::find_if(demands.begin(), demands.end(), [](const auto& demand) { return !demand.equal; });
-    if (end == demands.begin()) return std::nullopt;
+    if (end == demands.begin() || isFirstSearch(plan, demands.front().column)) return std::nullopt;
     // The demand that the fewest rows may meet. Columns behind one that is rare enough are not looked at, so that no
     // lookup is built over them.
     constexpr std::size_t few = 16;
@@ -90,6 +91,12 @@ std::optional<std::vector<jet::RowId>> Session::candidates(const jet::TableInfo&
         if (rarest != end) break;
     }
     return lookups_.candidates(table, rarest->column, rarest->key);
+}
+
+// Who searches a column once is served best by a walk, which gives its first row at once; a lookup is for who comes
+// again.
+bool Session::isFirstSearch(const Plan& plan, std::size_t column) {
+    return plan.streams() && !lookups_.has(*plan.table, column) && searched_.insert({plan.table, column}).second;
 }
 
 // An index needs no scan, but a lookup is faster: who searches often gets one.

@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <utility>
 #include <vector>
@@ -87,7 +88,8 @@ class Session {
 
     std::vector<jet::Assignment> assignments(const Plan& plan, std::span<const Literal> parameters) const;
     Matches matches(const Plan& plan, std::span<const Literal> parameters);
-    std::optional<std::vector<jet::RowId>> candidates(const jet::TableInfo& table, const Filter& filter);
+    std::optional<std::vector<jet::RowId>> candidates(const Plan& plan, const Filter& filter);
+    bool isFirstSearch(const Plan& plan, std::size_t column);
     std::optional<std::vector<jet::RowId>> fromIndex(const jet::TableInfo& table, const Filter::Demand& demand);
     void keepRowsThatMayChange(const Plan& change);
     void keepAllRows();
@@ -96,7 +98,9 @@ class Session {
     std::unique_ptr<jet::Database> database_;
     Lookups lookups_;
     DateOrder order_;
-    std::map<std::pair<const jet::TableInfo*, std::size_t>, int> indexSearches_;  // by column
+    using Place = std::pair<const jet::TableInfo*, std::size_t>;
+    std::map<Place, int> indexSearches_;  // by column
+    std::set<Place> searched_;            // columns that were walked through for a value
     std::vector<Stream> streams_;
     bool autocommit_ = true;
     bool open_ = false;

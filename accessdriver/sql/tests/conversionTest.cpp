@@ -249,6 +249,15 @@ TEST(Comparison, LiteralsAreComparedAsTheColumnsType) {
         {std::int32_t{1}, ColumnType::longInteger, number("99999999999"), false},
         {static_cast<double>(0.1F), ColumnType::single, number("0.1"), true},
         {jet::Currency{125000}, ColumnType::currency, text("12.5"), true},
+        {jet::Currency{90071992547409931}, ColumnType::currency, number("9007199254740.9930"), false},
+        {jet::Currency{90071992547409931}, ColumnType::currency, number("9007199254740.99310"), true},
+        {jet::Currency{10000}, ColumnType::currency, number("1.00001"), false},
+        {jet::Currency{0}, ColumnType::currency, text("-0e5"), true},
+        {jet::Value{}, ColumnType::currency, text(" "), false},
+        {sql::storedDecimal(*sql::readDecimal("12345678901234567890", 0)), ColumnType::numeric,
+         number("12345678901234567891"), false},
+        {sql::storedDecimal(*sql::readDecimal("-12345678901234567890", 0)), ColumnType::numeric,
+         text("-1234567890123456789e1"), true},
         {jet::DateTime{43861}, ColumnType::dateTime, text("2020-01-31"), true},
         {jet::DateTime{43861.5 + 1e-9}, ColumnType::dateTime, text("2020-01-31 12:00"), true},
         {true, ColumnType::boolean, number("1"), true},
@@ -264,6 +273,7 @@ TEST(Comparison, LiteralsAreComparedAsTheColumnsType) {
         EXPECT_EQ(sql::matches(asked, sql::keyOf(c.held, column)), c.equal) << c.asked.text;
     }
     EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::longInteger, 4}, DateOrder::monthFirst), sql::Error);
+    EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::currency, 8}, DateOrder::monthFirst), sql::Error);
     EXPECT_THROW(sql::keyFor(text("x"), {"c", ColumnType::ole, 0}, DateOrder::monthFirst), sql::Error);
 }
 
@@ -290,6 +300,14 @@ TEST(Decimal, ReadsExactlyAndRoundsHalfToEven) {
         const sql::Decimal back = sql::fromStoredDecimal(sql::storedDecimal(*number), 4);
         EXPECT_EQ(sql::writeDecimal(back), wanted) << text << " stored and read";
     }
+    const char* ascending[] = {"-1e20", "-10",   "-9.99", "-9.9",   "-1.05", "-1",
+                               "-0.5",  "-5e-9", "0",     "0.0005", "0.05",  "0.5",
+                               "0.501", "1",     "1.5",   "9",      "10",    "123456789012345678.1"};
+    for (std::size_t i = 1; i < std::size(ascending); ++i) {
+        EXPECT_LT(*sql::exactOrder(ascending[i - 1]), *sql::exactOrder(ascending[i])) << ascending[i];
+    }
+    EXPECT_EQ(sql::exactOrder("+12.50e-1"), sql::exactOrder(" 1.25"));
+    EXPECT_EQ(sql::exactOrder("1,5"), std::nullopt);
     // 2^32 and one: the second and the last of the four stored numbers.
     EXPECT_EQ(sql::storedDecimal(*sql::readDecimal("-4294967297", 0)),
               (jet::Bytes{0x80, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}));

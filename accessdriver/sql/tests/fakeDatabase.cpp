@@ -10,11 +10,13 @@ using jet::ColumnType;
 
 class FakeCursor : public jet::Cursor {
   public:
-    FakeCursor(const FakeDatabase::Rows& rows, FakeDatabase::Rows::const_iterator at) : rows_(rows), at_(at) {}
+    FakeCursor(const FakeDatabase::Rows& rows, FakeDatabase::Rows::const_iterator at, int& steps)
+        : rows_(rows), at_(at), steps_(steps) {}
 
     bool next() override {
         if (started_) ++at_;
         started_ = true;
+        ++steps_;
         return at_ != rows_.end();
     }
     jet::RowId rowId() const override { return at_->first; }
@@ -23,6 +25,7 @@ class FakeCursor : public jet::Cursor {
   private:
     const FakeDatabase::Rows& rows_;
     FakeDatabase::Rows::const_iterator at_;
+    int& steps_;
     bool started_ = false;
 };
 
@@ -93,13 +96,13 @@ void FakeDatabase::remove(const jet::TableInfo&, std::span<const jet::RowId> row
 
 std::unique_ptr<jet::Cursor> FakeDatabase::scan(const jet::TableInfo&) {
     ++scans;
-    return std::make_unique<FakeCursor>(rows_, rows_.begin());
+    return std::make_unique<FakeCursor>(rows_, rows_.begin(), steps);
 }
 
 std::unique_ptr<jet::Cursor> FakeDatabase::fetch(const jet::TableInfo&, jet::RowId row) {
     ++fetches;
     const auto at = rows_.find(row);
-    return at == rows_.end() ? nullptr : std::make_unique<FakeCursor>(rows_, at);
+    return at == rows_.end() ? nullptr : std::make_unique<FakeCursor>(rows_, at, steps);
 }
 
 void FakeDatabase::commit() {

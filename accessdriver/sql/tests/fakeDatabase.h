@@ -46,6 +46,7 @@ class FakeDatabase : public jet::Database {
     const Rows& rows() const { return rows_; }
 
     int scans = 0;
+    int steps = 0;  ///< of all scans
     int fetches = 0;
     int updates = 0;
     int commits = 0;

@@ -251,6 +251,21 @@ TEST_F(SessionTest, UpdatesByKeyDoNotScanTheTableEachTime) {
     EXPECT_LT(fake_->fetches - before, 100);
 }
 
+TEST_F(SessionTest, AFirstSearchGivesItsFirstRowAtOnceAndLaterOnesDoNotScan) {
+    constexpr int animals = 1000;
+    session_->setAutocommit(false);
+    for (int i = 0; i < animals; ++i) changed("INSERT INTO animals (oldId) VALUES ('R" + std::to_string(i) + "')");
+    sql::Outcome first = run("SELECT id FROM animals WHERE oldId = 'r5'");
+    ASSERT_TRUE(first.rows->next());
+    EXPECT_EQ(fake_->steps, 6);
+    EXPECT_FALSE(first.rows->next());
+    for (int i = 0; i < animals; ++i) {
+        EXPECT_EQ(rows("SELECT id FROM animals WHERE oldId = 'R" + std::to_string(i) + "'"),
+                  Texts{std::to_string(i + 1)});
+    }
+    EXPECT_EQ(fake_->scans, 2) << "the walk, and that of the lookup";
+}
+
 // Whichever condition comes first, the one that few rows meet is the one that finds them.
 TEST_F(SessionTest, ACommonConditionBeforeARareOneDoesNotFetchAllThatMeetIt) {
     constexpr int animals = 2000;
@@ -284,7 +299,7 @@ TEST_F(SessionTest, LookupsFollowOwnChangesOfTheKey) {
     EXPECT_EQ(rows("SELECT id FROM animals WHERE oldId='2'"), Texts{"2"}) << "back again, and met once";
     changed("INSERT INTO animals (name) VALUES ('no old id')");
     EXPECT_EQ(rows("SELECT name FROM animals WHERE id=4"), Texts{"no old id"}) << "a number that the file assigned";
-    EXPECT_EQ(fake_->scans, 2);
+    EXPECT_EQ(fake_->scans, 4) << "a walk through each column, and a lookup over it";
 }
 
 TEST_F(SessionTest, AKeyThatChangesForeverDoesNotGrowTheLookupForever) {
@@ -300,7 +315,9 @@ TEST_F(SessionTest, AKeyThatChangesForeverDoesNotGrowTheLookupForever) {
 
 TEST_F(SessionTest, LookupsAreDroppedWhenOthersChangeRows) {
     changed("INSERT INTO animals (name,oldId) VALUES ('mine','1')");
-    EXPECT_EQ(rows("SELECT name FROM animals WHERE oldId='1'"), Texts{"mine"});
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_EQ(rows("SELECT name FROM animals WHERE oldId='1'"), Texts{"mine"});
+    }
     fake_->insertBehindTheBack("theirs", "1");
     EXPECT_EQ(rows("SELECT name FROM animals WHERE oldId='1'"), (Texts{"mine", "theirs"}));
     session_->setAutocommit(false);
