@@ -41,8 +41,12 @@ std::size_t Phrases::wholeNumber(const char* why) {
     return number;
 }
 
+// This is asked of every name, so the loop looks at as little as it can.
 bool Phrases::isAmong(std::span<const std::string_view> words) const {
-    return std::any_of(words.begin(), words.end(), [&](std::string_view word) { return isWord(word); });
+    if (token_.kind != TokenKind::word) return false;
+    const std::size_t size = token_.text.size();
+    return std::any_of(words.begin(), words.end(),
+                       [&](std::string_view word) { return word.size() == size && isWord(word); });
 }
 
 bool Phrases::isName() const {

@@ -29,6 +29,7 @@ struct PageImage {
 ///    is nothing behind them: otherwise somebody else has written to the file since, and it is refused.
 /// 6. A transaction ends when the signature of batch 0 is overwritten with zeroes. Before that the file belongs to
 ///    the state before the transaction, after it to the one after it.
+/// 7. The signature tells the version of all this. A journal of another one is refused and changes nothing.
 class Journal {
   public:
     /// For file, which must outlive this; made with the first batch, and as private as the file is.

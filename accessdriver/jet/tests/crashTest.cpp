@@ -227,6 +227,14 @@ TEST_F(CrashTest, aJournalHarmsNoFileThatWasWrittenSince) {
     writeWhole(path, file + std::string(pageSize, 'x'));
     writeWhole(journalPath, journal);
     EXPECT_EQ(refusalOfOpen(path).fault, Fault::corrupt);
+    std::string older = journal;
+    older[7] = '2';
+    writeWhole(path, file);
+    writeWhole(journalPath, older);
+    for (const auto access : {OpenOptions::Access::write, OpenOptions::Access::read}) {
+        EXPECT_NE(refusalOfOpen(path, "", {access, {}}).text.find("another version"), std::string::npos);
+    }
+    EXPECT_TRUE(readWhole(path) == file && readWhole(journalPath) == older);
     // Copied back together, both restore it.
     writeWhole(path, file);
     writeWhole(journalPath, journal);
