@@ -1,8 +1,9 @@
 #include "linking/animalSearch.h"
 
-#include <algorithm>
+#include <optional>
 
 #include "linking/idKeys.h"
+#include "linking/namePattern.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
 
@@ -11,6 +12,29 @@ namespace {
 
 /// Herds have few parents with many offspring; where they have many, it does not pay to keep all that was found.
 constexpr std::size_t mostKept = 20000;
+
+/// LIKE itself, asked whether an animal's full name contains a text.
+class Like {
+  public:
+    Like(SQLiteDatabase& db, const std::string& name)
+        : pattern_("%" + name + "%"),
+          check_(db.prepare("SELECT 1 FROM tree WHERE id = ?1 AND "
+                            "trim(coalesce(prefix, '') || ' ' || coalesce(name, '')) LIKE ?2")) {
+        check_.bind(2, pattern_);
+    }
+
+    bool fits(std::int64_t animal) {
+        check_.reset();
+        check_.bind(1, animal);
+        bool found = false;
+        guarded([&] { found = check_.step(); });
+        return found;
+    }
+
+  private:
+    std::string pattern_;
+    SQLiteStatement check_;
+};
 
 }  // namespace
 
@@ -38,44 +62,19 @@ std::string AnimalSearch::search(const std::string& name) {
     const std::u32string folded = NameIndex::fold(name);
     // The one character that LIKE takes for an ASCII one: it finds its byte in the middle of other characters, and goes
     // on from there.
-    const bool hasCharacters = folded.find(U'\x80') == std::u32string::npos;
-    const bool hasWildcards = name.find_first_of("%_") != std::string::npos;
-    if (!hasCharacters || hasWildcards || !isPlain(name)) return searchWithLike(name, hasCharacters);
+    const bool onlyLikeKnows = folded.find(U'\x80') != std::u32string::npos;
+    const NamePattern pattern(onlyLikeKnows ? U"" : folded);
+    // It refuses a text that is too long.
+    std::optional<Like> like;
+    if (onlyLikeKnows || !isPlain(name)) like.emplace(db_, name);
     std::string id;
-    names_.search(folded, [&](std::int64_t animal) {
-        id = std::to_string(animal);
-        return true;
-    });
-    return id;
-}
-
-std::string AnimalSearch::searchWithLike(const std::string& name, bool hasCharacters) {
-    std::u32string rarest;
-    std::u32string characters;
-    for (std::size_t begin = 0; hasCharacters && begin < name.size();) {
-        const std::size_t end = std::min(name.find_first_of("%_", begin), name.size());
-        std::u32string piece = NameIndex::fold(std::string_view(name).substr(begin, end - begin));
-        begin = end + 1;
-        characters += piece;
-        if (piece.size() < NameIndex::gram) continue;
-        if (rarest.empty() || names_.cost(piece) < names_.cost(rarest)) rarest = std::move(piece);
-    }
-    auto check = db_.prepare(
-        "SELECT id FROM tree WHERE id = ?1 AND trim(coalesce(prefix, '') || ' ' || coalesce(name, '')) LIKE ?2");
-    const std::string pattern = "%" + name + "%";
-    check.bind(2, pattern);
-    std::string id;
-    const auto fits = [&](std::int64_t animal) {
-        check.reset();
-        check.bind(1, animal);
-        // Too long a pattern is refused.
-        guarded([&] {
-            if (check.step()) id = check.text(0);
-        });
+    const auto visit = [&](std::size_t animal) {
         RuntimeBackgroundTask();
-        return !id.empty();
+        const bool fits = pattern.isIn(names_.name(animal)) && (!like || like->fits(names_.id(animal)));
+        if (fits) id = std::to_string(names_.id(animal));
+        return fits;
     };
-    rarest.empty() ? names_.searchCharacters(characters, fits) : names_.search(rarest, fits);
+    names_.search(pattern.pieces(), visit);
     return id;
 }
 

@@ -10,9 +10,6 @@ namespace linking {
 
 /// Finds the oldest animal whose full name contains a text, the quick way. Good for as long as no name and no prefix
 /// in `tree` changes.
-///
-/// A text without wildcards is looked up among the names. For any other, LIKE itself looks at the animals that have the
-/// text's rarest piece or, where its pieces are too short for that, all its characters.
 class AnimalSearch {
   public:
     /// Reads all names. Yields. Raises DatabaseFailure.
@@ -23,7 +20,6 @@ class AnimalSearch {
 
   private:
     std::string search(const std::string& name);
-    std::string searchWithLike(const std::string& name, bool hasCharacters);
 
     SQLiteDatabase& db_;
     NameIndex names_;

@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::size_t buckets = 1U << 16U;
 
+/// How many characters in a row a place is listed under.
+constexpr std::size_t gram = 3;
+
 /// Of the three characters.
 std::size_t bucketOf(const char32_t* characters) {
     const std::uint32_t hash = characters[0] * 0x9E3779B1U + characters[1] * 0x85EBCA77U + characters[2] * 0xC2B2AE3DU;
@@ -83,47 +86,49 @@ void NameIndex::finish() {
     }
 }
 
-NameIndex::Rarest NameIndex::rarest(std::u32string_view folded) const {
-    Rarest best{0, 0, names_.size()};
-    for (std::size_t offset = 0; offset + gram <= folded.size(); ++offset) {
-        const std::size_t bucket = bucketOf(folded.data() + offset);
-        const std::size_t places = bucketEnds_[bucket] - (bucket == 0 ? 0 : bucketEnds_[bucket - 1]);
-        if (places < best.places) best = {offset, bucket, places};
+std::u32string_view NameIndex::name(std::size_t animal) const {
+    const std::size_t end = (animal + 1 < starts_.size() ? starts_[animal + 1] : names_.size()) - 1;
+    return std::u32string_view(names_).substr(starts_[animal], end - starts_[animal]);
+}
+
+/// With no piece where none has three characters.
+NameIndex::Gram NameIndex::rarest(const std::vector<std::u32string_view>& pieces) const {
+    Gram best{{}, 0, 0, names_.size()};
+    for (const std::u32string_view piece : pieces) {
+        for (std::size_t offset = 0; offset + gram <= piece.size(); ++offset) {
+            const std::size_t bucket = bucketOf(piece.data() + offset);
+            const std::size_t places = bucketEnds_[bucket] - (bucket == 0 ? 0 : bucketEnds_[bucket - 1]);
+            if (best.piece.empty() || places < best.places) best = {piece, offset, bucket, places};
+        }
     }
     return best;
 }
 
-std::size_t NameIndex::cost(std::u32string_view folded) const { return rarest(folded).places; }
-
-std::int64_t NameIndex::idAt(std::size_t place) const {
+std::size_t NameIndex::animalAt(std::size_t place) const {
     const auto after = std::upper_bound(starts_.begin(), starts_.end(), place);
-    return ids_[static_cast<std::size_t>(after - starts_.begin()) - 1];
+    return static_cast<std::size_t>(after - starts_.begin()) - 1;
 }
 
-bool NameIndex::search(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const {
-    const std::u32string_view names = names_;
-    if (folded.size() < gram) {
-        for (std::size_t at = names.find(folded); at != names.npos; at = names.find(folded, at + 1)) {
-            if (visit(idAt(at))) return true;
-        }
-        return false;
+void NameIndex::search(const std::vector<std::u32string_view>& pieces, const Visit& visit) const {
+    const auto [piece, offset, bucket, count] = rarest(pieces);
+    if (piece.empty()) {
+        Characters wanted = 0;
+        for (const std::u32string_view each : pieces) wanted |= charactersOf(each);
+        return searchCharacters(wanted, visit);
     }
-    const auto [offset, bucket, count] = rarest(folded);
+    const std::u32string_view names = names_;
     const auto end = places_.begin() + bucketEnds_[bucket];
     for (auto place = end - static_cast<std::ptrdiff_t>(count); place != end; ++place) {
         // A place too near to the start lies in another text than this one.
-        if (*place < offset || names.substr(*place - offset, folded.size()) != folded) continue;
-        if (visit(idAt(*place - offset))) return true;
+        if (*place < offset || names.substr(*place - offset, piece.size()) != piece) continue;
+        if (visit(animalAt(*place - offset))) return;
     }
-    return false;
 }
 
-bool NameIndex::searchCharacters(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const {
-    const Characters wanted = charactersOf(folded);
-    for (std::size_t animal = 0; animal < ids_.size(); ++animal) {
-        if ((characters_[animal] & wanted) == wanted && visit(ids_[animal])) return true;
+void NameIndex::searchCharacters(Characters wanted, const Visit& visit) const {
+    for (std::size_t animal = 0; animal < characters_.size(); ++animal) {
+        if ((characters_[animal] & wanted) == wanted && visit(animal)) return;
     }
-    return false;
 }
 
 }  // namespace linking

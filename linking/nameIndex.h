@@ -14,12 +14,10 @@ namespace linking {
 /// All names lie one after the other in one buffer, each ended by a 0, as the characters that LIKE sees: ASCII letters
 /// in lower case, and malformed bytes read as the database reads them. Every place in the buffer is listed under the
 /// three characters that start there, in ascending order. A text can only stand where its three rarest characters in a
-/// row do, so few places have to be looked at, and the first that fits belongs to the first animal.
+/// row do, so few places have to be looked at, and the first that fits belongs to the first animal. A text too short
+/// for that is looked for in the names that have all its characters.
 class NameIndex {
   public:
-    /// How many characters in a row a place is listed under.
-    static constexpr std::size_t gram = 3;
-
     /// The characters of a text as LIKE compares them, up to a NUL.
     static std::u32string fold(std::string_view text);
 
@@ -29,19 +27,22 @@ class NameIndex {
     /// Sorts the places in. Yields.
     void finish();
 
-    /// Calls `visit` with the ids of the animals whose names contain the folded text, in id order, until it gives true.
-    /// An animal whose name contains the text twice may come twice. Returns whether `visit` gave true.
-    bool search(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const;
+    using Visit = std::function<bool(std::size_t animal)>;
 
-    /// The same with the animals whose names have all characters of the folded text, and maybe some others.
-    bool searchCharacters(std::u32string_view folded, const std::function<bool(std::int64_t id)>& visit) const;
+    /// Calls `visit` with the animals, in id order, until it gives true; with all of those whose names have these
+    /// pieces of a folded text in them, and some others. An animal may come more than once.
+    void search(const std::vector<std::u32string_view>& pieces, const Visit& visit) const;
 
-    /// How many places a search for the text looks at; a measure to choose between texts.
-    std::size_t cost(std::u32string_view folded) const;
+    std::int64_t id(std::size_t animal) const { return ids_[animal]; }
+
+    /// As it was folded.
+    std::u32string_view name(std::size_t animal) const;
 
   private:
-    struct Rarest {
-        std::size_t offset = 0;  ///< of the three characters in the text
+    /// Three characters in a row of a piece, and where they stand in the names.
+    struct Gram {
+        std::u32string_view piece;
+        std::size_t offset = 0;  ///< in the piece
         std::size_t bucket = 0;
         std::size_t places = 0;
     };
@@ -49,8 +50,9 @@ class NameIndex {
     using Characters = std::uint64_t;
 
     static Characters charactersOf(std::u32string_view folded);
-    Rarest rarest(std::u32string_view folded) const;
-    std::int64_t idAt(std::size_t place) const;
+    Gram rarest(const std::vector<std::u32string_view>& pieces) const;
+    void searchCharacters(Characters wanted, const Visit& visit) const;
+    std::size_t animalAt(std::size_t place) const;
 
     std::u32string names_;
     std::vector<std::uint32_t> starts_;      ///< where each animal's name begins in names_
