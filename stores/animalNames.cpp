@@ -28,6 +28,8 @@ bool AnimalNames::read() {
 }
 
 std::string AnimalNames::of(SQLiteDatabase* db, std::string_view id) {
+    // Without one there is no statement; a third of a herd may have no father.
+    if (id.empty()) return {};
     const auto number = plainNumber(id);
     if (!number || db == nullptr || db != db_.get() || !db->isOpen()) return appSystem::getNameFromId(db, id);
     if (!std::exchange(tried_, true)) guarded([&] { known_ = read(); });

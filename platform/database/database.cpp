@@ -32,12 +32,22 @@ std::optional<Date> Field::date() const {
 void Field::setText(std::string_view value) { records_->setColumnText(column_, value); }
 
 std::optional<Field> RecordSet::field(std::string_view name) {
-    if (slots_.empty()) return std::nullopt;
+    constexpr std::size_t mostAsked = 100;
+    if (turn_ == asked_.size() && turn_ > 0 && (asked_.front().name == name || turn_ == mostAsked)) turn_ = 0;
+    if (turn_ == asked_.size()) asked_.emplace_back();
+    Slot& asked = asked_[turn_++];
+    if (asked.name != name || name.empty()) asked = {std::string(name), findColumn(name)};
+    return asked.column < 0 ? std::nullopt : std::optional(Field(*this, asked.column));
+}
+
+/// -1 if there is no column of that name.
+int RecordSet::findColumn(std::string_view name) const {
+    if (slots_.empty()) return -1;
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t at = hashOf(name) & mask; slots_[at].column >= 0; at = (at + 1) & mask) {
-        if (text::equals(slots_[at].name, name)) return Field(*this, slots_[at].column);
+        if (text::equals(slots_[at].name, name)) return slots_[at].column;
     }
-    return std::nullopt;
+    return -1;
 }
 
 Field RecordSet::requiredField(std::string_view name) {

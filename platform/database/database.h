@@ -82,8 +82,15 @@ class RecordSet {
         std::string name;
         int column = -1;
     };
+    int findColumn(std::string_view name) const;
+
     /// Open addressing over lower-cased names; the first of two columns of one name wins.
     std::vector<Slot> slots_;
+
+    /// What field() was asked for and found, in turn: whoever walks over the rows asks for the same columns in the same
+    /// order.
+    std::vector<Slot> asked_;
+    std::size_t turn_ = 0;
 };
 
 /// A connection to a store of either kind. A statement that the store refuses raises nothing: it sets the error code
