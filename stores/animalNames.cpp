@@ -1,6 +1,8 @@
 #include "stores/animalNames.h"
 
+#include <algorithm>
 #include <charconv>
+#include <utility>
 
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
@@ -18,13 +20,28 @@ std::optional<std::int64_t> plainNumber(std::string_view id) {
 bool AnimalNames::read() {
     auto rows = db_->prepare("SELECT id, name FROM tree");
     while (rows.step()) {
-        const std::string_view name = rows.text(1);
-        const bool plain = rows.type(0) == SQLiteStatement::Type::integer;
-        if (!plain || !places_.try_emplace(rows.integer(0), names_.size(), name.size()).second) return false;
-        names_ += name;
+        const std::int64_t id = rows.integer(0);
+        const bool isPlain = rows.type(0) == SQLiteStatement::Type::integer;
+        if (!isPlain || (!ids_.empty() && id <= ids_.back())) return false;
+        names_ += rows.text(1);
+        ids_.push_back(id);
+        ends_.push_back(names_.size());
         RuntimeBackgroundTask(yielding::character);
     }
     return true;
+}
+
+std::string_view AnimalNames::find(std::int64_t id) const {
+    if (ids_.empty() || id < ids_.front()) return {};
+    // Most herds have few gaps, so that its own place is near where it would be without any.
+    const auto first = static_cast<std::uint64_t>(ids_.front());
+    const auto most = std::min<std::uint64_t>(static_cast<std::uint64_t>(id) - first, ids_.size() - 1);
+    const auto guess = ids_.begin() + static_cast<std::ptrdiff_t>(most);
+    const auto place = *guess == id ? guess : std::lower_bound(ids_.begin(), guess, id);
+    if (place == ids_.end() || *place != id) return {};
+    const auto number = static_cast<std::size_t>(place - ids_.begin());
+    const std::size_t begin = number == 0 ? 0 : ends_[number - 1];
+    return std::string_view(names_).substr(begin, ends_[number] - begin);
 }
 
 std::string AnimalNames::of(SQLiteDatabase* db, std::string_view id) {
@@ -35,8 +52,7 @@ std::string AnimalNames::of(SQLiteDatabase* db, std::string_view id) {
     if (!std::exchange(tried_, true)) guarded([&] { known_ = read(); });
     // Closed on the way, maybe.
     if (!known_ || !db->isOpen()) return appSystem::getNameFromId(db, id);
-    const auto place = places_.find(*number);
-    return place == places_.end() ? std::string() : names_.substr(place->second.first, place->second.second);
+    return std::string(find(*number));
 }
 
 }  // namespace stores

@@ -6,8 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
+#include <vector>
 
 #include "platform/database/sqliteDatabase.h"
 
@@ -19,8 +18,8 @@ std::optional<std::int64_t> plainNumber(std::string_view id);
 /// The names of all animals by their own ids, read once for an export that needs two of them in each row: what
 /// appSystem::getNameFromId gives, without a statement for each.
 ///
-/// Only where every id is a whole number and none comes twice. Everywhere else, for an id that is not plain, and once
-/// the connection is closed, the statement itself runs.
+/// Only where every id is a whole number, greater than the one before, as where it is the row's own. Everywhere else,
+/// for an id that is not plain, and once the connection is closed, the statement itself runs.
 class AnimalNames {
   public:
     explicit AnimalNames(std::shared_ptr<SQLiteDatabase> db) : db_(std::move(db)) {}
@@ -30,13 +29,14 @@ class AnimalNames {
 
   private:
     bool read();
+    std::string_view find(std::int64_t id) const;
 
     std::shared_ptr<SQLiteDatabase> db_;
     bool tried_ = false;
     bool known_ = false;
-    std::string names_;  ///< one after the other
-    /// Where an animal's name begins, and how long it is.
-    std::unordered_map<std::int64_t, std::pair<std::size_t, std::size_t>> places_;
+    std::string names_;              ///< one after the other
+    std::vector<std::int64_t> ids_;  ///< rising
+    std::vector<std::size_t> ends_;  ///< of each name
 };
 
 }  // namespace stores

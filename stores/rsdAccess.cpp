@@ -1,7 +1,5 @@
 #include "stores/rsdAccess.h"
 
-#include <utility>
-
 #include "fieldtext/textHelpers.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
@@ -33,12 +31,10 @@ void connectData() {
     guarded([] {
         if (dataPath.empty()) return;
         const FileReference file(dataPath);
-        auto before = std::exchange(db, std::make_shared<SQLiteDatabase>());
+        db = std::make_shared<SQLiteDatabase>();
         db->DatabaseFile = file;
         db->ReadOnly = dataIsSource;
         db->EncryptionKey = key;
-        if (before.use_count() == 1) db->inherit(*before);
-        before.reset();
         if (db->connect()) return;
         db->EncryptionKey.clear();
         if (db->connect()) return;

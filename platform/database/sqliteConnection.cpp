@@ -24,13 +24,6 @@ constexpr const char* anyAccess = "SELECT count(*) FROM sqlite_master";
 
 }  // namespace
 
-bool SQLiteConnection::isFresh(const std::string& path) {
-    const char* own = sqlite3_db_filename(get(), "main");
-    std::error_code failed;
-    const bool leadsThere = own != nullptr && std::filesystem::equivalent(own, path, failed) && !hasMoved();
-    return leadsThere && usable() && !wrote_ && run(anyAccess);
-}
-
 StatementHandle SQLiteConnection::prepare(std::string_view sql) {
     sqlite3_stmt* raw = nullptr;
     const char* rest = nullptr;

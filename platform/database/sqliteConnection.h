@@ -37,10 +37,6 @@ class SQLiteConnection {
     /// Whether it is open, and the file did not prove unusable.
     bool usable() const { return isOpen() && !broken_; }
 
-    /// Whether a connection made now to the file of that path would find nothing else: it has written nothing, leads to
-    /// that very file, and can read it.
-    bool isFresh(const std::string& path);
-
     /// Of the last statement; once the file proved unusable, of the one that showed it.
     int errorCode() const { return errorCode_; }
     std::string errorMessage() const { return errorCode_ == SQLITE_OK ? sqlite3_errstr(SQLITE_OK) : errorMessage_; }

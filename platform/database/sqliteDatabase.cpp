@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/database/cipherKey.h"
 #include "platform/database/sqliteConnection.h"
 #include "platform/database/sqliteRecordSet.h"
 #include "platform/database/sqliteSource.h"
@@ -31,24 +32,9 @@ bool changesRows(std::string_view sql) {
     return false;
 }
 
-/// The library keeps 2 MiB of a file in memory. An export looks up parents all over the file, and 32 MiB hold a large
-/// herd. A file that is made here keeps to the 2 MiB: its passes go from row to row, and what is written little by
-/// little on the way makes no long wait at the commit.
-constexpr const char* roomForAHerd = "PRAGMA cache_size = -32768";
-
-/// Settings that open what earlier generations of the cipher wrote; the first is the library's own default.
-std::vector<const char*> compatibilitySettings(sqlite3* handle) {
-    sqlite3_stmt* raw = nullptr;
-    sqlite3_prepare_v2(handle, "PRAGMA cipher_version", -1, &raw, nullptr);
-    const detail::StatementHandle statement(raw);
-    const bool known = statement && sqlite3_step(statement.get()) == SQLITE_ROW;
-    const std::string_view version = known ? detail::columnOf(statement.get(), 0) : std::string_view{};
-    if (version.starts_with("3.")) {
-        return {"", "PRAGMA kdf_iter = 4000", "PRAGMA cipher_use_hmac = OFF; PRAGMA kdf_iter = 4000"};
-    }
-    return {"", "PRAGMA cipher_compatibility = 3", "PRAGMA cipher_compatibility = 2",
-            "PRAGMA cipher_compatibility = 1"};
-}
+/// The library keeps 2 MiB of a file in memory. That is enough for a plain one, which the system holds ready, and the
+/// fewer pages are in use the faster; of an encrypted one 32 MiB, so that what is read twice is decrypted once.
+constexpr const char* roomForDecrypted = "PRAGMA cache_size = -32768";
 
 /// Whether there is a name for the journal, which has a longer one than its file.
 bool journalFits(const std::string& path) {
@@ -114,27 +100,35 @@ bool SQLiteDatabase::createDatabaseFile() {
     return false;
 }
 
-/// The result of reading the file with these settings of the cipher.
-int SQLiteDatabase::unlock(const char* cipherSettings) {
+/// The result of reading the file, encrypted as by this generation of the cipher or, without one, plain.
+int SQLiteDatabase::unlock(const detail::CipherGeneration* generation) {
     sqlite3* handle = connection_->get();
-    if (!EncryptionKey.empty()) {
-        sqlite3_key(handle, EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
-        sqlite3_exec(handle, cipherSettings, nullptr, nullptr, nullptr);
+    if (generation != nullptr) {
+        const std::string key = detail::fileKey(handle, EncryptionKey, *generation);
+        sqlite3_key(handle, key.data(), static_cast<int>(key.size()));
+        sqlite3_exec(handle, generation->settings, nullptr, nullptr, nullptr);
     }
     detail::stepBegins();
     return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) & 0xFF;
 }
 
-int SQLiteDatabase::firstAccess(const char* cipherSettings) {
-    // To read from the copy at once saves deriving a key for nothing.
-    const bool copied = ReadOnly && detail::PrivateCopy::isKnown(DatabaseFile.nativePath());
-    int result = copied ? SQLITE_CANTOPEN : unlock(cipherSettings);
+int SQLiteDatabase::firstAccess(const detail::CipherGeneration* generation) {
+    int result = unlock(generation);
     if (ReadOnly && detail::needsCopy(result)) {
         if (!openCopy()) return openError_;
-        result = unlock(cipherSettings);
+        result = unlock(generation);
     }
     if (result != SQLITE_OK) refuse(result, sqlite3_errmsg(connection_->get()));
     return result;
+}
+
+/// What an open connection is set to.
+bool SQLiteDatabase::makeReady() {
+    if (!EncryptionKey.empty()) connection_->run(roomForDecrypted);
+    if (ReadOnly) detail::allowOnlyReading(connection_->get());
+    detail::setPatient(connection_->get(), true);
+    openError_ = SQLITE_OK;
+    return true;
 }
 
 bool SQLiteDatabase::connect() {
@@ -142,42 +136,18 @@ bool SQLiteDatabase::connect() {
     forgetStatements();
     connection_.reset();
     if (!DatabaseFile.isRegular()) return refuse(SQLITE_CANTOPEN, sqlite3_errstr(SQLITE_CANTOPEN));
-    // Each attempt derives a key, which takes long, and a conversion opens its file some twenty times.
-    static std::size_t lastFit = 0;
-    std::size_t attempts = 1;
-    for (std::size_t attempt = 0; attempt < attempts; ++attempt) {
-        if (!open(ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE)) return false;
-        std::size_t generation = 0;
-        const char* settings = "";
-        if (!EncryptionKey.empty()) {
-            if (detail::beginsAsPlain(connection_->get())) return refuse(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB));
-            const auto generations = compatibilitySettings(connection_->get());
-            attempts = generations.size();
-            generation = (lastFit + attempt) % attempts;
-            settings = generations[generation];
-        }
-        const int result = firstAccess(settings);
-        // What a lock hides is not known, so no other key or generation would tell more.
+    const int flags = ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
+    if (!open(flags)) return false;
+    if (EncryptionKey.empty()) return firstAccess(nullptr) == SQLITE_OK && makeReady();
+    if (detail::beginsAsPlain(connection_->get())) return refuse(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB));
+    for (const detail::CipherGeneration& generation : detail::cipherGenerations(connection_->get())) {
+        if (!connection_ && !open(flags)) return false;
+        const int result = firstAccess(&generation);
+        if (result == SQLITE_OK) return makeReady();
+        // What a lock hides is not known, so no other generation would tell more.
         if (result == SQLITE_BUSY) return false;
-        if (result != SQLITE_OK) continue;
-        connection_->run(roomForAHerd);
-        if (ReadOnly) detail::allowOnlyReading(connection_->get());
-        detail::setPatient(connection_->get(), true);
-        if (!EncryptionKey.empty()) lastFit = generation;
-        openError_ = SQLITE_OK;
-        return true;
     }
     return false;
-}
-
-void SQLiteDatabase::inherit(SQLiteDatabase& other) {
-    other.forgetStatements();
-    const bool isSame = other.DatabaseFile.nativePath() == DatabaseFile.nativePath() && other.ReadOnly == ReadOnly &&
-                        other.EncryptionKey == EncryptionKey && !EncryptionKey.empty();
-    if (isSame && other.isOpen() && other.connection_.use_count() == 1 &&
-        other.connection_->isFresh(DatabaseFile.nativePath())) {
-        connection_ = std::move(other.connection_);
-    }
 }
 
 bool SQLiteDatabase::isOpen() const { return connection_ && connection_->isOpen(); }

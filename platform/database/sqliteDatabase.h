@@ -10,6 +10,10 @@
 #include "platform/database/sqliteStatement.h"
 #include "platform/files/files.h"
 
+namespace detail {
+struct CipherGeneration;
+}
+
 /// A connection to an SQLite file, plain or encrypted by SQLCipher with a text key.
 ///
 /// INSERT, UPDATE and DELETE open a transaction if none is open and commit() ends it; other statements take effect at
@@ -37,10 +41,6 @@ class SQLiteDatabase : public Database {
     /// waited for. On an open connection: false once the file proved unusable (disk full, input or output failed, file
     /// damaged, locked for longer than anybody waits).
     bool connect() override;
-
-    /// Before connect(): takes over the connection of an object that is about to go, where that leads to the same
-    /// encrypted file and nothing else uses it. So its key need not be derived again, which takes long.
-    void inherit(SQLiteDatabase& other);
 
     /// Whether there is a connection that was not closed.
     bool isOpen() const;
@@ -79,8 +79,9 @@ class SQLiteDatabase : public Database {
   private:
     bool open(int flags);
     bool openCopy();
-    int firstAccess(const char* cipherSettings);
-    int unlock(const char* cipherSettings);
+    int firstAccess(const detail::CipherGeneration* generation);
+    int unlock(const detail::CipherGeneration* generation);
+    bool makeReady();
     bool refuse(int code, std::string message);
     void forgetStatements();
 

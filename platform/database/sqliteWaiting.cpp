@@ -18,7 +18,7 @@ constexpr auto patience = std::chrono::seconds(5);
 constexpr auto pause = std::chrono::milliseconds(10);
 
 /// What nobody notices needs no turn.
-constexpr auto shortWork = std::chrono::milliseconds(50);
+constexpr auto shortWork = std::chrono::milliseconds(20);
 constexpr auto decentWork = std::chrono::seconds(1);
 /// Of the library's small instructions; some tens of microseconds' work.
 constexpr int instructionsBetweenLooks = 2000;
@@ -76,6 +76,10 @@ void detail::takeTurns(sqlite3* handle) {
 }
 
 void detail::stepBegins() { workBegan.reset(); }
+
+void detail::paintMeanwhile() {
+    if (turns().paint) turns().paint();
+}
 
 void detail::setPatient(sqlite3* handle, bool patient) {
     sqlite3_busy_handler(handle, patient ? wait : nullptr, nullptr);

@@ -10,6 +10,9 @@ void takeTurns(sqlite3* handle);
 /// To be called before each step, from which on the time counts.
 void stepBegins();
 
+/// For long work outside of any statement, such as deriving a key: paints if it is due. May be called often.
+void paintMeanwhile();
+
 /// Whether the connection waits for a file that is locked before it takes that for a refusal.
 void setPatient(sqlite3* handle, bool patient);
 

@@ -1,5 +1,7 @@
 // The way to RSD files: connections, record sets, tables, the settings row.
 
+#include "platform/database/waiting.h"
+#include "platform/desktop/painting.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
 #include "shell/state/appSystem.h"
@@ -257,52 +259,30 @@ TEST_F(RsdStore, NamesByTheRowsOwnKey) {
     EXPECT_EQ(boxTexts(), Texts{});
 }
 
-TEST_F(RsdStore, AConnectionIsTakenOverOnlyWhereANewOneWouldFindNothingElse) {
-    const auto make = [&](const std::string& name, const std::string& animal, const std::string& key) {
-        std::filesystem::remove(path(name));
-        SqlFile(path(name), key)
+TEST_F(RsdStore, AKeyIsDerivedOnceForAFileAndTheWindowsArePaintedMeanwhile) {
+    const auto make = [&](const std::string& name, const std::string& animal) {
+        SqlFile(path(name), programsKey)
             .run("CREATE TABLE tree(id integer PRIMARY KEY, name); INSERT INTO tree(name) VALUES ('" + animal + "')");
         return path(name);
     };
-    // A table of the connection's own tells whether it is still the same one.
-    const auto mark = [] { db->execute("CREATE TEMP TABLE mark(id)"); };
-    const auto isSame = [] {
+    int paintings = 0;
+    waiting::setTurns([&] { ++paintings; }, nullptr);
+    const auto derives = [&] {
+        paintings = 0;
         connectData();
-        return db->select("SELECT * FROM mark") != nullptr;
+        return paintings > 0;
     };
     const auto name = [] { return getNameFromId(db.get(), "1"); };
-    dataPath = make("a.rsd", "Ada", programsKey);
-    EXPECT_FALSE(isSame());
-    mark();
-    EXPECT_TRUE(isSame());
-    EXPECT_TRUE(isSame());
-    {
-        const auto records = db->select("SELECT name FROM tree");
-        EXPECT_FALSE(isSame()) << "it is in use";
-        EXPECT_EQ(records->field("name")->text(), "Ada");
-    }
-    mark();
-    db->execute("UPDATE tree SET name = 'not committed'");
-    EXPECT_FALSE(isSame());
+    dataPath = make("a.rsd", "Ada");
+    EXPECT_TRUE(derives());
+    const auto records = db->select("SELECT name FROM tree");
+    EXPECT_FALSE(derives());
     EXPECT_EQ(name(), "Ada");
-    mark();
-    SqlFile(dataPath, programsKey).run("UPDATE tree SET name = 'Bea'");
-    EXPECT_TRUE(isSame());
+    EXPECT_EQ(records->field("name")->text(), "Ada") << "on the connection before";
+    std::filesystem::rename(make("b.rsd", "Bea"), dataPath);
+    EXPECT_TRUE(derives()) << "another file of that name";
     EXPECT_EQ(name(), "Bea");
-    closeData();
-    EXPECT_FALSE(isSame());
-    mark();
-    std::filesystem::rename(make("b.rsd", "Cid", programsKey), dataPath);
-    EXPECT_FALSE(isSame()) << "another file of that name";
-    EXPECT_EQ(name(), "Cid");
-    mark();
-    dataPath = make("c.rsd", "Dot", programsKey);
-    EXPECT_FALSE(isSame());
-    EXPECT_EQ(name(), "Dot");
-    dataPath = make("plain.rsd", "Eve", "");
-    connectData();
-    mark();
-    EXPECT_FALSE(isSame()) << "nothing is derived for a plain one";
+    waiting::setTurns(painting::paintIfDue, painting::paintAndListen);
     EXPECT_EQ(boxTexts(), Texts{});
 }
 

@@ -49,6 +49,7 @@ endfunction()
 library("Qt(Widgets|Test)/" platform/desktop)
 library("Q(t|[A-Z])" platform/values platform/files platform/desktop)
 library("(sqlcipher/)?sqlite3" platform/database/sqliteConnection.h)
+library("openssl/" platform/database/cipherKey.cpp)
 library("sql(ext|types|ucode)?\\.h|odbcinst" platform/database/odbcConnection.cpp accessdriver/odbc)
 
 # Whether a path is one of the given files or lies in one of the given folders itself, not in a room of that folder.
