@@ -192,6 +192,8 @@ void convertCSV() {
     if (isThere(database)) {
         appSystem::connectData();
         appSystem::UpdateVersion();
+        // A full disk may show only at this commit, which would leave its journal beside the file.
+        if (!isUsable(*appSystem::db)) return;
     }
     if (!database.sync()) {
         showMessage(database.errorMessage());

@@ -61,12 +61,14 @@ bool SQLiteConnection::run(const char* sql) {
     return result == SQLITE_OK;
 }
 
-void SQLiteConnection::beginIfNeeded() {
+bool SQLiteConnection::beginIfNeeded() {
+    if (broken_) return false;
     // One without the file's name can't be written in any more.
     if (std::exchange(onlyLocked_, false) && hasMoved()) run("COMMIT");
-    if (sqlite3_get_autocommit(get()) == 0) return;
+    if (sqlite3_get_autocommit(get()) == 0) return true;
     prepareToWrite();
     run("BEGIN");
+    return true;
 }
 
 bool SQLiteConnection::lock() {

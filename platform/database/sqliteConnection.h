@@ -53,7 +53,9 @@ class SQLiteConnection {
     /// Runs a plain statement of our own.
     bool run(const char* sql);
 
-    void beginIfNeeded();
+    /// Opens a transaction for a change. False once the file proved unusable: what was refused or ended took its
+    /// transaction with it, and what belongs to that must not follow alone.
+    bool beginIfNeeded();
 
     /// Opens a transaction that keeps everybody else from the file; false if one is open already, or the file refuses.
     bool lock();

@@ -165,7 +165,7 @@ void SQLiteDatabase::execute(std::string_view sql) {
     if (!connection_ || !connection_->isOpen()) return;
     const auto statement = connection_->prepare(sql);
     if (!statement) return;
-    if (changesRows(sql)) connection_->beginIfNeeded();
+    if (changesRows(sql) && !connection_->beginIfNeeded()) return;
     while (connection_->step(statement.get()) == SQLITE_ROW) {
     }
 }

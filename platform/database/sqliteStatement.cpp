@@ -28,7 +28,7 @@ bool SQLiteStatement::step() { return connection_->isOpen() && connection_->step
 
 void SQLiteStatement::run() {
     if (!connection_->isOpen()) return;
-    connection_->beginIfNeeded();
+    if (!connection_->beginIfNeeded()) throw DatabaseFailure(connection_->errorMessage());
     const int result = connection_->step(statement_.get());
     const std::string message = result == SQLITE_DONE ? std::string() : connection_->errorMessage();
     reset();

@@ -53,7 +53,8 @@ bool FileReference::isRegular() const {
 
 bool FileReference::sync() const {
     const int folder = ::open(path_.empty() ? "." : path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return true;
+    // One that may be written but not read can't be opened, and is synced by nobody.
+    if (folder < 0) return errno == EACCES;
     const bool refused = ::fsync(folder) != 0 && errno != EINVAL && errno != ENOTSUP;
     ::close(folder);
     return !refused;

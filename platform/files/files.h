@@ -21,8 +21,8 @@ class FileReference {
     /// Whether there is a file of that name with content of its own: no folder, pipe or device, which may never end.
     bool isRegular() const;
 
-    /// Has the entries of this folder reach the disk. False if the disk refuses; a folder that can't be asked counts as
-    /// done.
+    /// Has the entries of this folder reach the disk. False if that is refused; a folder that may not be read can't be
+    /// asked, and counts as done.
     bool sync() const;
 
     /// The folder that holds this file.

@@ -1,5 +1,6 @@
 // Every way through the program while one call to the system fails, or all from one on.
 
+#include <algorithm>
 #include <array>
 #include <iomanip>
 #include <iostream>
@@ -15,10 +16,10 @@ struct Try {
 };
 
 constexpr Try tries[] = {
-    {faultsOpen, "EACCES", 5},      {faultsOpen, "EMFILE on", 4},  {faultsRead, "EIO", 5},
+    {faultsOpen, "EACCES", 50},     {faultsOpen, "EMFILE on", 10}, {faultsRead, "EIO", 5},
     {faultsRead, "EIO on", 4},      {faultsWrite, "ENOSPC", 6},    {faultsWrite, "ENOSPC on", 5},
-    {faultsWrite, "EIO", 3},        {faultsTruncate, "EIO on", 2}, {faultsSync, "EIO", 2},
-    {faultsSync, "EIO on", 2},      {faultsRename, "EIO", 2},      {faultsUnlink, "EACCES", 2},
+    {faultsWrite, "EIO", 3},        {faultsTruncate, "EIO on", 2}, {faultsSync, "EIO", 9},
+    {faultsSync, "EIO on", 9},      {faultsRename, "EIO", 2},      {faultsUnlink, "EACCES", 2},
     {faultsUnlink, "EACCES on", 2}, {faultsAllocation, "EIO", 10}, {faultsAllocation, "EIO on", 4},
 };
 
@@ -39,12 +40,18 @@ class FailingCall : public Sweep {
             Judgement judgement = judge(route, whole.contents, result(), end);
             const std::string beside = sideEffects(leftOver(attempt.kind));
             if (!beside.empty()) judgement = {Verdict::forbidden, beside};
+            // A folder that may not be opened is the one thing that need not be synced.
+            if (toRsd() && end.completed() && !end.unsynced.empty() && attempt.fault != std::string("EACCES")) {
+                judgement = {Verdict::forbidden, "completed, but not on the disk: " + end.unsynced};
+            }
             EXPECT_LE(static_cast<int>(judgement.verdict), static_cast<int>(worst))
                 << plan << ": " << judgement.reason << end.words();
             ++tally[static_cast<int>(judgement.verdict)];
         }
         if (tally != Tally{}) print(kind + " " + attempt.fault, tally);
     }
+
+    bool toRsd() const { return route.to == std::string("Rsd"); }
 
     /// What can't be removed stays.
     std::vector<std::string> leftOver(FaultsKind kind) const {
@@ -69,6 +76,47 @@ TEST_P(FailingCall, IsToldOrPassedOverOnPurpose) {
               << "\n";
     for (const Try& attempt : tries) sweep(whole, attempt, Verdict::unsaid);
     for (const Try& attempt : halves) sweep(whole, attempt, Verdict::whole);
+}
+
+TEST_P(FailingCall, ASyncThatIsRefusedIsToldOfAnRsdFileAlone) {
+    const Whole whole = runWithoutFault();
+    const End end = run("sync 1 EIO on");
+    EXPECT_EQ(result(), whole.contents);
+    EXPECT_EQ(end.completed(), !toRsd());
+    if (toRsd()) {
+        EXPECT_NE(end.words().find("did not reach the disk"), std::string::npos) << end.words();
+    } else {
+        EXPECT_EQ(end.words(), "");
+        EXPECT_NE(end.unsynced.find(route.result), std::string::npos) << end.unsynced;
+    }
+}
+
+class SlowDisk : public Sweep {};
+
+INSTANTIATE_TEST_SUITE_P(Route, SlowDisk, testing::Values(routes.front()));
+
+TEST_P(SlowDisk, AChangeThatSomebodyEndsStopsTheImportWithAWord) {
+    std::string herd = "name,id,sex,fatherId,motherId\nAdam,1001,m,,\nEve,1002,f,,\n";
+    for (int i = 3; i <= 500; ++i) herd += "animal,,m,1001,1002\n";
+    setSource(herd);
+    const Whole whole = runWithoutFault();
+    const auto isLinked = [](const std::string& row) { return row.ends_with("|1|2|Adam|Eve"); };
+    const long calls = whole.end.calls[faultsWrite];
+    int ended = 0;
+    // What the passes change is written in the last part.
+    for (const long number : {calls - calls / 4, calls - calls / 5, calls - calls / 6}) {
+        SCOPED_TRACE(number);
+        const End end = runAndGiveUp("write " + std::to_string(number) + " slow");
+        const Contents found = result();
+        EXPECT_EQ(judge(route, whole.contents, found, end).reason, "");
+        EXPECT_EQ(found.rows, whole.contents.rows);
+        EXPECT_EQ(sideEffects(), "");
+        const auto linked = std::count_if(found.links.begin(), found.links.end(), isLinked);
+        EXPECT_EQ(linked, end.completed() ? 498 : 0) << "the change took its transaction with it";
+        EXPECT_EQ(end.words(), end.completed() ? "" : "interrupted\n");
+        ended += end.completed() ? 0 : 1;
+    }
+    EXPECT_GT(ended, 0);
 }
 
 }  // namespace

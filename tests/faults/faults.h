@@ -12,6 +12,7 @@
 //
 //   EIO ENOSPC EACCES EMFILE   it fails with this error (an allocation fails whichever is named)
 //   short                      half of a read or write is done, and said to be done
+//   slow                       it and the eleven behind it take almost two seconds together, as on a network
 //   torn                       half of a write is done, and the process killed
 //   kill                       the process is killed before the call
 //
@@ -35,6 +36,9 @@ extern const char* const faultsKindNames[faultsKinds];
 
 /// Counts from here on, and does what the plan says; an empty plan only counts. Ends the process if it can't be read.
 void faultsArm(const char* folder, const char* plan);
+
+/// Whether a call has met the fault of the plan since the arming.
+bool faultsMet();
 
 /// How many calls of a kind there were since the last arming, by this process or by one that it forked since it began.
 long faultsCount(int kind);

@@ -23,8 +23,8 @@ struct Name {
 
 constexpr Name names[] = {{"EIO", {How::fails, EIO}},       {"ENOSPC", {How::fails, ENOSPC}},
                           {"EACCES", {How::fails, EACCES}}, {"EMFILE", {How::fails, EMFILE}},
-                          {"short", {How::isShort, 0}},     {"torn", {How::isTorn, 0}},
-                          {"kill", {How::kills, 0}}};
+                          {"short", {How::isShort, 0}},     {"slow", {How::isSlow, 0}},
+                          {"torn", {How::isTorn, 0}},       {"kill", {How::kills, 0}}};
 
 struct Plan {
     char folder[1024] = "";
@@ -36,6 +36,11 @@ struct Plan {
 
 Plan plan;
 bool armed = false;
+bool met = false;
+
+/// Together longer than the second in which all decent work is done.
+constexpr long slowCalls = 12;
+constexpr unsigned slowCall = 150'000;
 
 /// Shared with forked processes: who watches one that dies can't ask it any more.
 long* counts() {
@@ -80,9 +85,14 @@ Plan read(const char* folder, const char* text) {
 Fault next(FaultsKind kind) {
     if (!armed) return {};
     const long number = ++counts()[kind];
-    if (plan.kind != kind || number < plan.at || (number > plan.at && !plan.on)) return {};
+    const bool slow = plan.fault.how == How::isSlow;
+    const long last = slow ? plan.at + slowCalls - 1 : plan.at;
+    if (plan.kind != kind || number < plan.at || (number > last && !plan.on)) return {};
+    met = true;
     if (plan.fault.how == How::kills) killNow();
-    return plan.fault;
+    if (!slow) return plan.fault;
+    usleep(slowCall);
+    return {};
 }
 
 bool fails(FaultsKind kind) {
@@ -108,7 +118,10 @@ void killNow() {
 void faultsArm(const char* folder, const char* text) {
     faults::plan = faults::read(folder, text);
     std::memset(faults::counts(), 0, faultsKinds * sizeof(long));
+    faults::met = false;
     faults::armed = true;
 }
+
+bool faultsMet() { return faults::met; }
 
 long faultsCount(int kind) { return faults::counts()[kind]; }

@@ -5,7 +5,7 @@
 // What the calls of the library share.
 namespace faults {
 
-enum class How { nothing, fails, isShort, isTorn, kills };
+enum class How { nothing, fails, isShort, isSlow, isTorn, kills };
 
 struct Fault {
     How how = How::nothing;

@@ -39,6 +39,19 @@ void noteUnsynced(int notes) {
     note(notes, unsyncedMark + std::string(unsynced.c_str()));
 }
 
+void giveUpAtTheFault(WindowDriver& driver) {
+    driver.onEveryTurn([&driver] {
+        if (!faultsMet()) return;
+        driver.onEveryTurn(nullptr);
+        driver.answers.assign(1, "No");
+        if (driver.isOpen("frmWait")) {
+            driver.click("frmWait", "cmdCancel");
+        } else {
+            driver.closeWindow("frmMain");
+        }
+    });
+}
+
 void convert(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan) {
     if (!driver.isOpen("frmMain")) {
         // A window gives others a turn while it is still being made.
@@ -50,6 +63,7 @@ void convert(WindowDriver& driver, const Order& order, const std::string& folder
     driver.click("frmMain", "optTo" + order.to);
     driver.type("frmMain", "txtFilePath", order.source);
     driver.answers.assign(20, "Yes");
+    if (order.givesUp) giveUpAtTheFault(driver);
     driver.files = {order.cav};
     faultsArm(folder.c_str(), plan.c_str());
     driver.click("frmMain", "cmdConvert");
@@ -139,8 +153,7 @@ void limitFiles(unsigned long bytes) { fileLimit = bytes; }
 int main(int argumentCount, char** arguments) {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("LC_ALL", "en_GB.UTF-8", 1);
-    // The platform without a display warns of what it can't do at each window.
-    setenv("QT_LOGGING_RULES", "qt.qpa.*=false", 0);
+    dropNoticesOfThePlatform();
     if (access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 0);
     testing::InitGoogleTest(&argumentCount, arguments);
     app = std::make_unique<App>(argumentCount, arguments);

@@ -13,6 +13,8 @@ struct Order {
     std::string to;
     std::string source;
     std::string cav;
+    /// Presses Cancel once a call has met the fault, and keeps the file; closes the selector where nothing is in front.
+    bool givesUp = false;
 };
 
 /// How the program ended that was given the order.

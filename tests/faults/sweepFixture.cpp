@@ -45,6 +45,11 @@ void Sweep::SetUp() {
 
 void Sweep::TearDown() { fs::remove_all(own_); }
 
+void Sweep::setSource(const std::string& text) {
+    original_ = path("source");
+    std::ofstream(original_) << text;
+}
+
 void Sweep::prepare() const {
     fs::create_directories(folder_);
     for (const auto& entry : fs::directory_iterator(folder_)) fs::remove_all(entry);
@@ -58,8 +63,17 @@ End Sweep::run(const std::string& plan) {
     return convert(plan);
 }
 
-End Sweep::convert(const std::string& plan) {
-    const Order order{route.from, route.to, inFolder(route.source), fillsAFile(route) ? inFolder(route.result) : ""};
+End Sweep::runAndGiveUp(const std::string& plan) {
+    prepare();
+    return convert(plan, true);
+}
+
+End Sweep::convert(const std::string& plan, bool givesUp) {
+    const Order order{.from = route.from,
+                      .to = route.to,
+                      .source = inFolder(route.source),
+                      .cav = fillsAFile(route) ? inFolder(route.result) : "",
+                      .givesUp = givesUp};
     return convertUnderFaults(driver_, order, folder_, plan, path("notes"));
 }
 

@@ -15,8 +15,14 @@ class Sweep : public testing::TestWithParam<Route> {
     /// Converts the route's sample, a fresh copy of it. The folder stays as the run left it until the next one.
     End run(const std::string& plan);
 
+    /// The same, by somebody who gives up at the call that meets the fault, and keeps the new file.
+    End runAndGiveUp(const std::string& plan);
+
     /// The same in the folder as it stands, without a fault.
     End runAgain() { return convert(""); }
+
+    /// Takes this text in place of the route's sample.
+    void setSource(const std::string& text);
 
     /// Lays out the folder for a run.
     void prepare() const;
@@ -50,7 +56,7 @@ class Sweep : public testing::TestWithParam<Route> {
     void setFolder(const std::string& folder) { folder_ = folder; }
 
   private:
-    End convert(const std::string& plan);
+    End convert(const std::string& plan, bool givesUp = false);
 
     WindowDriver driver_;
     std::string own_;

@@ -32,6 +32,7 @@ class Program {
         setenv("HOME", folder_.c_str(), 1);
         setenv("LC_ALL", "en_GB.UTF-8", 1);
         setenv("QT_QPA_PLATFORM", "offscreen", 0);
+        dropNoticesOfThePlatform();
         application_.emplace(argumentCount_, arguments_);
         driver_.emplace();
         frmSplash();
