@@ -39,8 +39,10 @@ ColumnAttribute columnAttribute(const sql::ResultColumn& column, SQLUSMALLINT fi
             return number(column.type == jet::ColumnType::dateTime ? SQL_CODE_TIMESTAMP : 0);
         case SQL_DESC_DATETIME_INTERVAL_PRECISION:
             return number(0);
-        case SQL_DESC_LENGTH:
         case SQL_DESC_PRECISION:
+            // Of a date, the digits of its fractions of a second.
+            return number(column.type == jet::ColumnType::dateTime ? 0 : extent.size);
+        case SQL_DESC_LENGTH:
         case SQL_COLUMN_PRECISION:
             return number(extent.size);
         case SQL_DESC_OCTET_LENGTH:

@@ -48,8 +48,10 @@ bool Cursor::move(SQLSMALLINT orientation, SQLLEN offset, SQLULEN size, bool& cu
     if (!scrollable_ && orientation != SQL_FETCH_NEXT) {
         throw sql::Error("HY106", "A forward-only result is read from first to last.");
     }
-    const auto wanted = static_cast<SQLLEN>(size);
-    start_ = startFor(orientation, offset, wanted, cut);
+    // No result is longer, and sums of such numbers stay in their range.
+    constexpr SQLLEN most = SQLLEN{1} << 60;
+    const auto wanted = static_cast<SQLLEN>(std::min<SQLULEN>(size, most));
+    start_ = startFor(orientation, std::clamp(offset, -most, most), wanted, cut);
     size_ = wanted;
     rowNumber_ = 0;
     if (!scrollable_) return true;

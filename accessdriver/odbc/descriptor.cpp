@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 #include "accessdriver/odbc/columnAttributes.h"
 #include "accessdriver/sql/error.h"
@@ -235,7 +236,9 @@ void Descriptor::setField(SQLSMALLINT number, SQLSMALLINT field, SQLLEN value) {
             bindType = static_cast<SQLULEN>(value);
             break;
         case SQL_DESC_COUNT:
-            if (value < 0) throw sql::Error("07009", "A count of records is not negative.");
+            if (value < 0 || value > std::numeric_limits<SQLSMALLINT>::max()) {
+                throw sql::Error("07009", "A descriptor can't have so many records.");
+            }
             records.resize(static_cast<std::size_t>(value));
             break;
         case SQL_DESC_ROWS_PROCESSED_PTR:

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -96,6 +97,7 @@ class Statement : public Handle {
     void setAttribute(SQLINTEGER attribute, SQLULEN value);
 
   private:
+    static std::span<const AttributeRule> attributeRules();
     Descriptor& rowDescriptor() const;
     Descriptor& parameterDescriptor() const;
     void useDescriptor(std::shared_ptr<Descriptor>& place, SQLULEN handle);

@@ -13,6 +13,7 @@
 #include "accessdriver/sql/convert.h"
 #include "accessdriver/sql/decimal.h"
 #include "accessdriver/sql/error.h"
+#include "accessdriver/sql/key.h"
 #include "accessdriver/sql/numbers.h"
 
 namespace odbc {
@@ -95,7 +96,7 @@ void putWhole(const Job& job) {
 
 void putBit(const Job& job) {
     const Number number = numberFrom(job.value);
-    if (!number.fits || number.whole < 0 || number.whole > 1) refuseRange();
+    if (number.real < 0 || number.real >= 2) refuseRange();
     if (number.hasFraction) job.warnOfLoss("The fraction of a number was cut off.");
     job.put(static_cast<SQLCHAR>(number.whole));
 }
@@ -222,6 +223,17 @@ std::string bytesFor(SQLSMALLINT cType, const Value& value, jet::ColumnType type
     refuseConversion();
 }
 
+// How many characters of a number, date or yes/no must fit for it to be worth anything: what stands before the
+// decimals. Texts and bytes may be cut anywhere, and so may GUIDs, whose braces have no room in the size that ODBC
+// gives to them.
+std::size_t leastCharacters(const Value& value, jet::ColumnType type) {
+    const auto kind = sql::kindOf(type);
+    if (kind != sql::ValueKind::number && kind != sql::ValueKind::date) return 0;
+    const std::string text = sql::textOf(value, type);
+    const bool hasDecimals = text.find_first_of("e:") == std::string::npos;
+    return hasDecimals ? std::min(text.find('.'), text.size()) : text.size();
+}
+
 SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Progress& progress) {
     if (!progress.bytes) progress.bytes = bytesFor(cType, job.value, type);
     const std::string_view rest = std::string_view(*progress.bytes).substr(progress.given);
@@ -229,6 +241,10 @@ SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Prog
     if (job.target.buffer == nullptr) return SQL_SUCCESS;  // asks for the length alone
     const std::size_t unit = cType == SQL_C_WCHAR ? sizeof(SQLWCHAR) : 1;
     const std::size_t zero = cType == SQL_C_BINARY ? 0 : unit;
+    const auto room = static_cast<std::size_t>(job.target.capacity) / unit;
+    const bool isCut = room * unit < rest.size() + zero && progress.given == 0 && zero > 0;
+    // A buffer of no bytes at all asks for the length.
+    if (isCut && job.target.capacity > 0 && room <= leastCharacters(job.value, type)) refuseRange();
     const Copied copied = copyOut(rest, unit, zero, job.target.buffer, job.target.capacity);
     progress.given += copied.bytes;
     progress.finished = !copied.truncated;

@@ -30,6 +30,7 @@ struct Progress {
 
 /// Hands a value to the application, converted to its C type. Text and bytes that don't fit are cut: warning 01004,
 /// the length of what was left before the call in the indicator, and the rest at the next call with the same progress.
+/// A number or date whose whole part does not fit as text is out of range.
 /// A number's lost fraction or a date's lost time is warning 01S07. Gives SQL_NO_DATA when the value was handed out
 /// before. Throws sql::Error: 22002 Null without an indicator, 22003 out of range, 22018 and 22007 text that is no
 /// number or date, 07006 a conversion that ODBC does not have.

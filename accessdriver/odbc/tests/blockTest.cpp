@@ -131,15 +131,25 @@ TEST_F(BlockTest, AStaticCursorGoesAnywhereInBlocks) {
         SQLULEN rows;
         SQLINTEGER first;
     };
-    const Step steps[] = {
-        {SQL_FETCH_PRIOR, 0, SQL_NO_DATA, 0, 0},     {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 3, 1},
-        {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 3, 4},      {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 1, 7},
-        {SQL_FETCH_NEXT, 0, SQL_NO_DATA, 0, 0},      {SQL_FETCH_PRIOR, 0, SQL_SUCCESS, 3, 5},
-        {SQL_FETCH_PRIOR, 0, SQL_SUCCESS, 3, 2},     {SQL_FETCH_PRIOR, 0, SQL_SUCCESS_WITH_INFO, 3, 1},
-        {SQL_FETCH_LAST, 0, SQL_SUCCESS, 3, 5},      {SQL_FETCH_ABSOLUTE, -7, SQL_SUCCESS, 3, 1},
-        {SQL_FETCH_ABSOLUTE, 0, SQL_NO_DATA, 0, 0},  {SQL_FETCH_ABSOLUTE, 6, SQL_SUCCESS, 2, 6},
-        {SQL_FETCH_RELATIVE, -4, SQL_SUCCESS, 3, 2}, {SQL_FETCH_ABSOLUTE, 8, SQL_NO_DATA, 0, 0},
-        {SQL_FETCH_FIRST, 0, SQL_SUCCESS, 3, 1}};
+    const Step steps[] = {{SQL_FETCH_PRIOR, 0, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 3, 1},
+                          {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 3, 4},
+                          {SQL_FETCH_NEXT, 0, SQL_SUCCESS, 1, 7},
+                          {SQL_FETCH_NEXT, 0, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_PRIOR, 0, SQL_SUCCESS, 3, 5},
+                          {SQL_FETCH_PRIOR, 0, SQL_SUCCESS, 3, 2},
+                          {SQL_FETCH_PRIOR, 0, SQL_SUCCESS_WITH_INFO, 3, 1},
+                          {SQL_FETCH_LAST, 0, SQL_SUCCESS, 3, 5},
+                          {SQL_FETCH_ABSOLUTE, -7, SQL_SUCCESS, 3, 1},
+                          {SQL_FETCH_ABSOLUTE, 0, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_ABSOLUTE, 6, SQL_SUCCESS, 2, 6},
+                          {SQL_FETCH_RELATIVE, -4, SQL_SUCCESS, 3, 2},
+                          {SQL_FETCH_ABSOLUTE, 8, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_RELATIVE, INT64_MIN, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_ABSOLUTE, INT64_MIN, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_FIRST, 0, SQL_SUCCESS, 3, 1},
+                          {SQL_FETCH_RELATIVE, INT64_MAX, SQL_NO_DATA, 0, 0},
+                          {SQL_FETCH_FIRST, 0, SQL_SUCCESS, 3, 1}};
     int number = 0;
     for (const Step& step : steps) {
         SCOPED_TRACE(++number);
@@ -181,10 +191,15 @@ TEST_F(BlockTest, DescriptorsTellAndTake) {
         SQLGetDescRec(row, 2, name.data(), name.size(), nullptr, &type, &subtype, nullptr, nullptr, nullptr, nullptr),
         SQL_SUCCESS);
     EXPECT_STREQ(reinterpret_cast<const char*>(name.data()), "dob");
+    SQLSMALLINT fractions = -1;
+    EXPECT_EQ(SQLGetDescField(row, 2, SQL_DESC_PRECISION, &fractions, 0, nullptr), SQL_SUCCESS);
+    EXPECT_EQ(fractions, 0) << "digits of a second's fractions";
     EXPECT_EQ(type, SQL_DATETIME);
     EXPECT_EQ(subtype, SQL_CODE_TIMESTAMP);
     EXPECT_EQ(SQLGetDescField(row, 4, SQL_DESC_NAME, name.data(), name.size(), nullptr), SQL_NO_DATA);
     EXPECT_EQ(SQLSetDescField(row, 1, SQL_DESC_TYPE, attribute(SQL_INTEGER), 0), SQL_ERROR);
+    EXPECT_EQ(SQLSetDescField(variables, 0, SQL_DESC_COUNT, attribute(SQLULEN{1} << 33), 0), SQL_ERROR);
+    EXPECT_EQ(diagnosisOf(SQL_HANDLE_DESC, variables).state, "07009");
 
     // The usual way to the digits of a number: type, precision, scale and place of the variable, one by one.
     Statement(connection_).outcome("INSERT INTO tree (name, price) VALUES ('Ann', -922337203685477.5808)");

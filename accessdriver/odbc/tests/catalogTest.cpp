@@ -176,6 +176,11 @@ TEST_F(CatalogTest, InfoOfEachKind) {
     EXPECT_EQ(SQLGetInfo(connection_.handle(), SQL_GETDATA_EXTENSIONS, &extensions, sizeof extensions, nullptr),
               SQL_SUCCESS);
     EXPECT_EQ(extensions & SQL_GD_ANY_ORDER, SQLUINTEGER{SQL_GD_ANY_ORDER});
+    for (const SQLUSMALLINT mask : {SQL_SQL92_RELATIONAL_JOIN_OPERATORS, SQL_CONVERT_WVARCHAR, SQL_DDL_INDEX}) {
+        SQLUINTEGER nothing = 1;
+        EXPECT_EQ(SQLGetInfo(connection_.handle(), mask, &nothing, sizeof nothing, nullptr), SQL_SUCCESS) << mask;
+        EXPECT_EQ(nothing, 0U) << mask;
+    }
     EXPECT_EQ(info(64000, text.size()), SQL_ERROR);
     SQLUSMALLINT supported = 0;
     EXPECT_EQ(SQLGetFunctions(connection_.handle(), SQL_API_SQLTABLES, &supported), SQL_SUCCESS);

@@ -56,6 +56,38 @@ TEST_F(FetchTest, CutTextsKeepWithinTheirBuffer) {
     }
 }
 
+// Digits may be cut behind the point only; a buffer of no bytes asks for the length.
+TEST_F(FetchTest, WholeNumbersAndDatesAreNeverCut) {
+    struct Case {
+        const char* column;
+        SQLSMALLINT type;
+        SQLLEN capacity;
+        const char* outcome;
+    };
+    constexpr SQLSMALLINT narrow = SQL_C_CHAR, wide = SQL_C_WCHAR;
+    const Case cases[] = {{"weight", narrow, 7, "1321.9"},     {"weight", narrow, 6, "1321. 01004"},
+                          {"weight", narrow, 5, "1321 01004"}, {"weight", narrow, 4, "22003"},
+                          {"weight", wide, 11, "1321 01004"},  {"weight", wide, 9, "22003"},
+                          {"weight", narrow, 0, " 01004"},     {"price", narrow, 6, "-12.5 01004"},
+                          {"price", narrow, 3, "22003"},       {"dob", narrow, 20, "2020-02-29 10:20:30"},
+                          {"dob", narrow, 19, "22003"},        {"dob", wide, 39, "22003"},
+                          {"cage", narrow, 3, "70 01004"},     {"deceased", narrow, 1, "22003"},
+                          {"deceased", narrow, 2, "1"}};
+    for (const Case& c : cases) {
+        const SQLHSTMT handle = select(c.column);
+        std::array<char, 64> narrowBuffer{};
+        std::array<char16_t, 64> wideBuffer{};
+        SQLLEN length = 0;
+        const bool isWide = c.type == wide;
+        void* const buffer = isWide ? static_cast<void*>(wideBuffer.data()) : narrowBuffer.data();
+        const SQLRETURN result = SQLGetData(handle, 1, c.type, buffer, c.capacity, &length);
+        if (isWide) std::copy(wideBuffer.begin(), wideBuffer.end(), narrowBuffer.begin());
+        std::string outcome = result == SQL_ERROR ? "" : narrowBuffer.data();
+        if (result != SQL_SUCCESS) outcome += (result == SQL_ERROR ? "" : " ") + statement_->diagnosis().state;
+        EXPECT_EQ(outcome, c.outcome) << c.column << " in " << c.capacity;
+    }
+}
+
 TEST_F(FetchTest, WideTextsAreCutAtWholeUnits) {
     const std::u16string name = u"Zoë 🐹";
     ASSERT_EQ(name.size(), 6U);
@@ -117,6 +149,8 @@ TEST_F(FetchTest, NumbersInEveryCType) {
     EXPECT_EQ(asNumber<SQLUINTEGER>(handle, 3, SQL_C_ULONG), "22003");
     EXPECT_EQ(asNumber<SQLDOUBLE>(handle, 3, SQL_C_DOUBLE), "-12.500000");
     EXPECT_EQ(asNumber<SQLCHAR>(handle, 4, SQL_C_BIT), "1");
+    EXPECT_EQ(asNumber<SQLCHAR>(select("-0.5"), 1, SQL_C_BIT), "22003");
+    select("id,weight,price,deceased,cage,ps,dob");
     EXPECT_EQ(asNumber<SQLINTEGER>(handle, 5, SQL_C_SLONG), "70000");
     EXPECT_EQ(asNumber<SQLSMALLINT>(handle, 5, SQL_C_SSHORT), "22003");
     EXPECT_EQ(asNumber<SQLINTEGER>(handle, 6, SQL_C_SLONG), "22018");
