@@ -1,8 +1,10 @@
 // A process that ends at any point of its work leaves a file that opens in its last committed state.
 
 #include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -11,6 +13,21 @@
 #include "accessdriver/jet/storage/journal.h"
 #include "accessdriver/jet/storage/sharedFile.h"
 #include "accessdriver/jet/tests/fixture.h"
+
+namespace {
+
+bool diskRefuses = false;
+
+}  // namespace
+
+#ifdef __linux__
+// Found before that of the system.
+extern "C" int fsync(int descriptor) {
+    if (!diskRefuses) return static_cast<int>(::syscall(SYS_fsync, descriptor));
+    errno = EIO;
+    return -1;
+}
+#endif
 
 namespace jet::test {
 namespace {
@@ -152,6 +169,38 @@ TEST_F(CrashTest, restoringMayBeInterrupted) {
         EXPECT_TRUE(readWhole(path) == restored) << last;
     }
 }
+
+#ifdef __linux__
+TEST_F(CrashTest, whatDidNotReachTheDiskIsToldAndTriedAgain) {
+    {
+        const auto database = Database::open(path, "");
+        insert(*database, "everything", everyTypeRow(1));
+        database->commit();
+        diskRefuses = true;
+        for (int time = 0; time < 2; ++time) {
+            EXPECT_EQ(refusalOf([&] { database->sync(); }).fault, Fault::io) << "none of them counts as done";
+        }
+        diskRefuses = false;
+        EXPECT_EQ(refusalOf([&] { database->sync(); }).fault, std::nullopt);
+    }
+    commitsOf(
+        [&](int pipe) {
+            int writes = 0;
+            File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
+                if (++writes == 40) ::_exit(1);
+            });
+            work(path, pipe, 12, 7);
+        },
+        [](pid_t) {});
+    const std::string journal = readWhole(path + "-jetjournal");
+    ASSERT_NE(journal, "");
+    diskRefuses = true;
+    EXPECT_EQ(refusalOfOpen(path).fault, Fault::io);
+    diskRefuses = false;
+    EXPECT_EQ(readWhole(path + "-jetjournal"), journal) << "it may still be needed";
+    EXPECT_EQ(findings(*Database::open(path, "")), "");
+}
+#endif
 
 // After a crash the file was replaced, or the journal lies: playing it back would destroy a sound file.
 TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <fstream>
 
+#include "accessdriver/jet/making/maker.h"
 #include "accessdriver/odbc/tests/client.h"
 
 namespace {
@@ -235,6 +237,53 @@ TEST_F(FetchTest, AWalkMeetsEachRowOnceWhileItsRowsGrowAndShrink) {
         ASSERT_EQ(SQLFetch(walk), row == rows ? SQL_NO_DATA : SQL_SUCCESS) << row;
     }
 }
+
+#if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
+// In KiB, of this process: what it has of memory ("VmRSS"), and the most that it had ("VmHWM").
+long memory(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    long amount = 0;
+    for (std::string word; status >> word;) {
+        if (word == name + ":") status >> amount;
+    }
+    return amount;
+}
+
+TEST_F(FetchTest, ALongResultTakesNoMemoryAndBeginsAtOnce) {
+    constexpr int rows = 4500;
+    const std::string path = folder() / "long.mdb";
+    jet::makeFile(path, {"", {{"t", {{"notes", jet::ColumnType::memo, 0, false, true}}, {}}}});
+    {
+        const auto database = jet::Database::open(path, "");
+        const jet::Assignment notes[] = {{0, std::string(18000, 'n')}};
+        for (int row = 0; row < rows; ++row) {
+            database->insert(database->table("t"), notes);
+            if (row % 500 == 0) database->commit();
+        }
+        database->commit();
+    }
+    const long file = static_cast<long>(std::filesystem::file_size(path) / 1024);
+    constexpr long pages = 48000;  // that the driver keeps
+    ASSERT_GT(file, 3 * pages);
+    Connection connection;
+    ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
+    // From here on counts the most.
+    if (!(std::ofstream("/proc/self/clear_refs") << 5).flush()) GTEST_SKIP() << "the kernel does not tell";
+    const long before = memory("VmRSS");
+    Statement statement(connection);
+    ASSERT_EQ(statement.outcome("SELECT notes FROM t WHERE notes LIKE 'n%'"), "ok");
+    std::array<char, 20000> notes{};
+    int met = 0;
+    for (SQLLEN length = 0; SQLFetch(statement.handle()) == SQL_SUCCESS; ++met) {
+        ASSERT_EQ(SQLGetData(statement.handle(), 1, SQL_C_CHAR, notes.data(), notes.size(), &length), SQL_SUCCESS);
+        ASSERT_EQ(length, 18000);
+        if (met > 0) continue;
+        EXPECT_LT(memory("VmHWM") - before, 2000) << "for the first row";
+    }
+    EXPECT_EQ(met, rows);
+    EXPECT_LT(memory("VmHWM") - before, pages + 8000);
+}
+#endif
 
 TEST_F(FetchTest, AResultIsDescribedBeforeItRuns) {
     const SQLHSTMT handle = statement_->handle();

@@ -1,6 +1,25 @@
 // Autocommit, commit and rollback.
 
+#include <cerrno>
+#include <sys/syscall.h>
+#include <unistd.h>
+
 #include "accessdriver/odbc/tests/client.h"
+
+namespace {
+
+bool diskRefuses = false;
+
+}  // namespace
+
+#ifdef __linux__
+// The driver finds this one before that of the system.
+extern "C" int fsync(int descriptor) {
+    if (!diskRefuses) return static_cast<int>(syscall(SYS_fsync, descriptor));
+    errno = EIO;
+    return -1;
+}
+#endif
 
 namespace {
 
@@ -56,6 +75,18 @@ TEST_F(TransactionTest, DisconnectingWithAnOpenTransactionIsRefused) {
     EXPECT_EQ(SQLDisconnect(connection_.handle()), SQL_SUCCESS);
     EXPECT_EQ(seen(), Texts{});
 }
+
+#ifdef __linux__
+TEST_F(TransactionTest, ADiskThatRefusesIsToldWhenTheConnectionIsClosed) {
+    Statement(connection_).outcome("INSERT INTO tree (name) VALUES ('kept')");
+    diskRefuses = true;
+    EXPECT_EQ(SQLDisconnect(connection_.handle()), SQL_SUCCESS_WITH_INFO);
+    diskRefuses = false;
+    EXPECT_EQ(connection_.diagnosis().state, "01002");
+    EXPECT_NE(connection_.diagnosis().message.find("disk"), std::string::npos) << connection_.diagnosis().message;
+    EXPECT_EQ(seen(), Texts{"kept"}) << "the commit had reached the file";
+}
+#endif
 
 TEST_F(TransactionTest, AnotherConnectionMayNotWriteIntoAnOpenTransaction) {
     connection_.autocommit(false);
