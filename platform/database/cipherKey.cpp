@@ -90,7 +90,9 @@ std::optional<Key> derive(const std::string& text, const std::string& salt, cons
 /// The library's form of a key that is none to derive from.
 std::string asRaw(const Key& key) {
     constexpr std::string_view digits = "0123456789abcdef";
-    std::string raw = "x'";
+    std::string raw;
+    raw.reserve(2 * keySize + 3);
+    raw = "x'";
     for (const unsigned char byte : key) raw.append({digits[byte / 16], digits[byte % 16]});
     return raw + "'";
 }
@@ -133,15 +135,18 @@ std::vector<CipherGeneration> cipherGenerations(sqlite3* handle) {
             {"SHA1", 4000, "PRAGMA cipher_compatibility = 1"}};
 }
 
-std::string fileKey(sqlite3* handle, const std::string& text, const CipherGeneration& generation) {
+void giveKey(sqlite3* handle, const std::string& text, const CipherGeneration& generation) {
     static KnownKeys known;
     const std::string salt = saltOf(handle);
-    if (salt.empty()) return text;
     const KnownKeys::Source source{text, salt, generation.digest, generation.iterations};
-    const auto place = known.keys.find(source);
-    if (place != known.keys.end()) return asRaw(place->second);
-    const auto key = derive(text, salt, generation);
-    return key ? asRaw(known.keys.emplace(source, *key).first->second) : text;
+    auto place = known.keys.find(source);
+    if (place == known.keys.end() && !salt.empty()) {
+        if (const auto key = derive(text, salt, generation)) place = known.keys.emplace(source, *key).first;
+    }
+    std::string key = place == known.keys.end() ? text : asRaw(place->second);
+    sqlite3_key(handle, key.data(), static_cast<int>(key.size()));
+    OPENSSL_cleanse(key.data(), key.size());
+    sqlite3_exec(handle, generation.settings, nullptr, nullptr, nullptr);
 }
 
 }  // namespace detail

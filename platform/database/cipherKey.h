@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <vector>
 
 struct sqlite3;
@@ -19,10 +18,10 @@ struct CipherGeneration {
 /// and for the third release of the library its "cipher_default_use_hmac" and "kdf_iter".
 std::vector<CipherGeneration> cipherGenerations(sqlite3* handle);
 
-/// The key of the file behind the connection, in the form in which the library takes it as it is: derived from a text
-/// and the file's first 16 bytes. It is derived once, as that takes long, kept as long as the process lives, and wiped
-/// at its end. Has the program paint meanwhile. The text itself where there is nothing to derive from, as in an empty
-/// file.
-std::string fileKey(sqlite3* handle, const std::string& text, const CipherGeneration& generation);
+/// Tells the library the key of the connection's file: derived from a text and the file's first 16 bytes, in the form
+/// that it takes as it is. A key is derived once, as that takes long, kept as long as the process lives, and wiped at
+/// its end. Has the program paint meanwhile. Where there is nothing to derive from, as in an empty file, the library
+/// gets the text.
+void giveKey(sqlite3* handle, const std::string& text, const CipherGeneration& generation);
 
 }  // namespace detail

@@ -103,11 +103,7 @@ bool SQLiteDatabase::createDatabaseFile() {
 /// The result of reading the file, encrypted as by this generation of the cipher or, without one, plain.
 int SQLiteDatabase::unlock(const detail::CipherGeneration* generation) {
     sqlite3* handle = connection_->get();
-    if (generation != nullptr) {
-        const std::string key = detail::fileKey(handle, EncryptionKey, *generation);
-        sqlite3_key(handle, key.data(), static_cast<int>(key.size()));
-        sqlite3_exec(handle, generation->settings, nullptr, nullptr, nullptr);
-    }
+    if (generation != nullptr) detail::giveKey(handle, EncryptionKey, *generation);
     detail::stepBegins();
     return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) & 0xFF;
 }
