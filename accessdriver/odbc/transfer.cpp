@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -66,6 +67,22 @@ Number numberFrom(double real) {
 
 Number numberFrom(std::int64_t whole) { return {static_cast<double>(whole), whole}; }
 
+// Of a Decimal too; whole numbers have more digits there than a double keeps.
+Number numberFromText(const std::string& text) {
+    const auto real = sql::readNumber(text);
+    if (!real) throw sql::Error("22018", "The text '" + text + "' is no number.");
+    Number out = numberFrom(*real);
+    std::string_view digits = sql::trimmed(text);
+    if (digits.starts_with('+')) digits.remove_prefix(1);
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), out.whole);
+    const std::string_view rest(end, static_cast<std::size_t>(digits.data() + digits.size() - end));
+    const bool isPlain = rest.empty() || (rest.front() == '.' && rest.find_first_of("eE") == std::string_view::npos);
+    if (error != std::errc() || !isPlain) return numberFrom(*real);
+    out.fits = true;
+    out.hasFraction = rest.find_first_not_of(".0") != std::string_view::npos;
+    return out;
+}
+
 Number numberFrom(const Value& value) {
     struct Maker {
         Number operator()(bool truth) const { return numberFrom(std::int64_t{truth}); }
@@ -75,10 +92,7 @@ Number numberFrom(const Value& value) {
             return {static_cast<double>(amount.tenThousandths) / 10000, amount.tenThousandths / 10000, true,
                     amount.tenThousandths % 10000 != 0};
         }
-        Number operator()(const std::string& text) const {
-            if (const auto number = sql::readNumber(text)) return numberFrom(*number);
-            throw sql::Error("22018", "The text '" + text + "' is no number.");
-        }
+        Number operator()(const std::string& text) const { return numberFromText(text); }
         Number operator()(std::monostate) const { refuseConversion(); }
         Number operator()(jet::DateTime) const { refuseConversion(); }
         Number operator()(const jet::Bytes&) const { refuseConversion(); }

@@ -79,6 +79,19 @@ class CrashTest : public FileTest {
         return commits;
     }
 
+    // Leaves a journal that has something to undo.
+    void endInTheMiddle() {
+        commitsOf(
+            [&](int pipe) {
+                int writes = 0;
+                File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
+                    if (++writes == 40) ::_exit(1);
+                });
+                work(path, pipe, 12, 7);
+            },
+            [](pid_t) {});
+    }
+
     // Whole groups only, and at least those whose commit came back.
     void expectCommitted(std::size_t commits, int groupSize) {
         const auto database = Database::open(path, "");
@@ -140,15 +153,7 @@ TEST_F(CrashTest, killedAtAnyMoment) {
 
 // Playing the journal back may be cut short as well, and is then done again.
 TEST_F(CrashTest, restoringMayBeInterrupted) {
-    commitsOf(
-        [&](int pipe) {
-            int writes = 0;
-            File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
-                if (++writes == 40) ::_exit(1);
-            });
-            work(path, pipe, 12, 7);
-        },
-        [](pid_t) {});
+    endInTheMiddle();
     ASSERT_TRUE(std::filesystem::exists(path + "-jetjournal"));
     const std::string file = readWhole(path), journal = readWhole(path + "-jetjournal");
     std::string restored;
@@ -183,15 +188,7 @@ TEST_F(CrashTest, whatDidNotReachTheDiskIsToldAndTriedAgain) {
         diskRefuses = false;
         EXPECT_EQ(refusalOf([&] { database->sync(); }).fault, std::nullopt);
     }
-    commitsOf(
-        [&](int pipe) {
-            int writes = 0;
-            File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
-                if (++writes == 40) ::_exit(1);
-            });
-            work(path, pipe, 12, 7);
-        },
-        [](pid_t) {});
+    endInTheMiddle();
     const std::string journal = readWhole(path + "-jetjournal");
     ASSERT_NE(journal, "");
     diskRefuses = true;

@@ -152,6 +152,15 @@ TEST_F(FetchTest, NumbersInEveryCType) {
     EXPECT_EQ(asNumber<SQLDOUBLE>(handle, 3, SQL_C_DOUBLE), "-12.500000");
     EXPECT_EQ(asNumber<SQLCHAR>(handle, 4, SQL_C_BIT), "1");
     EXPECT_EQ(asNumber<SQLCHAR>(select("-0.5"), 1, SQL_C_BIT), "22003");
+    const std::pair<const char*, const char*> texts[] = {{"'9007199254740993'", "9007199254740993"},
+                                                         {"' +9223372036854775807.0'", "9223372036854775807"},
+                                                         {"'-9223372036854775808.5'", "-9223372036854775808 01S07"},
+                                                         {"'9223372036854775808'", "22003"},
+                                                         {"'.5'", "0 01S07"},
+                                                         {"'2.5e3'", "2500"}};
+    for (const auto& [text, wanted] : texts) {
+        EXPECT_EQ(asNumber<SQLBIGINT>(select(text), 1, SQL_C_SBIGINT), wanted) << text;
+    }
     select("id,weight,price,deceased,cage,ps,dob");
     EXPECT_EQ(asNumber<SQLINTEGER>(handle, 5, SQL_C_SLONG), "70000");
     EXPECT_EQ(asNumber<SQLSMALLINT>(handle, 5, SQL_C_SSHORT), "22003");
