@@ -30,7 +30,8 @@ class Herd {
                         {.name = "price", .type = currency},
                         {.name = "legs", .type = byte},
                         {.name = "tame", .type = boolean},
-                        {.name = "notes", .type = memo}},
+                        {.name = "notes", .type = memo},
+                        {.name = "amount", .type = numeric, .scale = 4}},
             .indexes = {{.name = "PrimaryKey", .columns = {"id"}, .primaryKey = true, .descending = {}},
                         {.name = "name", .columns = {"name"}, .descending = {true}},
                         {.name = "born", .columns = {"born", "legs"}, .descending = {}},
@@ -39,9 +40,9 @@ class Herd {
         session_ = std::make_unique<sql::Session>(jet::Database::open(path_, ""), sql::DateOrder::dayFirst);
         session_->setAutocommit(false);
         for (const char* values :
-             {"'Ann',#2020-02-29#,1.5,4,True,'x'", "'ann',#1890-01-01 18:00#,-2,4,False,",
-              "'Zoë',#1890-01-01 06:00#,0,2,True,'y'", ",,,,,", "'O''Brien',#1899-12-30#,1.5,,True,'%'"}) {
-            run(std::string("INSERT INTO tree (name,born,price,legs,tame,notes) VALUES (") + values + ")");
+             {"'Ann',#2020-02-29#,1.5,4,True,'x',12345678901234.5678", "'ann',#1890-01-01 18:00#,-2,4,False,,-2",
+              "'Zoë',#1890-01-01 06:00#,0,2,True,'y',0", ",,,,,,", "'O''Brien',#1899-12-30#,1.5,,True,'%',1.5"}) {
+            run(std::string("INSERT INTO tree (name,born,price,legs,tame,notes,amount) VALUES (") + values + ")");
         }
         session_->commit();
     }
