@@ -15,7 +15,8 @@ struct Kill {
 };
 
 constexpr Kill kills[] = {{faultsWrite, "kill", 6}, {faultsWrite, "torn", 6},  {faultsTruncate, "kill", 2},
-                          {faultsSync, "kill", 3},  {faultsUnlink, "kill", 2}, {faultsOpen, "kill", 3}};
+                          {faultsSync, "kill", 3},  {faultsUnlink, "kill", 2}, {faultsOpen, "kill", 3},
+                          {faultsRename, "kill", 1}};
 
 ON_EACH_ROUTE(Killed);
 

@@ -150,6 +150,12 @@ End convertUnderFaults(WindowDriver& driver, const Order& order, const std::stri
 
 void limitFiles(unsigned long bytes) { fileLimit = bytes; }
 
+#ifdef __SANITIZE_ADDRESS__
+/// What the sanitizers find ends the program by a signal, which no box and no exit code of its own can pass for.
+extern "C" const char* __asan_default_options() { return "abort_on_error=1"; }
+extern "C" const char* __ubsan_default_options() { return "abort_on_error=1"; }
+#endif
+
 int main(int argumentCount, char** arguments) {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("LC_ALL", "en_GB.UTF-8", 1);

@@ -91,7 +91,9 @@ Judgement judge(const Route& route, const Contents& whole, const Contents& found
     const auto forbidden = [](const std::string& reason) { return Judgement{Verdict::forbidden, reason}; };
     if (end.hung) return forbidden("it hung");
     if (end.signal != 0) return forbidden("it ended by signal " + std::to_string(end.signal));
-    if (end.code != 0 && words.empty()) return forbidden("it ended with code " + std::to_string(end.code));
+    // With 1 it ends by itself, after a box.
+    if (end.code != 0 && (end.code != 1 || words.empty()))
+        return forbidden("it ended with code " + std::to_string(end.code));
     if (!found.unsound.empty()) return forbidden("the result is damaged: " + found.unsound);
     if (words.find("not an error") != std::string::npos) return forbidden("the reason is none: " + words);
     const bool mayGoUnsaid = found == whole || route.mayGoUnsaid(whole, found);

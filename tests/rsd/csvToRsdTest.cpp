@@ -220,14 +220,16 @@ TEST_F(CsvToRsd, AnEarlierResultIsReplacedOnlyWhenToldSo) {
 
 TEST_F(CsvToRsd, ACellThatLooksLikeSqlRunsNoStatementOfItsOwn) {
     import(
-        "name,id,fatherId,motherId,sire,sex,tag\n"
-        "Ada,1'; DELETE FROM tree; --,,,,f,'); DROP TABLE tree; --\n"
-        "Bob,2,1'; DELETE FROM tree; --,,x'); DROP TABLE tree; --,m,\n"
-        "Cid,3,,';DROP TABLE settings;',,m,\n");
+        "name,id,fatherId,motherId,sire,sex,tag,eyes' WHERE 0; DROP TABLE tree; --\n"
+        "Ada,1'; DELETE FROM tree; --,,,,f,'); DROP TABLE tree; --,\n"
+        "Bob,2,1'; DELETE FROM tree; --,,x'); DROP TABLE tree; --,m,,\n"
+        "Cid,3,,';DROP TABLE settings;',,m,,\n");
     EXPECT_EQ(
         tree("name, fatherId, ps, tag"),
         (Texts{"Ada|||'); DROP TABLE tree; --", "Bob|1'; DELETE FROM tree; --|x`); DROP TABLE tree; --|", "Cid|||"}));
     EXPECT_EQ(version(), "1 20402");
+    EXPECT_EQ(SqlFile(path("herd.cax")).value("SELECT CustomName1 FROM settings"),
+              "eyes` where 0; drop table tree; --");
     EXPECT_EQ(boxTexts(), Texts{completed});
 }
 

@@ -143,12 +143,18 @@ TEST_F(Source, NobodyElseWritesToItWhileItIsRead) {
     EXPECT_TRUE(OtherProgram::mayWrite(path("herd.rsd")));
 }
 
-TEST_F(Source, IsWaitedForWhileAnotherProgramWritesToIt) {
+TEST_F(Source, IsWaitedForWhileAnotherProgramWritesToItButNotForEver) {
     SqlFile(path("herd.rsd"))
         .run("CREATE TABLE tree(id integer PRIMARY KEY, name); INSERT INTO tree VALUES (1, 'Ada')");
-    const OtherProgram other(path("herd.rsd"), OtherProgram::Lock::writing, 400ms);
-    EXPECT_EQ(exported(), "Ada ");
-    EXPECT_EQ(boxTexts(), Texts{"Operation completed"});
+    {
+        const OtherProgram other(path("herd.rsd"), OtherProgram::Lock::writing, 400ms);
+        EXPECT_EQ(exported(), "Ada ");
+        EXPECT_EQ(boxTexts(), Texts{"Operation completed"});
+    }
+    driver.boxes.clear();
+    const OtherProgram other(path("herd.rsd"), OtherProgram::Lock::writing, 12s);
+    EXPECT_EQ(exported(), "no file ");
+    EXPECT_EQ(boxTexts(), (Texts{"Cannot open database.", "Cannot open database.", "Operation completed"}));
 }
 
 TEST_F(Source, APipeOrADeviceIsRefusedAtOnce) {
