@@ -1,105 +1,14 @@
-// The way to RSD files: connections, record sets, tables, the settings row.
+// The way to RSD files: connections and their keys, statements, record sets, values.
 
 #include "platform/database/waiting.h"
 #include "platform/desktop/painting.h"
-#include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
-#include "shell/state/appSystem.h"
 #include "stores/animalNames.h"
-#include "stores/rsdAccess.h"
-#include "stores/rsdSchema.h"
-#include "stores/rsdSettings.h"
-#include "tests/support/programFixture.h"
-#include "tests/support/sqlFile.h"
+#include "stores/tests/rsdStoreFixture.h"
 
 namespace {
 
 using namespace appSystem;
-using Texts = std::vector<std::string>;
-
-class RsdStore : public ProgramTest {
-  protected:
-    /// A new file with the nineteen tables, as the program lays them out.
-    std::string makeFile(const std::string& name, const std::string& key = "") {
-        SQLiteDatabase database;
-        database.DatabaseFile = FileReference(path(name));
-        database.EncryptionKey = key;
-        EXPECT_TRUE(database.createDatabaseFile());
-        makeRSDfields(database);
-        return dataPath = path(name);
-    }
-
-    /// One value as GetFieldString gives it.
-    std::string fieldString(const std::string& sqlValue, const std::string& type = "Varchar") {
-        SqlFile file(path("value.db"));
-        file.run("DROP TABLE IF EXISTS t; CREATE TABLE t(v " + type + "); INSERT INTO t VALUES(" + sqlValue + ")");
-        dataPath = path("value.db");
-        const auto records = GetRecordset("SELECT * FROM t");
-        return GetFieldString(records.get(), "V");
-    }
-};
-
-constexpr const char* programsKey = "mbtfwqzkhl";
-
-TEST_F(RsdStore, ANewFileHasTheNineteenEmptyTables) {
-    struct Table {
-        const char* name;
-        std::size_t columns;
-    };
-    const Table tables[] = {{"settings", 59},    {"tree", 56},       {"preferences", 2}, {"weights", 7},
-                            {"vaccinations", 6}, {"breeding", 18},   {"soldstock", 9},   {"purchases", 9},
-                            {"contacts", 12},    {"reminders", 4},   {"shows", 11},      {"print", 70},
-                            {"expenditure", 8},  {"journal", 6},     {"diet", 5},        {"produce", 7},
-                            {"pictures", 21},    {"productInfo", 3}, {"recent", 3}};
-    SqlFile file(makeFile("new.cax"));
-    Texts names;
-    for (const Table& table : tables) {
-        names.emplace_back(table.name);
-        const Texts columns = file.rows("PRAGMA table_info(" + names.back() + ")");
-        EXPECT_EQ(columns.size(), table.columns) << table.name;
-        // Later versions of the library tell the type in capitals.
-        EXPECT_TRUE(columns.front().starts_with("0|id|") && columns.front().ends_with("|1|NULL|1")) << table.name;
-        EXPECT_EQ(file.value("SELECT count(*) FROM " + names.back()), "0");
-    }
-    EXPECT_EQ(file.rows("SELECT name FROM sqlite_master ORDER BY rowid"), names) << "and no index or trigger";
-    // The samples were laid out by hand.
-    SqlFile byHand(path("by hand.cax"));
-    byHand.run(read(SAMPLES "/rsd-layout.sql"));
-    for (const std::string& name : names) {
-        const std::string columns = "PRAGMA table_info(" + name + ")";
-        EXPECT_EQ(file.rows(columns), byHand.rows(columns)) << name;
-    }
-}
-
-TEST_F(RsdStore, DeclaredTypesKeepTheirSpellingAndTheirEffect) {
-    SqlFile file(makeFile("new.cax"));
-    const auto type = [&](const std::string& table, std::size_t column) {
-        const std::string sql = file.value("SELECT sql FROM sqlite_master WHERE name = '" + table + "'");
-        std::size_t begin = sql.find('(') + 1;
-        for (std::size_t i = 1; i < column; ++i) begin = sql.find(", ", begin) + 2;
-        return sql.substr(begin, sql.find_first_of(",)", begin) - begin);
-    };
-    EXPECT_EQ(type("tree", 8), "dob DATE");
-    EXPECT_EQ(type("tree", 9), "notes varchar");
-    EXPECT_EQ(type("tree", 17), "customfield4 Varchar");
-    EXPECT_EQ(type("tree", 22), "health MEMO");
-    EXPECT_EQ(type("tree", 31), "CustomField7 Varchar");
-    EXPECT_EQ(type("tree", 46), "oldId Integer");
-    EXPECT_EQ(type("settings", 12), "Gestation integer");
-    EXPECT_EQ(type("settings", 28), "Version Varchar");
-    EXPECT_EQ(type("settings", 59), "useBreedColorLists VarChar");
-    EXPECT_EQ(type("breeding", 16), "undefined Varchar");
-    EXPECT_EQ(type("contacts", 10), "notes String");
-    EXPECT_EQ(type("shows", 7), "competitorNum String");
-    EXPECT_EQ(type("print", 55), "backgroundPic Blob");
-    EXPECT_EQ(type("print", 61), "suffixColour");
-    EXPECT_EQ(type("pictures", 4), "pic0 blob");
-    file.run(
-        "INSERT INTO tree(health, notes, oldId) VALUES ('007', '007', '007');"
-        "INSERT INTO print(suffixColour) VALUES ('007')");
-    EXPECT_EQ(file.value("SELECT health, notes, oldId FROM tree"), "7|007|7");
-    EXPECT_EQ(file.value("SELECT suffixColour FROM print"), "007");
-}
 
 TEST_F(RsdStore, FilesWithTheKeyWithoutItAndNoneAtAll) {
     connectData();
@@ -202,6 +111,13 @@ TEST_F(RsdStore, WritingOnInADeletedFileLeavesNoJournalForAnotherOfItsName) {
 }
 
 TEST_F(RsdStore, FieldStringsByTheTextAlone) {
+    const auto fieldString = [&](const std::string& sqlValue, const std::string& type = "Varchar") {
+        SqlFile file(path("value.db"));
+        file.run("DROP TABLE IF EXISTS t; CREATE TABLE t(v " + type + "); INSERT INTO t VALUES(" + sqlValue + ")");
+        dataPath = path("value.db");
+        const auto records = GetRecordset("SELECT * FROM t");
+        return GetFieldString(records.get(), "V");
+    };
     struct Case {
         const char* sql;
         const char* expected;
@@ -396,66 +312,6 @@ TEST_F(RsdStore, GatheredTextsReachTheirRowsInAnyOrderAndOnlyTheirs) {
     db->commit();
     EXPECT_EQ(rowsInFile()[2], "2|p|5|integer");
     EXPECT_THROW(db->updateRows("tree", {"none"}), DatabaseFailure);
-}
-
-TEST_F(RsdStore, ARecordIsSavedOrItsFailureIsTold) {
-    DatabaseRecord record;
-    record.setColumn("Stud", "O'Hara\"; --");
-    EXPECT_THROW(saveToFile(record, "settings"), NullReference) << "there is no database to ask for its message";
-    makeFile("a.rsd");
-    EXPECT_TRUE(saveToFile(record, "settings"));
-    EXPECT_EQ(SqlFile(dataPath).value("SELECT id, Stud, Version FROM settings"), "1|O'Hara\"; --|NULL");
-    DatabaseRecord taken;
-    taken.setColumn("id", "1");
-    EXPECT_TRUE(saveToFile(taken, "settings")) << "a refused row raises nothing";
-    EXPECT_EQ(driver.boxes.size(), 0U);
-    dataPath = path("missing.rsd");
-    EXPECT_FALSE(saveToFile(record, "settings"));
-    ASSERT_EQ(driver.boxes.size(), 2U);
-    EXPECT_EQ(driver.boxes[0].text, "Cannot open database.");
-    EXPECT_EQ(driver.boxes[1].text, db->errorMessage());
-    EXPECT_NE(driver.boxes[1].text, "");
-}
-
-TEST_F(RsdStore, HeadingsMakeTheSettingsRowAndThenChangeIt) {
-    using convertCsvToRsd::saveToSettings;
-    SqlFile file(makeFile("a.rsd"));
-    saveToSettings("CustomName1", "vet's note");
-    EXPECT_EQ(file.rows("SELECT id, CustomName1, CustomName2 FROM settings"), Texts{"1|vet`s note|NULL"});
-    saveToSettings("CustomName2", "colour of eyes");
-    saveToSettings("NoSuchColumn", "x");
-    UpdateVersion();
-    UpdateVersion();
-    EXPECT_EQ(file.rows("SELECT id, CustomName1, CustomName2, Version FROM settings"),
-              Texts{"1|vet`s note|colour of eyes|20402"});
-    EXPECT_EQ(boxTexts(), Texts{});
-    EXPECT_EQ(getRsdCustomHeading("customfield2"), "colour of eyes");
-    file.run("UPDATE settings SET CustomName12 = 'a,b', CustomName13 = 'thirteenth', CustomName3 = 'at 10:00'");
-    EXPECT_EQ(getRsdCustomHeading("CustomField12"), "a b");
-    EXPECT_EQ(getRsdCustomHeading("CustomField13"), "") << "the export knows twelve";
-    EXPECT_EQ(getRsdCustomHeading("CustomField3"), "");
-
-    file.run("UPDATE settings SET id = 5");
-    saveToSettings("CustomName1", "again");
-    saveToSettings("CustomName1", "and again");
-    EXPECT_EQ(file.rows("SELECT id, CustomName1 FROM settings"), (Texts{"5|vet`s note", "6|again", "7|and again"}));
-    file.run("DELETE FROM settings");
-    UpdateVersion();
-    EXPECT_EQ(file.rows("SELECT id, CustomName1, Version FROM settings"), Texts{"1|NULL|20402"});
-    file.run("DROP TABLE settings");
-    EXPECT_THROW(UpdateVersion(), NullReference);
-    EXPECT_THROW(saveToSettings("CustomName1", "x"), NullReference);
-    EXPECT_EQ(getRsdCustomHeading("CustomField1"), "");
-    EXPECT_EQ(boxTexts(), Texts{});
-}
-
-TEST_F(RsdStore, AnEncryptedFileTakesEditsThroughTheKey) {
-    makeFile("locked.rsd", programsKey);
-    convertCsvToRsd::saveToSettings("CustomName1", "secret");
-    UpdateVersion();
-    SqlFile file(dataPath, programsKey);
-    EXPECT_EQ(file.value("SELECT CustomName1, Version FROM settings"), "secret|20402");
-    EXPECT_EQ(read(dataPath).find("secret"), std::string::npos);
 }
 
 }  // namespace
