@@ -41,7 +41,8 @@ class Herd {
         session_->setAutocommit(false);
         for (const char* values :
              {"'Ann',#2020-02-29#,1.5,4,True,'x',12345678901234.5678", "'ann',#1890-01-01 18:00#,-2,4,False,,-2",
-              "'Zoë',#1890-01-01 06:00#,0,2,True,'y',0", ",,,,,,", "'O''Brien',#1899-12-30#,1.5,,True,'%',1.5"}) {
+              "'Zoë',#1890-01-01 06:00#,0,2,True,'y',0", ",,,,,,", "'O''Brien',#1899-12-30#,1.5,,True,'%',1.5",
+              "'İßΣ ',#1899-12-29 23:59:59#,-0.5,255,False,'[a',-0.0001"}) {
             run(std::string("INSERT INTO tree (name,born,price,legs,tame,notes,amount) VALUES (") + values + ")");
         }
         session_->commit();
