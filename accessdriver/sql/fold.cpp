@@ -4,6 +4,7 @@
 #include <cwctype>
 
 #include "accessdriver/jet/cLocale.h"
+#include "accessdriver/jet/database.h"
 
 namespace sql {
 
@@ -31,6 +32,15 @@ std::size_t sequenceLength(std::string_view rest) {
     return 1;
 }
 
+std::string encoded(wint_t code) {
+    if (code < 0x80) return {static_cast<char>(code)};
+    if (code < 0x800) return {static_cast<char>(0xC0 | code >> 6), static_cast<char>(0x80 | (code & 0x3F))};
+    return {static_cast<char>(0xE0 | code >> 12), static_cast<char>(0x80 | (code >> 6 & 0x3F)),
+            static_cast<char>(0x80 | (code & 0x3F))};
+}
+
+// Letters that Access takes for different ones, such as those with an index key each, stay apart: otherwise what is
+// found would depend on whether there is an index.
 void appendFolded(std::string& out, std::string_view sequence) {
     const auto bits = [&](std::size_t i) {
         return static_cast<wint_t>(static_cast<unsigned char>(sequence[i]) & 0x3F);
@@ -38,18 +48,14 @@ void appendFolded(std::string& out, std::string_view sequence) {
     const wint_t code =
         sequence.size() == 2 ? (bits(0) & 0x1F) << 6 | bits(1) : (bits(0) & 0x0F) << 12 | bits(1) << 6 | bits(2);
     const wint_t small = lower(code);
+    constexpr wint_t firstDoubtful = 0x130;
     if (small == code || small > 0xFFFF) {
         out += sequence;
-    } else if (small < 0x80) {
-        out += static_cast<char>(small);
-    } else if (small < 0x800) {
-        out += static_cast<char>(0xC0 | small >> 6);
-        out += static_cast<char>(0x80 | (small & 0x3F));
-    } else {
-        out += static_cast<char>(0xE0 | small >> 12);
-        out += static_cast<char>(0x80 | (small >> 6 & 0x3F));
-        out += static_cast<char>(0x80 | (small & 0x3F));
+        return;
     }
+    const std::string other = encoded(small);
+    const bool same = code < firstDoubtful || jet::sortKey(sequence) == jet::sortKey(other);
+    out += same ? std::string_view(other) : sequence;
 }
 
 }  // namespace
