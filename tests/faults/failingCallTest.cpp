@@ -56,7 +56,7 @@ class FailingCall : public Sweep {
     /// What can't be removed stays.
     std::vector<std::string> leftOver(FaultsKind kind) const {
         if (kind != faultsUnlink) return {};
-        return {route.result + std::string("-journal"), route.result + std::string("-jetjournal")};
+        return {route.result + std::string("-journal"), route.result + std::string("-jetjournal"), copyOfASource};
     }
 
   private:

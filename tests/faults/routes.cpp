@@ -77,6 +77,8 @@ const std::vector<Route> routes = {
     {"CsvToRsd", "CSV to RSD", "Csv", "Rsd", "birds.csv", "birds.cax", readRsd, animalsAreThere, isAllOrNothing},
     {"RsdToCsv", "RSD to CSV", "Rsd", "Csv", "kennel.rsd", "kennel( tree ).csv", readCsv, isBeginningWithGaps,
      isBeginning},
+    {"LoggedRsdToCsv", "logged RSD to CSV", "Rsd", "Csv", "kennel-logged.rsd", "kennel-logged( tree ).csv", readCsv,
+     isBeginningWithGaps, isBeginning},
     {"EncryptedRsdToCsv", "encrypted RSD to CSV", "Rsd", "Csv", "cattery.rsd", "cattery( tree ).csv", readCsv,
      isBeginningWithGaps, isBeginning},
     {"CsvToCav", "CSV to CAV", "Csv", "Cav", "birds.csv", "empty.cav", readCav, isSomeOfTheRows, isAllOrNothing},

@@ -13,7 +13,8 @@ struct Route {
     const char* name;
     const char* from;
     const char* to;
-    const char* source;  ///< one of the samples, or "cattery-plain.rsd": the encrypted one without its key
+    const char* source;  ///< one of the samples; or "cattery-plain.rsd", the encrypted one without its key, or
+                         ///< "kennel-logged.rsd", with its last change in a write-ahead log
     const char* result;  ///< its name beside the copied source
     Contents (*read)(const std::string& path);
     /// Whether this may stand in the result of a run that ended as if all had been done, where the program says nothing

@@ -18,6 +18,15 @@ void decrypt(const std::string& encrypted, const std::string& plain) {
     file.run("ATTACH '" + plain + "' AS plain KEY ''; SELECT sqlcipher_export('plain'); DETACH plain");
 }
 
+/// A file that another program has open, whose last change stands in the log beside it.
+void log(const std::string& sample, const std::string& logged) {
+    const std::string open = logged + "-open";
+    fs::copy_file(sample, open);
+    SqlFile file(open);
+    file.run("PRAGMA journal_mode = WAL; UPDATE tree SET notes = 'in the log'");
+    for (const char* ending : {"", "-wal"}) fs::copy_file(open + ending, logged + ending);
+}
+
 std::string bytesOf(const std::string& path) {
     std::ostringstream bytes;
     bytes << std::ifstream(path, std::ios::binary).rdbuf();
@@ -36,7 +45,8 @@ void Sweep::SetUp() {
     original_ = std::string(SAMPLES) + "/" + route.source;
     if (!fs::exists(original_)) {
         original_ = path(route.source);
-        decrypt(SAMPLES "/cattery.rsd", original_);
+        if (std::string(route.source) == "cattery-plain.rsd") decrypt(SAMPLES "/cattery.rsd", original_);
+        if (std::string(route.source) == "kennel-logged.rsd") log(SAMPLES "/kennel.rsd", original_);
     }
     std::ofstream(path("odbcinst.ini")) << "[Microsoft Access Driver (*.mdb)]\nDriver = " ACCESS_DRIVER_FILE "\n";
     setenv("ODBCSYSINI", own_.c_str(), 1);
@@ -54,7 +64,9 @@ void Sweep::prepare() const {
     fs::create_directories(folder_);
     for (const auto& entry : fs::directory_iterator(folder_)) fs::remove_all(entry);
     fs::create_directory(inFolder("Desktop"));
-    fs::copy_file(original_, inFolder(route.source));
+    for (const char* ending : {"", "-wal"}) {
+        if (fs::exists(original_ + ending)) fs::copy_file(original_ + ending, inFolder(route.source) + ending);
+    }
     if (fillsAFile(route)) fs::copy_file(std::string(SAMPLES) + "/" + route.result, inFolder(route.result));
 }
 
@@ -93,7 +105,7 @@ Sweep::Whole Sweep::runWithoutFault() {
 std::string Sweep::sideEffects(const std::vector<std::string>& leftOver) const {
     std::string wrong;
     const auto isExpected = [&](const std::string& name) {
-        return name == route.source || name == route.result || name == "Desktop" ||
+        return name.starts_with(route.source) || name == route.result || name == "Desktop" ||
                std::any_of(leftOver.begin(), leftOver.end(),
                            [&](const std::string& beginning) { return name.starts_with(beginning); });
     };
@@ -101,7 +113,10 @@ std::string Sweep::sideEffects(const std::vector<std::string>& leftOver) const {
         const std::string name = entry.path().filename().string();
         if (!isExpected(name)) wrong += name + " is left over\n";
     }
-    if (bytesOf(inFolder(route.source)) != bytesOf(original_)) wrong += "the source has changed\n";
+    for (const char* ending : {"", "-journal", "-wal", "-shm"}) {
+        const std::string before = original_ + ending, now = inFolder(route.source) + ending;
+        if (fs::exists(now) != fs::exists(before) || bytesOf(now) != bytesOf(before)) wrong += now + " has changed\n";
+    }
     return wrong;
 }
 

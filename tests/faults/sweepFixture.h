@@ -5,6 +5,9 @@
 #include "tests/faults/routes.h"
 #include "windowdriver/windowDriver.h"
 
+/// What the folder for temporary files, which is the run's own, holds for a source with a log begins so.
+constexpr const char* copyOfASource = "tolvaris-";
+
 /// Runs the routes under faults, each time on fresh copies of the samples in a folder of their own. No window is opened
 /// in this process: the toolkit paints with threads, and a fork has none of them.
 class Sweep : public testing::TestWithParam<Route> {
