@@ -1,5 +1,5 @@
-# tolvaris_test(<executable>): what all tests have in common. They share one precompiled header, are not optimized
-# themselves (the code under test is, and the compiler's time is better spent there), and register each case.
+# tolvaris_test(<executable> [PROPERTIES ...]): what all tests have in common. They share one precompiled header, are not
+# optimized themselves (the code under test is, and the compiler's time is better spent there), and register each case.
 include(GoogleTest)
 find_package(GTest REQUIRED)
 
@@ -22,5 +22,5 @@ endfunction()
 
 function(tolvaris_test target)
     tolvaris_test_code(${target})
-    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST)
+    gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST ${ARGN})
 endfunction()
