@@ -49,7 +49,6 @@ class Filter {
     Truth compare(const jet::Cursor& row) const;
     Truth isLike(const jet::Cursor& row) const;
     Key keyIn(const jet::Cursor& row, const Operand& operand) const;
-    bool ordered() const;
     void addDemands(std::vector<Demand>& demands) const;
     void addBound(std::vector<Demand>& demands) const;
 

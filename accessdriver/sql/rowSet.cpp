@@ -82,18 +82,25 @@ class Unpacker {
 void RowSet::add(const Row& row) {
     if (chunks_.empty() || chunks_.back().size() >= chunkBytes) chunks_.emplace_back().reserve(chunkBytes + 1024);
     std::string& chunk = chunks_.back();
-    starts_.push_back({static_cast<std::uint32_t>(chunks_.size() - 1), static_cast<std::uint32_t>(chunk.size())});
+    const Place place{static_cast<std::uint32_t>(chunks_.size() - 1), static_cast<std::uint32_t>(chunk.size())};
     for (const jet::Value& value : row) {
         chunk += static_cast<char>(value.index());
         std::visit([&](const auto& held) { put(chunk, held); }, value);
     }
+    // A row for which there was no memory is none.
+    starts_.push_back(place);
 }
 
 void RowSet::keepRest() {
     if (!source_) return;
-    Row row(columns_.size());
-    while (source_->next(row)) add(row);
-    source_.reset();
+    const auto source = std::move(source_);
+    try {
+        Row row(columns_.size());
+        while (source->next(row)) add(row);
+    } catch (...) {
+        failure_ = std::current_exception();
+        throw;
+    }
 }
 
 bool RowSet::next() {
@@ -101,6 +108,7 @@ bool RowSet::next() {
         moveTo(next_);
         return true;
     }
+    if (failure_) std::rethrow_exception(failure_);
     if (!source_) return false;
     if (source_->next(current_)) return true;
     source_.reset();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -43,7 +44,8 @@ class RowSet {
     /// Adds one row, a value for each column.
     void add(const Row& row);
 
-    /// Copies what the source would still give.
+    /// Copies what the source would still give. Throws what the source throws; next() throws the same when it comes to
+    /// the rows that could not be copied.
     void keepRest();
 
     /// Lets go of the source; the rows that it would still have given are lost.
@@ -73,6 +75,7 @@ class RowSet {
     std::vector<Place> starts_;
     std::size_t next_ = 0;
     std::unique_ptr<RowSource> source_;
+    std::exception_ptr failure_;  // of copying the rest
 };
 
 }  // namespace sql

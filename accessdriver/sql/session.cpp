@@ -1,7 +1,6 @@
 #include "accessdriver/sql/session.h"
 
 #include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "accessdriver/sql/convert.h"
@@ -140,17 +139,21 @@ void Session::keepRowsThatMayChange(const Plan& change) {
         });
     };
     const auto changing = std::stable_partition(streams_.begin(), streams_.end(), stays);
-    const std::vector<Stream> streams(std::make_move_iterator(changing), std::make_move_iterator(streams_.end()));
-    streams_.erase(changing, streams_.end());
-    for (const Stream& stream : streams) {
-        if (const auto rows = stream.rows.lock()) rows->keepRest();
+    for (auto stream = changing; stream != streams_.end(); ++stream) {
+        if (const auto rows = stream->rows.lock()) rows->keepRest();
     }
+    streams_.erase(changing, streams_.end());
 }
 
 void Session::keepAllRows() {
-    for (const Stream& stream : std::exchange(streams_, {})) {
-        if (const auto rows = stream.rows.lock()) rows->keepRest();
+    for (const Stream& stream : streams_) {
+        try {
+            if (const auto rows = stream.rows.lock()) rows->keepRest();
+        } catch (...) {
+            // Whoever reads on meets the same failure.
+        }
     }
+    streams_.clear();
 }
 
 std::int64_t Session::update(const Plan& plan, std::span<const Literal> parameters) {
@@ -171,10 +174,11 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
     if (!changes.empty()) keepRowsThatMayChange(plan);
     std::size_t done = 0;
     try {
-        for (; done < changes.size(); ++done) {
-            database_->update(*plan.table, changes[done].row, values);
+        for (const Change& change : changes) {
+            database_->update(*plan.table, change.row, values);
+            ++done;
             open_ = true;
-            lookups_.noteUpdate(*plan.table, changes[done].row, values);
+            lookups_.noteUpdate(*plan.table, change.row, values);
         }
     } catch (...) {
         lookups_.drop();
@@ -255,11 +259,7 @@ void Session::commit() {
 }
 
 void Session::rollback() {
-    try {
-        keepAllRows();
-    } catch (const jet::Error&) {
-        // Whoever reads on meets the same failure.
-    }
+    keepAllRows();
     database_->rollback();
     open_ = false;
 }

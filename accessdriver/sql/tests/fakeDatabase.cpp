@@ -10,22 +10,25 @@ using jet::ColumnType;
 
 class FakeCursor : public jet::Cursor {
   public:
-    FakeCursor(const FakeDatabase::Rows& rows, FakeDatabase::Rows::const_iterator at, int& steps)
-        : rows_(rows), at_(at), steps_(steps) {}
+    FakeCursor(FakeDatabase& database, FakeDatabase::Rows::const_iterator at)
+        : database_(database), rows_(database.rows()), at_(at) {}
 
     bool next() override {
         if (started_) ++at_;
         started_ = true;
-        ++steps_;
+        ++database_.steps;
+        if (database_.refuseStepAfter >= 0 && database_.refuseStepAfter-- == 0) {
+            throw jet::Error(jet::Fault::io, "The disk does not answer.");
+        }
         return at_ != rows_.end();
     }
     jet::RowId rowId() const override { return at_->first; }
     jet::Value value(std::size_t column) const override { return at_->second.at(column); }
 
   private:
+    FakeDatabase& database_;
     const FakeDatabase::Rows& rows_;
     FakeDatabase::Rows::const_iterator at_;
-    int& steps_;
     bool started_ = false;
 };
 
@@ -96,13 +99,13 @@ void FakeDatabase::remove(const jet::TableInfo&, std::span<const jet::RowId> row
 
 std::unique_ptr<jet::Cursor> FakeDatabase::scan(const jet::TableInfo&) {
     ++scans;
-    return std::make_unique<FakeCursor>(rows_, rows_.begin(), steps);
+    return std::make_unique<FakeCursor>(*this, rows_.begin());
 }
 
 std::unique_ptr<jet::Cursor> FakeDatabase::fetch(const jet::TableInfo&, jet::RowId row) {
     ++fetches;
     const auto at = rows_.find(row);
-    return at == rows_.end() ? nullptr : std::make_unique<FakeCursor>(rows_, at, steps);
+    return at == rows_.end() ? nullptr : std::make_unique<FakeCursor>(*this, at);
 }
 
 void FakeDatabase::commit() {

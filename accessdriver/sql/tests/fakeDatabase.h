@@ -51,6 +51,7 @@ class FakeDatabase : public jet::Database {
     int updates = 0;
     int commits = 0;
     int refuseUpdateAfter = -1;  ///< so many more updates succeed and the next one fails; -1: all succeed
+    int refuseStepAfter = -1;    ///< the same with steps of scans
     bool refuseCommit = false;
 
   private:
