@@ -5,12 +5,11 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <openssl/core_names.h>
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
-#include <openssl/params.h>
 #include <optional>
 #include <tuple>
+#include <vector>
 
 #include "platform/database/sqliteConnection.h"
 #include "platform/database/sqliteWaiting.h"
@@ -21,38 +20,54 @@ namespace {
 constexpr std::size_t saltSize = 16;
 constexpr std::size_t keySize = 32;
 
-struct FreeMac {
-    void operator()(EVP_MAC* mac) const noexcept { EVP_MAC_free(mac); }
-    void operator()(EVP_MAC_CTX* context) const noexcept { EVP_MAC_CTX_free(context); }
+struct FreeDigest {
+    void operator()(EVP_MD_CTX* context) const noexcept { EVP_MD_CTX_free(context); }
 };
+using Digest = std::unique_ptr<EVP_MD_CTX, FreeDigest>;
 
-/// HMAC with one key, of any number of texts.
+/// HMAC (RFC 2104) with one key, of any number of texts. Both digests that begin with the key are kept and copied for
+/// each text; the library's own HMAC forgets the key between two texts in its releases 3.0.0 to 3.0.2.
 class Hmac {
   public:
-    Hmac(const std::string& key, const char* digest)
-        : mac_(EVP_MAC_fetch(nullptr, "HMAC", nullptr)), context_(EVP_MAC_CTX_new(mac_.get())) {
-        // The library's parameters take their texts without const.
-        const std::array parameters{
-            OSSL_PARAM_construct_utf8_string(OSSL_MAC_PARAM_DIGEST, const_cast<char*>(digest), 0),
-            OSSL_PARAM_construct_end()};
-        good_ = context_ && EVP_MAC_init(context_.get(), reinterpret_cast<const unsigned char*>(key.data()), key.size(),
-                                         parameters.data()) == 1;
-        size_ = good_ ? EVP_MAC_CTX_get_mac_size(context_.get()) : 0;
+    Hmac(const std::string& key, const char* name) {
+        const EVP_MD* digest = EVP_get_digestbyname(name);
+        if (digest == nullptr || !inner_ || !outer_ || !work_) return;
+        size_ = static_cast<std::size_t>(EVP_MD_size(digest));
+        std::vector<unsigned char> pad(static_cast<std::size_t>(EVP_MD_block_size(digest)));
+        good_ = true;
+        if (key.size() <= pad.size()) {
+            std::copy(key.begin(), key.end(), pad.begin());
+        } else {
+            good_ = EVP_Digest(key.data(), key.size(), pad.data(), nullptr, digest, nullptr) == 1;
+        }
+        begin(inner_, digest, pad, 0x36);
+        begin(outer_, digest, pad, 0x36 ^ 0x5C);
+        OPENSSL_cleanse(pad.data(), pad.size());
     }
 
     bool good() const { return good_; }
     std::size_t size() const { return size_; }
 
     void of(const unsigned char* text, std::size_t size, unsigned char* out) {
-        std::size_t written = 0;
-        good_ = good_ && EVP_MAC_init(context_.get(), nullptr, 0, nullptr) == 1 &&
-                EVP_MAC_update(context_.get(), text, size) == 1 &&
-                EVP_MAC_final(context_.get(), out, &written, size_) == 1;
+        digestBehind(inner_, text, size, out);
+        digestBehind(outer_, out, size_, out);
     }
 
   private:
-    std::unique_ptr<EVP_MAC, FreeMac> mac_;
-    std::unique_ptr<EVP_MAC_CTX, FreeMac> context_;
+    void begin(const Digest& context, const EVP_MD* digest, std::vector<unsigned char>& pad, unsigned char mask) {
+        for (unsigned char& byte : pad) byte ^= mask;
+        good_ = good_ && EVP_DigestInit_ex(context.get(), digest, nullptr) == 1 &&
+                EVP_DigestUpdate(context.get(), pad.data(), pad.size()) == 1;
+    }
+
+    void digestBehind(const Digest& start, const unsigned char* text, std::size_t size, unsigned char* out) {
+        good_ = good_ && EVP_MD_CTX_copy_ex(work_.get(), start.get()) == 1 &&
+                EVP_DigestUpdate(work_.get(), text, size) == 1 && EVP_DigestFinal_ex(work_.get(), out, nullptr) == 1;
+    }
+
+    Digest inner_{EVP_MD_CTX_new()};
+    Digest outer_{EVP_MD_CTX_new()};
+    Digest work_{EVP_MD_CTX_new()};
     std::size_t size_ = 0;
     bool good_ = false;
 };
