@@ -20,8 +20,8 @@ std::optional<std::int64_t> plainNumber(std::string_view id) {
 bool AnimalNames::read() {
     auto rows = db_->prepare("SELECT id, name FROM tree");
     while (rows.step()) {
-        const std::int64_t id = rows.integer(0);
         const bool isPlain = rows.type(0) == SQLiteStatement::Type::integer;
+        const std::int64_t id = rows.integer(0);
         if (!isPlain || (!ids_.empty() && id <= ids_.back())) return false;
         names_ += rows.text(1);
         ids_.push_back(id);
