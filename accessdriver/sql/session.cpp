@@ -1,6 +1,7 @@
 #include "accessdriver/sql/session.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "accessdriver/sql/convert.h"
@@ -55,7 +56,12 @@ std::int64_t Session::insert(const Plan& plan, std::span<const Literal> paramete
     keepRowsThatMayChange(plan);
     const jet::RowId row = database_->insert(*plan.table, values);
     open_ = true;
-    lookups_.noteInsert(*plan.table, row, values);
+    try {
+        lookups_.noteInsert(*plan.table, row, values);
+    } catch (const std::bad_alloc&) {
+        // The row is in the file; a lookup without it is no use, and is built anew when it is asked for.
+        lookups_.drop();
+    }
     settle();
     return 1;
 }
