@@ -2,16 +2,11 @@
 
 #include "accessdriver/sql/filter.h"
 #include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/wildcards.h"
 
 namespace sql {
 
 namespace {
-
-std::size_t characterLength(std::string_view text) {
-    std::size_t length = 1;
-    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
-    return length;
-}
 
 // Whether a character stands in the list between brackets, which holds characters and ranges of them.
 bool isListed(std::string_view character, std::string_view list) {
@@ -50,35 +45,12 @@ bool takeOne(std::string_view& text, std::string_view& pattern) {
     return true;
 }
 
-bool isAnyText(std::string_view pattern) {
-    return !pattern.empty() && (pattern.front() == '%' || pattern.front() == '*');
-}
+bool isAnyText(char c) { return c == '%' || c == '*'; }
 
 }  // namespace
 
-// Only the last wildcard for any text is ever gone back to, so that no pattern takes longer than text times pattern.
-bool isLike(std::string_view givenText, std::string_view givenPattern) {
-    const std::string foldedText = folded(givenText);
-    const std::string foldedPattern = folded(givenPattern);
-    std::string_view text = foldedText;
-    std::string_view pattern = foldedPattern;
-    bool starred = false;
-    std::string_view textThen;
-    std::string_view patternThen;
-    while (!text.empty() || !pattern.empty()) {
-        if (isAnyText(pattern)) {
-            pattern.remove_prefix(1);
-            starred = true;
-            textThen = text;
-            patternThen = pattern;
-        } else if (!takeOne(text, pattern)) {
-            if (!starred || textThen.empty()) return false;
-            textThen.remove_prefix(characterLength(textThen));
-            text = textThen;
-            pattern = patternThen;
-        }
-    }
-    return true;
+bool isLike(std::string_view text, std::string_view pattern) {
+    return matchesWildcards(folded(text), folded(pattern), isAnyText, takeOne);
 }
 
 }  // namespace sql

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string_view>
+
+namespace sql {
+
+/// The length of the first character of a UTF-8 text that is not empty.
+inline std::size_t characterLength(std::string_view text) {
+    std::size_t length = 1;
+    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
+    return length;
+}
+
+/// Whether a whole text is like a pattern, of which the caller knows the rules: anyText says of a character whether it
+/// stands for any text, and takeOne(text, pattern) takes from both what the pattern asks of one character, or gives
+/// false. Only the last wildcard for any text is ever gone back to, so that no pattern takes longer than text times
+/// pattern.
+template <class AnyText, class TakeOne>
+bool matchesWildcards(std::string_view text, std::string_view pattern, AnyText anyText, TakeOne takeOne) {
+    bool open = false;
+    std::string_view textThen;
+    std::string_view patternThen;
+    while (!text.empty() || !pattern.empty()) {
+        if (!pattern.empty() && anyText(pattern.front())) {
+            pattern.remove_prefix(1);
+            open = true;
+            textThen = text;
+            patternThen = pattern;
+        } else if (!takeOne(text, pattern)) {
+            if (!open || textThen.empty()) return false;
+            textThen.remove_prefix(characterLength(textThen));
+            text = textThen;
+            pattern = patternThen;
+        }
+    }
+    return true;
+}
+
+}  // namespace sql
