@@ -38,20 +38,20 @@ Range rangeOf(ColumnType type) {
     }
 }
 
-std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
 
 [[noreturn]] void refuseKind(const ColumnInfo& column) {
-    throw Error("07006", "The column " + quoted(column.name) + " can't take a value of this kind.");
+    throw Error("07006", "The column " + inQuotes(column.name) + " can't take a value of this kind.");
 }
 
 [[noreturn]] void refuseText(const char* state, const Literal& literal, const ColumnInfo& column, const char* wanted) {
-    throw Error(state,
-                quoted(literal.text) + " is no " + wanted + ", which the column " + quoted(column.name) + " takes.");
+    throw Error(
+        state, inQuotes(literal.text) + " is no " + wanted + ", which the column " + inQuotes(column.name) + " takes.");
 }
 
 [[noreturn]] void refuseRange(const Literal& literal, const ColumnInfo& column) {
     throw Error("22003", "The number " + std::string(literal.text) + " is out of the range of the column " +
-                             quoted(column.name) + ".");
+                             inQuotes(column.name) + ".");
 }
 
 bool isEmptyText(const Literal& literal) { return literal.kind == Kind::text && trimmed(literal.text).empty(); }
@@ -161,7 +161,7 @@ Value fitText(const Literal& literal, const ColumnInfo& column) {
     }
     const auto most = static_cast<std::size_t>(column.length);
     if (column.type == ColumnType::text && text.size() > most && utf16Length(text) > most) {
-        throw Error("22001", "The text is too long for the column " + quoted(column.name) + ": " +
+        throw Error("22001", "The text is too long for the column " + inQuotes(column.name) + ": " +
                                  std::to_string(utf16Length(text)) + " characters, at most " + std::to_string(most) +
                                  ".");
     }
