@@ -3,7 +3,7 @@
 include(GoogleTest)
 find_package(GTest REQUIRED)
 
-file(WRITE ${CMAKE_BINARY_DIR}/cmake/testHeaders.cpp "// Carries the precompiled header of the tests.\n")
+file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/cmake/testHeaders.cpp CONTENT "// Carries the precompiled header of the tests.\n")
 add_library(testheaders OBJECT ${CMAKE_BINARY_DIR}/cmake/testHeaders.cpp)
 target_link_libraries(testheaders PRIVATE tolvaris_options GTest::gtest)
 target_precompile_headers(testheaders PRIVATE
