@@ -6,8 +6,8 @@
 
 #include "accessdriver/odbc/catalogRows.h"
 #include "accessdriver/odbc/sqlTypes.h"
-#include "accessdriver/sql/fold.h"
-#include "accessdriver/sql/numbers.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/numbers.h"
 
 namespace odbc {
 

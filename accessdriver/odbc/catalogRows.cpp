@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "accessdriver/sql/fold.h"
-#include "accessdriver/sql/wildcards.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/wildcards.h"
 
 namespace odbc::catalogRows {
 

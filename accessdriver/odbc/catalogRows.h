@@ -7,7 +7,7 @@
 #include <sql.h>
 
 #include "accessdriver/jet/database.h"
-#include "accessdriver/sql/rowSet.h"
+#include "accessdriver/sql/run/rowSet.h"
 
 /// What the answers of the catalog functions are made of.
 namespace odbc::catalogRows {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "accessdriver/odbc/sqlTypes.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

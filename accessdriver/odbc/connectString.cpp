@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/fold.h"
-#include "accessdriver/sql/numbers.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/error.h"
+#include "accessdriver/sql/values/numbers.h"
 
 namespace odbc {
 

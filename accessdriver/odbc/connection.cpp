@@ -3,7 +3,7 @@
 #include <array>
 #include <chrono>
 
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

@@ -6,7 +6,7 @@
 
 #include "accessdriver/odbc/attributes.h"
 #include "accessdriver/odbc/handle.h"
-#include "accessdriver/sql/session.h"
+#include "accessdriver/sql/run/session.h"
 
 namespace odbc {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

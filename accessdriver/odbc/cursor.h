@@ -5,7 +5,7 @@
 #include <sql.h>
 #include <sqlext.h>
 
-#include "accessdriver/sql/rowSet.h"
+#include "accessdriver/sql/run/rowSet.h"
 
 namespace odbc {
 

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "accessdriver/odbc/columnAttributes.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "accessdriver/odbc/connection.h"
-#include "accessdriver/sql/rowSet.h"
+#include "accessdriver/sql/run/rowSet.h"
 
 namespace odbc {
 

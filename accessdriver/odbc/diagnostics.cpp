@@ -5,7 +5,7 @@
 #include <new>
 
 #include "accessdriver/jet/database.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

@@ -8,8 +8,8 @@
 #include "accessdriver/odbc/connectString.h"
 #include "accessdriver/odbc/info.h"
 #include "accessdriver/odbc/statement.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/error.h"
 
 using namespace odbc;
 

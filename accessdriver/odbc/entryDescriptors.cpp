@@ -2,7 +2,7 @@
 
 #include "accessdriver/odbc/arguments.h"
 #include "accessdriver/odbc/statement.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 using namespace odbc;
 

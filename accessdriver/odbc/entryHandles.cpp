@@ -1,7 +1,7 @@
 // Allocating and freeing handles.
 
 #include "accessdriver/odbc/statement.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 using namespace odbc;
 

@@ -4,7 +4,7 @@
 #include "accessdriver/odbc/columnAttributes.h"
 #include "accessdriver/odbc/sqlTypes.h"
 #include "accessdriver/odbc/statement.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 using namespace odbc;
 

@@ -4,8 +4,8 @@
 
 #include "accessdriver/odbc/catalog.h"
 #include "accessdriver/odbc/catalogRows.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "accessdriver/odbc/descriptor.h"
-#include "accessdriver/sql/literal.h"
+#include "accessdriver/sql/values/literal.h"
 
 namespace odbc {
 

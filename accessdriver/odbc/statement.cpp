@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <deque>
 
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/fold.h"
-#include "accessdriver/sql/parser.h"
+#include "accessdriver/sql/parse/parser.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

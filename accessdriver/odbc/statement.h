@@ -11,7 +11,7 @@
 #include "accessdriver/odbc/descriptor.h"
 #include "accessdriver/odbc/parameters.h"
 #include "accessdriver/odbc/transfer.h"
-#include "accessdriver/sql/session.h"
+#include "accessdriver/sql/run/session.h"
 
 namespace odbc {
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "accessdriver/odbc/statement.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace odbc {
 

@@ -10,12 +10,12 @@
 
 #include "accessdriver/odbc/sqlTypes.h"
 #include "accessdriver/odbc/text.h"
-#include "accessdriver/sql/calendar.h"
-#include "accessdriver/sql/convert.h"
-#include "accessdriver/sql/decimal.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/key.h"
-#include "accessdriver/sql/numbers.h"
+#include "accessdriver/sql/values/calendar.h"
+#include "accessdriver/sql/values/convert.h"
+#include "accessdriver/sql/values/decimal.h"
+#include "accessdriver/sql/values/error.h"
+#include "accessdriver/sql/values/key.h"
+#include "accessdriver/sql/values/numbers.h"
 
 namespace odbc {
 

@@ -7,7 +7,7 @@
 #include <sqlext.h>
 
 #include "accessdriver/odbc/diagnostics.h"
-#include "accessdriver/sql/rowSet.h"
+#include "accessdriver/sql/run/rowSet.h"
 
 namespace odbc {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "accessdriver/odbc/connectString.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 #include "tests/fuzz/fuzzTarget.h"
 
 namespace {

@@ -7,10 +7,10 @@
 #include <unistd.h>
 
 #include "accessdriver/jet/making/maker.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/filter.h"
-#include "accessdriver/sql/parser.h"
-#include "accessdriver/sql/session.h"
+#include "accessdriver/sql/parse/parser.h"
+#include "accessdriver/sql/run/filter.h"
+#include "accessdriver/sql/run/session.h"
+#include "accessdriver/sql/values/error.h"
 #include "tests/fuzz/fuzzTarget.h"
 
 namespace {

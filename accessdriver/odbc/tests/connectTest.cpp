@@ -8,7 +8,7 @@
 
 #include "accessdriver/odbc/connectString.h"
 #include "accessdriver/odbc/tests/client.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace {
 

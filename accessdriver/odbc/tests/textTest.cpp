@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "accessdriver/odbc/text.h"
-#include "accessdriver/sql/error.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace {
 

@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include "accessdriver/sql/convert.h"
-#include "accessdriver/sql/decimal.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/fold.h"
-#include "accessdriver/sql/key.h"
-#include "accessdriver/sql/numbers.h"
+#include "accessdriver/sql/values/caseFold.h"
+#include "accessdriver/sql/values/convert.h"
+#include "accessdriver/sql/values/decimal.h"
+#include "accessdriver/sql/values/error.h"
+#include "accessdriver/sql/values/key.h"
+#include "accessdriver/sql/values/numbers.h"
 
 namespace {
 

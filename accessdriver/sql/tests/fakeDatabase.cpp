@@ -1,6 +1,6 @@
 #include "accessdriver/sql/tests/fakeDatabase.h"
 
-#include "accessdriver/sql/fold.h"
+#include "accessdriver/sql/values/caseFold.h"
 
 namespace sqltest {
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "accessdriver/sql/calendar.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/parser.h"
+#include "accessdriver/sql/parse/parser.h"
+#include "accessdriver/sql/values/calendar.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace {
 

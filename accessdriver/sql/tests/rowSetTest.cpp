@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "accessdriver/sql/rowSet.h"
+#include "accessdriver/sql/run/rowSet.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "accessdriver/sql/convert.h"
-#include "accessdriver/sql/error.h"
-#include "accessdriver/sql/parser.h"
-#include "accessdriver/sql/session.h"
+#include "accessdriver/sql/parse/parser.h"
+#include "accessdriver/sql/run/session.h"
 #include "accessdriver/sql/tests/fakeDatabase.h"
+#include "accessdriver/sql/values/convert.h"
+#include "accessdriver/sql/values/error.h"
 
 namespace {
 
