@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "accessdriver/odbc/connectString.h"
+#include "accessdriver/odbc/handles/connectString.h"
 #include "accessdriver/sql/values/error.h"
 #include "tests/fuzz/fuzzTarget.h"
 

@@ -42,7 +42,12 @@ room(${sql}/values ${jetSeen})
 room(${sql}/parse ${jetSeen} ${sql}/values)
 room(${sql}/plan ${jetSeen} ${sql}/values ${sql}/parse)
 room(${sql}/run ${jetSeen} ${sql}/values ${sql}/parse ${sql}/plan)
-room(accessdriver/odbc ${jetSeen} ${sql}/values ${sql}/parse ${sql}/plan ${sql}/run)
+set(odbc accessdriver/odbc)
+set(sqlSeen ${sql}/values ${sql}/parse ${sql}/plan ${sql}/run)
+room(${odbc}/data ${jetSeen} ${sqlSeen})
+room(${odbc}/handles ${jetSeen} ${sqlSeen} ${odbc}/data)
+room(${odbc}/catalog ${jetSeen} ${sqlSeen} ${odbc}/data ${odbc}/handles)
+room(${odbc}/entry ${jetSeen} ${sqlSeen} ${odbc}/data ${odbc}/handles ${odbc}/catalog)
 
 # library(<pattern of its headers> <folders and files that may include them>)
 set(libraries "")
@@ -54,7 +59,8 @@ library("Qt(Widgets|Test)/" platform/desktop)
 library("Q(t|[A-Z])" platform/values platform/files platform/desktop)
 library("(sqlcipher/)?sqlite3" platform/database/sqliteConnection.h)
 library("openssl/" platform/database/cipherKey.cpp)
-library("sql(ext|types|ucode)?\\.h|odbcinst" platform/database/odbcConnection.cpp accessdriver/odbc)
+library("sql(ext|types|ucode)?\\.h|odbcinst" platform/database/odbcConnection.cpp
+        ${odbc}/data ${odbc}/handles ${odbc}/catalog ${odbc}/entry)
 
 # Whether a path is one of the given files or lies in one of the given folders itself, not in a room of that folder.
 function(isAmong path allowed result)

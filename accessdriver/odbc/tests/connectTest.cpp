@@ -6,7 +6,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include "accessdriver/odbc/connectString.h"
+#include "accessdriver/odbc/handles/connectString.h"
 #include "accessdriver/odbc/tests/client.h"
 #include "accessdriver/sql/values/error.h"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "accessdriver/odbc/text.h"
+#include "accessdriver/odbc/data/text.h"
 #include "accessdriver/sql/values/error.h"
 
 namespace {

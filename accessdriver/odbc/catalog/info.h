@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <variant>
+
+#include "accessdriver/odbc/handles/connection.h"
+
+namespace odbc {
+
+/// An answer of SQLGetInfo: a text, or a number of 16 or 32 bits.
+using Info = std::variant<std::string, SQLUSMALLINT, SQLUINTEGER>;
+
+/// Throws sql::Error(HY096) for a type of information that the driver does not know.
+Info infoOf(const Connection& connection, SQLUSMALLINT type);
+
+/// The numbers (SQL_API_...) of the functions that the driver has.
+std::span<const SQLUSMALLINT> offeredFunctions();
+
+}  // namespace odbc

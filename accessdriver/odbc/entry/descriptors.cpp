@@ -1,0 +1,146 @@
+// Descriptors, field by field and record by record.
+
+#include "accessdriver/odbc/entry/arguments.h"
+#include "accessdriver/odbc/handles/statement.h"
+#include "accessdriver/sql/values/error.h"
+
+using namespace odbc;
+
+namespace {
+
+bool isPointer(SQLSMALLINT field) {
+    return field == SQL_DESC_ARRAY_STATUS_PTR || field == SQL_DESC_BIND_OFFSET_PTR ||
+           field == SQL_DESC_ROWS_PROCESSED_PTR || field == SQL_DESC_DATA_PTR || field == SQL_DESC_INDICATOR_PTR ||
+           field == SQL_DESC_OCTET_LENGTH_PTR;
+}
+
+// The fields that are not of the two common sizes, as the ODBC reference has them.
+bool isLong(SQLSMALLINT field) {
+    return isPointer(field) || field == SQL_DESC_ARRAY_SIZE || field == SQL_DESC_LENGTH ||
+           field == SQL_DESC_OCTET_LENGTH || field == SQL_DESC_DISPLAY_SIZE;
+}
+
+bool isInteger(SQLSMALLINT field) {
+    return field == SQL_DESC_BIND_TYPE || field == SQL_DESC_AUTO_UNIQUE_VALUE || field == SQL_DESC_CASE_SENSITIVE ||
+           field == SQL_DESC_DATETIME_INTERVAL_PRECISION || field == SQL_DESC_NUM_PREC_RADIX;
+}
+
+bool hasRecord(const Descriptor& descriptor, SQLSMALLINT number) {
+    return number <= std::get<SQLLEN>(descriptor.field(0, SQL_DESC_COUNT));
+}
+
+template <class Char>
+SQLRETURN getField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value, SQLINTEGER capacity,
+                   SQLINTEGER* length) {
+    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) -> SQLRETURN {
+        if (!hasRecord(descriptor, number)) return SQL_NO_DATA;
+        const Descriptor::Field got = descriptor.field(number, field);
+        if (const auto* text = std::get_if<std::string>(&got)) {
+            giveText(&descriptor.diagnostics, *text, static_cast<Char*>(value), capacity, length, Unit::bytes);
+            return SQL_SUCCESS;
+        }
+        const SQLLEN bits = std::get<SQLLEN>(got);
+        if (isLong(field)) {
+            giveValue(bits, value, length);
+        } else if (isInteger(field)) {
+            giveValue(static_cast<SQLINTEGER>(bits), value, length);
+        } else {
+            giveValue(static_cast<SQLSMALLINT>(bits), value, length);
+        }
+        return SQL_SUCCESS;
+    });
+}
+
+template <class Char>
+SQLRETURN setField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value, SQLINTEGER length) {
+    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) {
+        if (field != SQL_DESC_NAME) return descriptor.setField(number, field, reinterpret_cast<SQLLEN>(value));
+        const SQLINTEGER characters = length < 0 ? length : length / static_cast<SQLINTEGER>(sizeof(Char));
+        descriptor.setName(number, utf8From(static_cast<const Char*>(value), characters));
+    });
+}
+
+template <class Char>
+SQLRETURN getRecord(SQLHDESC raw, SQLSMALLINT number, Char* name, SQLSMALLINT capacity, SQLSMALLINT* nameLength,
+                    SQLSMALLINT* type, SQLSMALLINT* subtype, SQLLEN* length, SQLSMALLINT* precision, SQLSMALLINT* scale,
+                    SQLSMALLINT* nullable) {
+    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) -> SQLRETURN {
+        if (!hasRecord(descriptor, number)) return SQL_NO_DATA;
+        const auto numberOf = [&](SQLSMALLINT field) { return std::get<SQLLEN>(descriptor.field(number, field)); };
+        const auto small = [&](SQLSMALLINT field) { return static_cast<SQLSMALLINT>(numberOf(field)); };
+        giveText(&descriptor.diagnostics, std::get<std::string>(descriptor.field(number, SQL_DESC_NAME)), name,
+                 capacity, nameLength);
+        giveValue(small(SQL_DESC_TYPE), type);
+        giveValue(small(SQL_DESC_DATETIME_INTERVAL_CODE), subtype);
+        giveValue(numberOf(SQL_DESC_OCTET_LENGTH), length);
+        giveValue(small(SQL_DESC_PRECISION), precision);
+        giveValue(small(SQL_DESC_SCALE), scale);
+        giveValue(small(SQL_DESC_NULLABLE), nullable);
+        return SQL_SUCCESS;
+    });
+}
+
+}  // namespace
+
+extern "C" {
+
+SQLRETURN SQL_API SQLGetDescField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value,
+                                  SQLINTEGER capacity, SQLINTEGER* length) {
+    return getField<SQLCHAR>(raw, number, field, value, capacity, length);
+}
+
+SQLRETURN SQL_API SQLGetDescFieldW(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value,
+                                   SQLINTEGER capacity, SQLINTEGER* length) {
+    return getField<SQLWCHAR>(raw, number, field, value, capacity, length);
+}
+
+SQLRETURN SQL_API SQLSetDescField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value,
+                                  SQLINTEGER length) {
+    return setField<SQLCHAR>(raw, number, field, value, length);
+}
+
+SQLRETURN SQL_API SQLSetDescFieldW(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value,
+                                   SQLINTEGER length) {
+    return setField<SQLWCHAR>(raw, number, field, value, length);
+}
+
+SQLRETURN SQL_API SQLGetDescRec(SQLHDESC raw, SQLSMALLINT number, SQLCHAR* name, SQLSMALLINT capacity,
+                                SQLSMALLINT* nameLength, SQLSMALLINT* type, SQLSMALLINT* subtype, SQLLEN* length,
+                                SQLSMALLINT* precision, SQLSMALLINT* scale, SQLSMALLINT* nullable) {
+    return getRecord(raw, number, name, capacity, nameLength, type, subtype, length, precision, scale, nullable);
+}
+
+SQLRETURN SQL_API SQLGetDescRecW(SQLHDESC raw, SQLSMALLINT number, SQLWCHAR* name, SQLSMALLINT capacity,
+                                 SQLSMALLINT* nameLength, SQLSMALLINT* type, SQLSMALLINT* subtype, SQLLEN* length,
+                                 SQLSMALLINT* precision, SQLSMALLINT* scale, SQLSMALLINT* nullable) {
+    return getRecord(raw, number, name, capacity, nameLength, type, subtype, length, precision, scale, nullable);
+}
+
+SQLRETURN SQL_API SQLSetDescRec(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT type, SQLSMALLINT subtype, SQLLEN length,
+                                SQLSMALLINT precision, SQLSMALLINT scale, SQLPOINTER data, SQLLEN* lengthPlace,
+                                SQLLEN* indicatorPlace) {
+    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) {
+        descriptor.setField(number, SQL_DESC_TYPE, type);
+        if (type == SQL_DATETIME) descriptor.setField(number, SQL_DESC_DATETIME_INTERVAL_CODE, subtype);
+        descriptor.setField(number, SQL_DESC_OCTET_LENGTH, length);
+        if (type == SQL_C_NUMERIC) {
+            descriptor.setField(number, SQL_DESC_PRECISION, precision);
+            descriptor.setField(number, SQL_DESC_SCALE, scale);
+        }
+        descriptor.setField(number, SQL_DESC_DATA_PTR, reinterpret_cast<SQLLEN>(data));
+        descriptor.setField(number, SQL_DESC_OCTET_LENGTH_PTR, reinterpret_cast<SQLLEN>(lengthPlace));
+        descriptor.setField(number, SQL_DESC_INDICATOR_PTR, reinterpret_cast<SQLLEN>(indicatorPlace));
+    });
+}
+
+SQLRETURN SQL_API SQLCopyDesc(SQLHDESC from, SQLHDESC to) {
+    return withHandle<Descriptor>(to, [&](Descriptor& descriptor) {
+        const auto source = std::static_pointer_cast<Descriptor>(findHandle(from, Descriptor::handleType));
+        if (!source) throw sql::Error("HY000", "The descriptor that was to be copied is not there.");
+        if (&source->connection() == &descriptor.connection()) return descriptor.copyFrom(*source);
+        const std::scoped_lock lock(source->mutex());
+        descriptor.copyFrom(*source);
+    });
+}
+
+}  // extern "C"
