@@ -29,7 +29,8 @@ room(shell ${desktop} ${database} shell/state shell/windows converters)
 
 # The Access driver knows nothing of the program. What callers of jet see lies above and below its rooms.
 set(jet accessdriver/jet)
-set(jetSeen ${jet}/database.h ${jet}/value.h ${jet}/failure.h ${jet}/realNumber.h ${jet}/cLocale.h)
+set(jetSeen ${jet}/database.h ${jet}/value.h ${jet}/failure.h ${jet}/realNumber.h ${jet}/cLocale.h
+            ${jet}/utf8.h)
 room(${jet}/storage ${jetSeen})
 room(${jet}/records ${jetSeen} ${jet}/storage)
 room(${jet}/indexes ${jetSeen} ${jet}/storage ${jet}/records)

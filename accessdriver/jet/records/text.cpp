@@ -3,62 +3,20 @@
 #include <algorithm>
 
 #include "accessdriver/jet/failure.h"
+#include "accessdriver/jet/utf8.h"
 
 namespace jet {
 
 namespace {
 
 constexpr std::uint8_t compressedMark[] = {0xFF, 0xFE};
-constexpr char16_t byteOrderMark = 0xFEFF, replacement = 0xFFFD;
+constexpr char16_t byteOrderMark = 0xFEFF;
 // Shorter texts gain nothing, longer ones are never compressed.
 constexpr std::size_t minCompressed = 3, maxCompressed = 1024;
-
-[[noreturn]] void failUtf8() { throw Error(Fault::badValue, "The text is no valid UTF-8."); }
-
-bool isHigh(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
-bool isLow(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 
 bool isCompressed(ByteSpan stored) {
     return stored.size() >= std::size(compressedMark) &&
            std::equal(std::begin(compressedMark), std::end(compressedMark), stored.begin());
-}
-
-void appendUtf8(std::string& to, char32_t c) {
-    if (c < 0x80) {
-        to.push_back(static_cast<char>(c));
-    } else if (c < 0x800) {
-        to.push_back(static_cast<char>(0xC0 | c >> 6));
-        to.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else if (c < 0x10000) {
-        to.push_back(static_cast<char>(0xE0 | c >> 12));
-        to.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
-        to.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    } else {
-        to.push_back(static_cast<char>(0xF0 | c >> 18));
-        to.push_back(static_cast<char>(0x80 | (c >> 12 & 0x3F)));
-        to.push_back(static_cast<char>(0x80 | (c >> 6 & 0x3F)));
-        to.push_back(static_cast<char>(0x80 | (c & 0x3F)));
-    }
-}
-
-// One character from at on, which is moved behind it.
-char32_t takeCharacter(std::string_view text, std::size_t& at) {
-    const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
-    const std::uint8_t lead = byte(at++);
-    if (lead < 0x80) return lead;
-    const int more = lead >= 0xF0 && lead < 0xF5   ? 3
-                     : lead >= 0xE0 && lead < 0xF0 ? 2
-                     : lead >= 0xC2 && lead < 0xE0 ? 1
-                                                   : 0;
-    if (more == 0 || at + static_cast<std::size_t>(more) > text.size()) failUtf8();
-    char32_t c = lead & (0x3F >> more);
-    for (int i = 0; i < more; ++i, ++at) {
-        if ((byte(at) & 0xC0) != 0x80) failUtf8();
-        c = c << 6 | (byte(at) & 0x3F);
-    }
-    constexpr char32_t least[] = {0, 0x80, 0x800, 0x10000};
-    if (c < least[more] || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) failUtf8();
-    return c;
 }
 
 }  // namespace
@@ -66,32 +24,16 @@ char32_t takeCharacter(std::string_view text, std::size_t& at) {
 std::u16string utf16FromUtf8(std::string_view text) {
     std::u16string units;
     units.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
-        const char32_t c = takeCharacter(text, at);
-        if (c < 0x10000) {
-            units.push_back(static_cast<char16_t>(c));
-        } else {
-            units.push_back(static_cast<char16_t>(0xD800 + ((c - 0x10000) >> 10)));
-            units.push_back(static_cast<char16_t>(0xDC00 + ((c - 0x10000) & 0x3FF)));
-        }
+    while (!text.empty()) {
+        const Utf8Character next = firstCharacter(text);
+        if (next.bytes == 0) throw Error(Fault::badValue, "The text is no valid UTF-8.");
+        forUtf16Units(next.code, [&](char16_t unit) { units.push_back(unit); });
+        text.remove_prefix(next.bytes);
     }
     return units;
 }
 
-std::string utf8FromUtf16(std::u16string_view text) {
-    std::string utf8;
-    utf8.reserve(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t c = text[i];
-        if (isHigh(text[i]) && i + 1 < text.size() && isLow(text[i + 1])) {
-            c = 0x10000 + ((c - 0xD800) << 10) + (text[++i] - 0xDC00);
-        } else if (isHigh(text[i]) || isLow(text[i])) {
-            c = replacement;
-        }
-        appendUtf8(utf8, c);
-    }
-    return utf8;
-}
+std::string utf8FromUtf16(std::u16string_view text) { return utf8FromUnits(text.data(), text.size()); }
 
 std::u16string decodeText(ByteSpan stored) {
     std::u16string units;

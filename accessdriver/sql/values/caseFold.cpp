@@ -5,6 +5,7 @@
 
 #include "accessdriver/jet/cLocale.h"
 #include "accessdriver/jet/database.h"
+#include "accessdriver/jet/utf8.h"
 
 namespace sql {
 
@@ -23,38 +24,14 @@ bool isAscii(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return isAscii(c); });
 }
 
-// Case pairs lie in the two- and three-byte sequences; everything else is copied.
-std::size_t sequenceLength(std::string_view rest) {
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(rest[i]); };
-    const auto continues = [&](std::size_t i) { return i < rest.size() && (byte(i) & 0xC0) == 0x80; };
-    if (byte(0) >= 0xC2 && byte(0) < 0xE0 && continues(1)) return 2;
-    if (byte(0) >= 0xE0 && byte(0) < 0xF0 && continues(1) && continues(2)) return 3;
-    return 1;
-}
-
-std::string encoded(wint_t code) {
-    if (code < 0x80) return {static_cast<char>(code)};
-    if (code < 0x800) return {static_cast<char>(0xC0 | code >> 6), static_cast<char>(0x80 | (code & 0x3F))};
-    return {static_cast<char>(0xE0 | code >> 12), static_cast<char>(0x80 | (code >> 6 & 0x3F)),
-            static_cast<char>(0x80 | (code & 0x3F))};
-}
-
 // Letters that Access takes for different ones, such as those with an index key each, stay apart: otherwise what is
 // found would depend on whether there is an index.
-void appendFolded(std::string& out, std::string_view sequence) {
-    const auto bits = [&](std::size_t i) {
-        return static_cast<wint_t>(static_cast<unsigned char>(sequence[i]) & 0x3F);
-    };
-    const wint_t code =
-        sequence.size() == 2 ? (bits(0) & 0x1F) << 6 | bits(1) : (bits(0) & 0x0F) << 12 | bits(1) << 6 | bits(2);
-    const wint_t small = lower(code);
-    constexpr wint_t firstDoubtful = 0x130;
-    if (small == code || small > 0xFFFF) {
-        out += sequence;
-        return;
-    }
-    const std::string other = encoded(small);
-    const bool same = code < firstDoubtful || jet::sortKey(sequence) == jet::sortKey(other);
+void appendFolded(std::string& out, char32_t code, std::string_view sequence) {
+    const auto small = static_cast<char32_t>(lower(static_cast<wint_t>(code)));
+    constexpr char32_t firstDoubtful = 0x130;
+    std::string other;
+    if (small != code && code <= 0xFFFF && small <= 0xFFFF) jet::appendUtf8(other, small);
+    const bool same = !other.empty() && (code < firstDoubtful || jet::sortKey(sequence) == jet::sortKey(other));
     out += same ? std::string_view(other) : sequence;
 }
 
@@ -63,18 +40,20 @@ void appendFolded(std::string& out, std::string_view sequence) {
 std::string folded(std::string_view text) {
     std::string out;
     out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        if (isAscii(text[i])) {
-            out += lowerAscii(text[i++]);
+    while (!text.empty()) {
+        if (isAscii(text.front())) {
+            out += lowerAscii(text.front());
+            text.remove_prefix(1);
             continue;
         }
-        const std::size_t length = sequenceLength(text.substr(i));
-        if (length == 1) {
-            out += text[i];
+        const jet::Utf8Character next = jet::firstCharacter(text);
+        const std::string_view sequence = text.substr(0, std::max<std::size_t>(next.bytes, 1));
+        if (next.bytes == 0) {
+            out += sequence;
         } else {
-            appendFolded(out, text.substr(i, length));
+            appendFolded(out, next.code, sequence);
         }
-        i += length;
+        text.remove_prefix(sequence.size());
     }
     return out;
 }

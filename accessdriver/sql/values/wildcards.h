@@ -2,13 +2,14 @@
 
 #include <string_view>
 
+#include "accessdriver/jet/utf8.h"
+
 namespace sql {
 
-/// The length of the first character of a UTF-8 text that is not empty.
+/// The length of the first character of a UTF-8 text that is not empty; a byte outside a sequence counts as one.
 inline std::size_t characterLength(std::string_view text) {
-    std::size_t length = 1;
-    while (length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) ++length;
-    return length;
+    const std::size_t length = jet::firstCharacter(text).bytes;
+    return length == 0 ? 1 : length;
 }
 
 /// Whether a whole text is like a pattern, of which the caller knows the rules: anyText says of a character whether it
