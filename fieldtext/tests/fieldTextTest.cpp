@@ -1,12 +1,7 @@
 // The rules for single values and lines.
 
-#include <QtCore/QDate>
-#include <QtCore/QLocale>
-
 #include "fieldtext/normalisers.h"
 #include "fieldtext/textHelpers.h"
-#include "platform/values/date.h"
-#include "platform/values/dateRegion.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 #include "shell/state/appSystem.h"
@@ -27,8 +22,6 @@ class FieldText : public ProgramTest {
         return found;
     }
 };
-
-std::string sql(const std::optional<Date>& date) { return date ? date->sqlForm() : std::string(); }
 
 struct Pair {
     std::string in;
@@ -175,171 +168,6 @@ TEST_F(FieldText, YesNoWords) {
     for (const char* no : {"",  "False", "false", "0",  "0.0", "no",   "truely", "x",   "-",   "",
                            ".", "+",     "1e",    "e5", "0e9", "-0.0", "1.2.3",  "+-1", "0x1", "1 2"})
         EXPECT_EQ(getBooleanString(no), "False") << no;
-}
-
-TEST_F(FieldText, DatesAreReadInTheRegionalOrder) {
-    struct Case {
-        const char* text;
-        const char* dayFirst;
-        const char* monthFirst;
-    };
-    const Case cases[] = {
-        {"1/1/1925", "1925-01-01", "1925-01-01"},
-        {"3/4/2010", "2010-04-03", "2010-03-04"},
-        {"03-04-2010", "2010-04-03", "2010-03-04"},
-        {"3.4.2010", "2010-04-03", "2010-03-04"},
-        {"3 4 2010", "2010-04-03", "2010-03-04"},
-        {" 3 / 4 / 2010 ", "2010-04-03", "2010-03-04"},
-        {"31/1/2010", "2010-01-31", ""},
-        {"1/31/2010", "", "2010-01-31"},
-        {"3/4/69", "1969-04-03", "1969-03-04"},
-        {"3/4/68", "2068-04-03", "2068-03-04"},
-        {"3/4/00", "2000-04-03", "2000-03-04"},
-        {"2010-4-3", "2010-04-03", "2010-04-03"},
-        {"2010/04/03", "2010-04-03", "2010-04-03"},
-        {"3 April 2010", "2010-04-03", "2010-04-03"},
-        {"3-Apr-10", "2010-04-03", "2010-04-03"},
-        {"APRIL 3 2010", "2010-04-03", "2010-04-03"},
-        {"2010 apr 3", "2010-04-03", "2010-04-03"},
-        {"3 Sept 2010", "2010-09-03", "2010-09-03"},
-        {"29/2/2008", "2008-02-29", ""},
-        {"29/2/2009", "", ""},
-        {"29/2/1900", "", ""},
-        {"2/29/2000", "", "2000-02-29"},
-        {"3/4/2010 10:30", "2010-04-03", "2010-03-04"},
-        {"3/4/2010 0:00:00", "2010-04-03", "2010-03-04"},
-        {"3/4/2010 10:30:15.123456 pm", "2010-04-03", "2010-03-04"},
-        {"2010-04-03T00:00:00Z", "2010-04-03", "2010-04-03"},
-        {"2010-04-03T00:00:00+02:00", "2010-04-03", "2010-04-03"},
-        {"2010-04-03 00:00:00.000 +0000", "2010-04-03", "2010-04-03"},
-        {"2010-04-03 23:59-05", "2010-04-03", "2010-04-03"},
-        {"2010-04-03 10:00 UTC", "2010-04-03", "2010-04-03"},
-        {"2010-04-03 10:00 +02:", "", ""},
-        {"2010-04-03 10:00 +0260", "", ""},
-        {"2010-04-03 10:00 +020", "", ""},
-        {"2010-04-03 10:00 CET", "", ""},
-        {"April 3, 2010", "2010-04-03", "2010-04-03"},
-        {"3. Apr. 2010", "2010-04-03", "2010-04-03"},
-        {"Saturday, 3 April 2010", "2010-04-03", ""},
-        {"Sat, April 3, 2010", "", "2010-04-03"},
-        {"\uFF13\uFF0F\uFF14\uFF0F\uFF12\uFF10\uFF11\uFF10", "2010-04-03", "2010-03-04"},  // full width
-        {"\u0663/\u0664/2010", "2010-04-03", "2010-03-04"},                                // Arabic digits
-        {"3/4/2010 25:00", "", ""},
-        {"3/4/2010 later", "", ""},
-        {"3/4-2010", "", ""},
-        {"3/4/201", "", ""},
-        {"3/4/5", "", ""},
-        {"0/4/2010", "", ""},
-        {"3/13/2010", "", "2010-03-13"},
-        {"13/13/2010", "", ""},
-        {"3/4/0000", "", ""},
-        {"3/4", "", ""},
-        {"2010", "", ""},
-        {"20100403", "", ""},
-        {"3/4/20100", "", ""},
-        {"+3/4/2010", "", ""},
-        {"3 Nonsense 2010", "", ""},
-        {"unknown", "", ""},
-        {"", "", ""},
-        {"//", "", ""},
-        {"3//4/2010", "", ""},
-    };
-    const dates::Region british(QLocale("en_GB"));
-    const dates::Region american(QLocale("en_US"));
-    for (const Case& c : cases) {
-        EXPECT_EQ(sql(dates::parse(c.text, british)), c.dayFirst) << c.text;
-        EXPECT_EQ(sql(dates::parse(c.text, american)), c.monthFirst) << c.text;
-    }
-    EXPECT_EQ(sql(dates::parseSql("2010-04-03T00:00:00+02:00")), "2010-04-03");
-    EXPECT_EQ(sql(dates::parseSql("2010-4-03")), "");
-    EXPECT_EQ(sql(CDate("3/4/2010")), "2010-04-03") << "the tests run with a region that has the day first";
-}
-
-TEST_F(FieldText, EveryRegionReadsItsOwnForms) {
-    int regions = 0;
-    for (const QLocale& locale :
-         QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory)) {
-        const dates::Region region(locale);
-        for (int month = 1; month <= 12; ++month) {
-            const QDate day(2010, month, 3);
-            const auto reads = [&](const QString& form) {
-                const std::string text = locale.toString(day, form).toStdString();
-                EXPECT_EQ(sql(dates::parse(text, region)), day.toString(Qt::ISODate).toStdString())
-                    << locale.bcp47Name().toStdString() << " " << text;
-            };
-            for (const auto length : {QLocale::ShortFormat, QLocale::LongFormat}) {
-                QString form = locale.dateFormat(length).replace("yyyy", "yy");
-                reads(form);
-                reads(form.replace("yy", "yyyy"));
-            }
-        }
-        ++regions;
-    }
-    EXPECT_GT(regions, 600);
-}
-
-TEST_F(FieldText, RegionsThatPutTheYearInFrontAndThoseThatCloseWithAMark) {
-    struct Case {
-        const char* region;
-        const char* text;
-        const char* date;
-    };
-    for (const Case& c : {Case{"sv_SE", "10-04-03", "2010-04-03"},
-                          {"sv_SE", "10/4/3", "2010-04-03"},
-                          {"sv_SE", "3/4/2010", "2010-04-03"},  // as the long form has it
-                          {"ja_JP", "10/04/03", "2010-04-03"},
-                          {"ja_JP", "4/3/2010", "2010-04-03"},
-                          {"ja_JP", "10/13/03", ""},
-                          {"eu_ES", "10/4/13", "2010-04-13"},
-                          {"hu_HU", "2010.04.03", "2010-04-03"},
-                          {"hu_HU", "2010. 4. 3. 8:15:00", "2010-04-03"},
-                          {"hr_HR", "3.4.2010.", "2010-04-03"},
-                          {"bg_BG", "3.04.2010 \u0433", "2010-04-03"},
-                          {"ar_EG", "\u0663\u200F/\u0664\u200F/\u0662\u0660\u0661\u0660", "2010-04-03"},
-                          {"ar_EG", "3/4/10", "2010-04-03"},
-                          {"fr_FR", "3 f\u00E9vr. 2010", "2010-02-03"},
-                          {"fr_FR", "3 FE\u0301VRIER 2010", "2010-02-03"},  // the accent as a character of its own
-                          {"de_DE", "Samstag, 3. April 2010", "2010-04-03"},
-                          {"de_DE", "Sa. 3.4.2010", ""},
-                          {"C", "3/4/2010", "2010-03-04"}}) {
-        EXPECT_EQ(sql(dates::parse(c.text, dates::Region(QLocale(c.region)))), c.date) << c.region << " " << c.text;
-    }
-}
-
-TEST_F(FieldText, TheRegionOfDatesIsNotThatOfTheLanguage) {
-    struct Case {
-        const char* all;
-        const char* time;
-        const char* language;
-        const char* date;
-    };
-    for (const Case& c : {Case{"", "de_DE.UTF-8", "C.UTF-8", "2010-04-03"},
-                          {"", "de_DE@euro", "en_US.UTF-8", "2010-04-03"},
-                          {"", "C", "de_DE.UTF-8", "2010-03-04"},
-                          {"", "", "de_DE.UTF-8", "2010-04-03"},
-                          {"en_US", "de_DE", "de_DE", "2010-03-04"},
-                          {"", "", "", "2010-03-04"}}) {
-        qputenv("LC_ALL", c.all);
-        qputenv("LC_TIME", c.time);
-        qputenv("LANG", c.language);
-        EXPECT_EQ(sql(dates::parse("3/4/2010", dates::Region::ofTheComputer())), c.date)
-            << c.all << " " << c.time << " " << c.language;
-    }
-    qputenv("LC_ALL", "en_GB.UTF-8");
-}
-
-TEST_F(FieldText, DatesForTheDatabase) {
-    for (const Pair& c : {Pair{"", ""},
-                          {"2010-04-03", "2010-04-03"},
-                          {"2010-13-99", "2010-13-99"},
-                          {"2010-04-03 10:00", "2010-04-03 10:00"},
-                          {"abcd-ef-gh", "abcd-ef-gh"},
-                          {"\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9-04-03", "\xC3\xA9\xC3\xA9\xC3\xA9\xC3\xA9-04-03"},
-                          {"2010-4-3", "2010-04-03"},
-                          {"3/4/2010", "2010-04-03"},
-                          {"spring", ""}}) {
-        EXPECT_EQ(convDisplayDateToSql(c.in), c.out) << c.in;
-    }
 }
 
 }  // namespace

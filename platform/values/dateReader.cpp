@@ -9,8 +9,11 @@
 namespace dates {
 namespace {
 
-/// Bytes; twice what the longest of all regions' forms takes. Notes of any length come here too.
+/// In bytes: twice the longest date in any region's forms. Longer texts, such as notes, are no dates.
 constexpr std::size_t longestDate = 256;
+
+/// Endings of a day's number, as `comparable` gives them: "1st", "1er", "1º".
+constexpr std::array<std::string_view, 8> ordinalEndings{"st", "nd", "rd", "th", "er", ".o", "o", "\xC2\xB0"};
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 bool isSeparator(char c) { return c == '/' || c == '-' || c == '.'; }
@@ -22,7 +25,7 @@ bool isReal(const Date& date) {
     return date.day <= days[static_cast<std::size_t>(date.month - 1)] + (leap && date.month == 2 ? 1 : 0);
 }
 
-/// Takes a text apart from the left.
+/// Reads a text from left to right.
 class Reader {
   public:
     explicit Reader(std::string_view text) : rest_(text) {}
@@ -31,7 +34,7 @@ class Reader {
     std::string_view rest() const { return rest_; }
     void skip(std::size_t bytes) { rest_.remove_prefix(bytes); }
 
-    /// Takes the text, given in lower case, in any letter case.
+    /// Skips `wanted`, given in lower case, if the rest begins with it in any letter case. Returns whether it did.
     bool take(std::string_view wanted) {
         if (rest_.size() < wanted.size()) return false;
         for (std::size_t i = 0; i < wanted.size(); ++i) {
@@ -45,7 +48,7 @@ class Reader {
     bool skipBlanks() { return skipAll(" ") > 0; }
     bool skipDigits() { return skipAll("0123456789") > 0; }
 
-    /// Passes over two digits, whatever follows them.
+    /// Skips two digits. Returns whether they were there and make a number of at most `largest`.
     bool skipPair(int largest) {
         if (rest_.size() < 2 || !isDigit(rest_[0]) || !isDigit(rest_[1])) return false;
         const int value = (rest_[0] - '0') * 10 + (rest_[1] - '0');
@@ -53,7 +56,7 @@ class Reader {
         return value <= largest;
     }
 
-    /// All digits that stand here: a number of so many digits, or nothing.
+    /// Reads all digits at the beginning of the rest: a number of `least` to `most` digits, or nothing.
     std::optional<int> number(std::size_t least, std::size_t most) {
         const std::size_t size = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
         if (size < least || size > most) return std::nullopt;
@@ -73,7 +76,7 @@ class Reader {
     std::string_view rest_;
 };
 
-/// The zone of a time: "Z", a name of the world's time, or hours and minutes off it; or nothing.
+/// Whether the rest is empty or the zone of a time: "Z", "UTC", "GMT", or hours and minutes off UTC.
 bool isZoneOrEnd(Reader reader) {
     reader.skipBlanks();
     if (reader.atEnd()) return true;
@@ -85,7 +88,7 @@ bool isZoneOrEnd(Reader reader) {
     return reader.skipPair(59) && reader.atEnd();
 }
 
-/// A time of day, or nothing at all, up to the end of the text.
+/// Whether the rest is empty or a time of day, with or without a zone.
 bool isTimeOrEnd(Reader reader) {
     const bool blank = reader.skipBlanks();
     if (reader.atEnd()) return true;
@@ -103,7 +106,7 @@ bool isTimeOrEnd(Reader reader) {
     return isZoneOrEnd(reader);
 }
 
-/// Reads one text by one form.
+/// Reads one text in one form.
 class FormReader {
   public:
     FormReader(const Region& region, std::string_view text) : region_(region), reader_(text) {}
@@ -120,6 +123,8 @@ class FormReader {
         switch (piece.kind) {
             case Piece::Kind::day:
                 return sets(date_.day, reader_.number(1, 2));
+            case Piece::Kind::ordinalDay:
+                return takesOrdinalDay();
             case Piece::Kind::month:
                 return sets(date_.month, reader_.number(1, 2));
             case Piece::Kind::monthName:
@@ -158,16 +163,25 @@ class FormReader {
         return sets(date_.year, year ? std::optional(*year + (*year >= 69 ? 1900 : 2000)) : std::nullopt);
     }
 
+    bool takesOrdinalDay() {
+        if (!sets(date_.day, reader_.number(1, 2))) return false;
+        for (const std::string_view ending : ordinalEndings) {
+            if (reader_.take(ending)) break;
+        }
+        return true;
+    }
+
     bool takesMonthName() {
         const auto [bytes, month] = region_.monthAt(reader_.rest());
         reader_.skip(bytes);
+        reader_.take(".");
         date_.month = month;
         return month > 0;
     }
 
-    /// Blanks count for nothing, and commas may be left out.
+    /// Skips the literal, in which blanks don't count and commas are optional. False if nothing of it is there.
     bool takesLiteral(std::string_view literal) {
-        bool found = reader_.skipBlanks();
+        bool found = reader_.skipBlanks() || literal.empty();
         for (const char c : literal) {
             if (c == ' ') continue;
             const bool same = !reader_.atEnd() && reader_.rest().front() == c;
@@ -185,7 +199,8 @@ class FormReader {
         reader_.take(".");
     }
 
-    /// One of "/", "-", "." with or without blanks around it, or blanks alone, given as a blank; none is '\0'.
+    /// Skips one of "/", "-", "." with or without blanks around it, or blanks alone. Returns the separator, a blank for
+    /// blanks alone, or '\0' if there is none.
     char takeSeparator() {
         char kind = reader_.skipBlanks() ? ' ' : '\0';
         if (!reader_.atEnd() && isSeparator(reader_.rest().front())) {
@@ -196,7 +211,7 @@ class FormReader {
         return kind;
     }
 
-    /// A full stop behind a shortened name, and then a separator or a comma.
+    /// Skips a full stop, a comma and a separator, each of them optional. False if none is there.
     bool takesLooseSeparator() {
         const bool stop = reader_.take(".");
         const bool comma = reader_.take(",");
@@ -209,6 +224,13 @@ class FormReader {
     char separator_ = '\0';
 };
 
+std::optional<Date> readInAnyForm(std::string_view written, const Region& region) {
+    for (const Form& form : region.forms()) {
+        if (const auto date = FormReader(region, written).read(form)) return date;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 std::optional<Date> parse(std::string_view text) {
@@ -220,10 +242,9 @@ std::optional<Date> parse(std::string_view text, const Region& region) {
     const std::string_view trimmed = text::trim(text);
     if (trimmed.size() > longestDate) return std::nullopt;
     const std::string written = comparable(trimmed);
-    for (const Form& form : region.forms()) {
-        if (const auto date = FormReader(region, written).read(form)) return date;
-    }
-    return std::nullopt;
+    // Two months may differ in an accent alone, so accents count first.
+    const auto date = readInAnyForm(written, region);
+    return date ? date : readInAnyForm(withoutAccents(written), region);
 }
 
 std::optional<Date> parseSql(std::string_view text) {

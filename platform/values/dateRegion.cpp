@@ -5,17 +5,15 @@
 
 #include <QtCore/QLocale>
 
-#include "platform/values/text.h"
-
 namespace dates {
 namespace {
 
 using Kind = Piece::Kind;
 
-/// The locale that dates follow.
+/// Returns the locale of the system's settings for dates.
 QLocale computersLocale() {
 #if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
-    // The toolkit's locale of the system is named for the language, which may be none while dates have their region.
+    // QLocale::system() is named after the language. The language may be unset while dates have a region of their own.
     for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
         if (const QByteArray name = qgetenv(variable); !name.isEmpty()) return QLocale(QString::fromLocal8Bit(name));
     }
@@ -23,6 +21,21 @@ QLocale computersLocale() {
 #else
     return QLocale::system();
 #endif
+}
+
+/// Whether the toolkit has no forms for the locale and gives those of the Unicode locale data's root instead.
+bool hasRootForms(const QLocale& locale) {
+    return locale.dateFormat(QLocale::ShortFormat) == "yyyy-MM-dd" &&
+           locale.dateFormat(QLocale::LongFormat) == "yyyy MMMM d, dddd";
+}
+
+/// Returns the locale that gives the order of day, month and year. Without forms of its own, a locale has the order of
+/// its territory, in whichever language the toolkit knows it: 3/4/2010 is 3 April for Occitan in France.
+QLocale orderingLocale(const QLocale& locale) {
+    if (!hasRootForms(locale)) return locale;
+    const auto neighbours = QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, locale.territory());
+    const auto known = std::find_if_not(neighbours.begin(), neighbours.end(), hasRootForms);
+    return known == neighbours.end() ? locale : *known;
 }
 
 Kind kindOf(QChar letter, qsizetype count) {
@@ -36,7 +49,20 @@ void appendLiteral(Form& form, const QString& text) {
     form.back().text += text.toStdString();
 }
 
-/// The pieces of a pattern such as "dddd, d 'de' MMMM yyyy".
+/// Adapts a form with a month name: the day may have an ordinal ending, and a full stop belongs to the name.
+void allowWords(Form& form) {
+    for (std::size_t i = 1; i < form.size(); ++i) {
+        if (form[i - 1].kind != Kind::monthName || form[i].kind != Kind::literal) continue;
+        if (form[i].text.starts_with('.')) form[i].text.erase(0, 1);
+    }
+    const auto isMonthName = [](const Piece& piece) { return piece.kind == Kind::monthName; };
+    if (std::none_of(form.begin(), form.end(), isMonthName)) return;
+    for (Piece& piece : form) {
+        if (piece.kind == Kind::day) piece.kind = Kind::ordinalDay;
+    }
+}
+
+/// Parses a pattern of the toolkit such as "dddd, d 'de' MMMM yyyy".
 Form formOf(const QString& pattern) {
     Form form;
     for (qsizetype at = 0; at < pattern.size();) {
@@ -57,10 +83,11 @@ Form formOf(const QString& pattern) {
         }
     }
     for (Piece& piece : form) piece.text = comparable(piece.text);
+    allowWords(form);
     return form;
 }
 
-/// What may close a date: the text without marks around it.
+/// Makes the last piece of a form from the literal there: the text without the punctuation around it.
 Piece ending(std::string_view text) {
     static constexpr std::string_view marks = " .,-";
     const std::size_t begin = std::min(text.find_first_not_of(' '), text.size());
@@ -99,7 +126,7 @@ bool comesFirst(const Form& form, std::array<Kind, 2> first, std::array<Kind, 2>
 
 constexpr std::array years{Kind::year, Kind::fourDigitYear};
 constexpr std::array months{Kind::month, Kind::monthName};
-constexpr std::array days{Kind::day, Kind::day};
+constexpr std::array days{Kind::day, Kind::ordinalDay};
 
 Form numbers(Kind first, Kind second, Kind third) {
     return {{first}, {Kind::separator}, {second}, {Kind::sameSeparator}, {third}};
@@ -109,25 +136,25 @@ Form words(Kind first, Kind second, Kind third) {
     return {{first}, {Kind::looseSeparator}, {second}, {Kind::looseSeparator}, {third}};
 }
 
-/// The short and the long form as the toolkit has them.
+/// Returns the short and the long form as the toolkit has them.
 std::vector<Form> ownForms(const Form& shortForm, const Form& longForm) {
     return {withEnding(shortForm), withEnding(withoutWeekday(longForm)), withEnding(longForm)};
 }
 
-/// What people type who don't keep to a form.
+/// Returns the forms that are accepted beside the region's own.
 std::vector<Form> lenientForms(bool yearFirst, bool monthFirst) {
     std::vector<Form> forms{numbers(Kind::fourDigitYear, Kind::month, Kind::day)};
     if (yearFirst) forms.push_back(numbers(Kind::year, Kind::month, Kind::day));
     // Where two digits in front are the year, those at the end are not.
     const Kind year = yearFirst ? Kind::fourDigitYear : Kind::year;
     forms.push_back(monthFirst ? numbers(Kind::month, Kind::day, year) : numbers(Kind::day, Kind::month, year));
-    forms.push_back(words(Kind::day, Kind::monthName, Kind::year));
-    forms.push_back(words(Kind::monthName, Kind::day, Kind::year));
-    forms.push_back(words(Kind::fourDigitYear, Kind::monthName, Kind::day));
+    forms.push_back(words(Kind::ordinalDay, Kind::monthName, Kind::year));
+    forms.push_back(words(Kind::monthName, Kind::ordinalDay, Kind::year));
+    forms.push_back(words(Kind::fourDigitYear, Kind::monthName, Kind::ordinalDay));
     return forms;
 }
 
-/// Each name once, the longest first; of months with the same name, the one that came first.
+/// Sorts names by length, the longest first, and keeps the first of several equal ones.
 template <typename Names, typename TextOf>
 void sortForSearch(Names& names, TextOf textOf) {
     std::stable_sort(names.begin(), names.end(), [&](const auto& a, const auto& b) {
@@ -156,7 +183,7 @@ std::string comparable(std::string_view text) {
         }
         return out;
     }
-    // The composed form is one for letters with accents in either spelling, full-width figures and narrow blanks.
+    // The composed form is the same for either spelling of an accent, full-width digits and narrow blanks.
     const QString composed =
         QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).normalized(QString::NormalizationForm_KC);
     QString out;
@@ -168,11 +195,21 @@ std::string comparable(std::string_view text) {
             out += ' ';
         } else if (code == 0x2019) {
             out += '\'';
+        } else if (code == 0x130 || code == 0x131) {
+            // The small letters of "ARALIK" are "aralık" in Turkish and "aralik" elsewhere.
+            out += 'i';
         } else {
             out += QStringView(QChar::fromUcs4(code));
         }
     }
-    return text::lower(out.toStdString());
+    return out.toCaseFolded().toStdString();
+}
+
+std::string withoutAccents(std::string_view text) {
+    QString letters =
+        QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).normalized(QString::NormalizationForm_D);
+    letters.removeIf([](QChar c) { return c.unicode() >= 0x300 && c.unicode() <= 0x36F; });
+    return letters.normalized(QString::NormalizationForm_C).toStdString();
 }
 
 Region::Region(const QLocale& locale) {
@@ -182,21 +219,32 @@ Region::Region(const QLocale& locale) {
                 months_.emplace_back(nameOf(language.monthName(month, length)), month);
                 months_.emplace_back(nameOf(language.standaloneMonthName(month, length)), month);
             }
-            for (int day = 1; day <= 7; ++day) weekdays_.push_back(nameOf(language.dayName(day, length)));
+            for (int day = 1; day <= 7; ++day) {
+                weekdays_.push_back(nameOf(language.dayName(day, length)));
+                weekdays_.push_back(nameOf(language.standaloneDayName(day, length)));
+            }
         }
     }
     months_.emplace_back("sept", 9);
+    // Of two months whose names differ in an accent alone, the one that is written without it has the bare name.
+    for (std::size_t i = 0, named = months_.size(); i < named; ++i) {
+        months_.emplace_back(withoutAccents(months_[i].first), months_[i].second);
+    }
+    for (std::size_t i = 0, named = weekdays_.size(); i < named; ++i) {
+        weekdays_.push_back(withoutAccents(weekdays_[i]));
+    }
     sortForSearch(months_, [](const auto& name) -> const std::string& { return name.first; });
     sortForSearch(weekdays_, [](const auto& name) -> const std::string& { return name; });
 
-    const Form shortForm = formOf(locale.dateFormat(QLocale::ShortFormat));
-    const Form longForm = formOf(locale.dateFormat(QLocale::LongFormat));
+    forms_ = ownForms(formOf(locale.dateFormat(QLocale::ShortFormat)), formOf(locale.dateFormat(QLocale::LongFormat)));
+    const QLocale ordering = orderingLocale(locale);
+    const Form shortForm = formOf(ordering.dateFormat(QLocale::ShortFormat));
+    const Form longForm = formOf(ordering.dateFormat(QLocale::LongFormat));
     const bool yearFirst = comesFirst(shortForm, years, days);
-    // Where the short form begins with the year, it doesn't tell how day and month stand in front of one.
-    // Without regional settings the C library's own form counts, month first.
+    // A short form that begins with the year doesn't say how day and month are ordered in front of a year.
+    // Without regional settings, dates have the C library's own order, month first.
     const bool monthFirst =
         locale.language() == QLocale::C || comesFirst(yearFirst ? longForm : shortForm, months, days);
-    forms_ = ownForms(shortForm, longForm);
     for (Form& form : lenientForms(yearFirst, monthFirst)) forms_.push_back(std::move(form));
 }
 
