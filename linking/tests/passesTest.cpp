@@ -12,6 +12,7 @@
 #include "linking/tests/collidingHerds.h"
 #include "linking/tests/literalLinking.h"
 #include "platform/database/sqliteDatabase.h"
+#include "platform/database/sqliteLike.h"
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
@@ -87,6 +88,8 @@ class Passes : public ProgramTest {
             quick.DatabaseFile = FileReference(test.path("quick.cax"));
             EXPECT_TRUE(quick.connect());
             literal.run("PRAGMA synchronous = OFF");
+            // The library's own LIKE gives other answers about U+0080 in its earlier releases.
+            detail::defineLike(literal.handle());
         }
 
         void compare(const std::string& after) {

@@ -1,67 +1,61 @@
 #include "platform/database/sqliteLike.h"
 
-#include <algorithm>
-#include <cstring>
-#include <string>
+#include <exception>
+#include <memory>
+#include <optional>
 
 #include "platform/database/sqliteConnection.h"
+#include "platform/values/likePattern.h"
 
 namespace {
 
-/// From here on the library takes too long; below, it is the judge of itself.
-constexpr std::ptrdiff_t manyWildcards = 4;
-
-/// To the next character in the library's own reading: a lead byte takes all continuation bytes that follow.
-const char* next(const char* at) {
-    const bool leads = static_cast<unsigned char>(*at++) >= 0xC0;
-    while (leads && (static_cast<unsigned char>(*at) & 0xC0U) == 0x80U) ++at;
-    return at;
+/// The value must not be NULL.
+std::string_view textOf(sqlite3_value* value) {
+    const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
+    if (bytes == nullptr) throw std::bad_alloc();
+    return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
-bool isLike(const std::string& pattern, const char* text) { return sqlite3_strlike(pattern.c_str(), text, 0) == 0; }
-
-/// Takes the pattern piece by piece, each at the first place where it fits. What lies behind is the longest rest, so no
-/// other place would give the pieces that follow a better chance.
-bool matches(const char* pattern, const char* text) {
-    const char* wildcard = std::strchr(pattern, '%');
-    std::string piece(pattern, wildcard);
-    for (bool anchored = true;; anchored = false) {
-        const std::string start = piece + '%';
-        while (!isLike(start, text)) {
-            if (anchored || *text == '\0') return false;
-            text = next(text);
-        }
-        for (const char* at = piece.c_str(); *at != '\0'; at = next(at)) text = next(text);
-        pattern = wildcard + 1;
-        wildcard = std::strchr(pattern, '%');
-        if (wildcard == nullptr) break;
-        piece.assign(pattern, wildcard);
-    }
-    // The last piece has to reach the end.
-    piece = pattern;
-    while (!isLike(piece, text)) {
-        if (*text == '\0') return piece.empty();
-        text = next(text);
-    }
-    return true;
-}
-
-/// like(pattern, text), as the library calls it for "text LIKE pattern".
-void like(sqlite3_context* context, int /*count*/, sqlite3_value** arguments) {
-    const auto* pattern = reinterpret_cast<const char*>(sqlite3_value_text(arguments[0]));
-    const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(arguments[1]));
-    if (pattern == nullptr || text == nullptr) return;
-    const int size = sqlite3_value_bytes(arguments[0]);
-    if (size > sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1)) {
+std::unique_ptr<LikePattern> compile(sqlite3_context* context, int count, sqlite3_value** arguments) {
+    const std::string_view pattern = textOf(arguments[0]);
+    const int longest = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1);
+    if (pattern.size() > static_cast<std::size_t>(longest)) {
         sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1);
-        return;
+        return nullptr;
     }
-    const bool many = std::count(pattern, pattern + std::strlen(pattern), '%') >= manyWildcards;
-    sqlite3_result_int(context, many ? matches(pattern, text) : isLike(pattern, text));
+    if (count == 2) return std::make_unique<LikePattern>(pattern);
+    const std::u32string escape = LikePattern::decode(textOf(arguments[2]));
+    if (escape.size() == 1) return std::make_unique<LikePattern>(pattern, escape.front());
+    sqlite3_result_error(context, "ESCAPE expression must be a single character", -1);
+    return nullptr;
+}
+
+/// like(pattern, text) and like(pattern, text, escape), as the library calls them for "text LIKE pattern". A pattern
+/// without an escape character is compiled once for a statement if it is the same for all rows.
+void like(sqlite3_context* context, int count, sqlite3_value** arguments) {
+    for (int i = 0; i < count; ++i) {
+        if (sqlite3_value_type(arguments[i]) == SQLITE_NULL) return;
+    }
+    try {
+        const auto* known = count == 2 ? static_cast<LikePattern*>(sqlite3_get_auxdata(context, 0)) : nullptr;
+        auto compiled = known == nullptr ? compile(context, count, arguments) : nullptr;
+        const LikePattern* pattern = known == nullptr ? compiled.get() : known;
+        if (pattern == nullptr) return;
+        sqlite3_result_int(context, pattern->matches(textOf(arguments[1])) ? 1 : 0);
+        if (count != 2 || !compiled) return;
+        sqlite3_set_auxdata(context, 0, compiled.release(),
+                            [](void* pattern) { delete static_cast<LikePattern*>(pattern); });
+    } catch (const std::exception&) {
+        // Memory ran out; the library is C and can't be unwound.
+        sqlite3_result_error_nomem(context);
+    }
 }
 
 }  // namespace
 
-void detail::setQuickLike(sqlite3* handle) {
-    sqlite3_create_function(handle, "like", 2, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, like, nullptr, nullptr);
+void detail::defineLike(sqlite3* handle) {
+    for (const int arguments : {2, 3}) {
+        sqlite3_create_function(handle, "like", arguments, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, like, nullptr,
+                                nullptr);
+    }
 }

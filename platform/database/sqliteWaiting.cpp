@@ -72,7 +72,7 @@ void waiting::setTurns(std::function<void()> paint, std::function<bool()> goesOn
 
 void detail::takeTurns(sqlite3* handle) {
     sqlite3_progress_handler(handle, instructionsBetweenLooks, work, nullptr);
-    setQuickLike(handle);
+    defineLike(handle);
 }
 
 void detail::stepBegins() { workBegan.reset(); }
