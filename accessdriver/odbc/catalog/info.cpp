@@ -28,7 +28,7 @@ constexpr std::array<Row<const char*>, 34> texts = {{
     {SQL_DESCRIBE_PARAMETER, "Y"},
     {SQL_DRIVER_NAME, "libtolvarisaccess.so"},
     {SQL_DRIVER_ODBC_VER, "03.52"},
-    {SQL_DRIVER_VER, "03.01.0001"},
+    {SQL_DRIVER_VER, DRIVER_VERSION},
     {SQL_EXPRESSIONS_IN_ORDERBY, "N"},
     {SQL_IDENTIFIER_QUOTE_CHAR, "`"},
     {SQL_INTEGRITY, "N"},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 
 #include "accessdriver/jet/making/maker.h"
 #include "accessdriver/odbc/tests/client.h"
@@ -169,6 +170,11 @@ TEST_F(CatalogTest, InfoOfEachKind) {
     EXPECT_EQ(info(SQL_DBMS_NAME, 4), SQL_SUCCESS_WITH_INFO);
     EXPECT_STREQ(text.data(), "ACC");
     EXPECT_EQ(length, 6);
+    EXPECT_EQ(info(SQL_DRIVER_VER, text.size()), SQL_SUCCESS);
+    int major = 0, minor = 0, patch = 0;
+    ASSERT_EQ(std::sscanf(text.data(), "%2d.%2d.%4d", &major, &minor, &patch), 3) << text.data();
+    EXPECT_EQ(std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch), PROJECT_VERSION);
+    EXPECT_EQ(length, 10);  // ##.##.####
     SQLUSMALLINT capable = 0;
     EXPECT_EQ(SQLGetInfo(connection_.handle(), SQL_TXN_CAPABLE, &capable, sizeof capable, nullptr), SQL_SUCCESS);
     EXPECT_EQ(capable, SQL_TC_DML);

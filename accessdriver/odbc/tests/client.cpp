@@ -158,7 +158,7 @@ fs::path OdbcTest::makeCav(const std::string& name, jet::CavColumns columns, con
 
 std::optional<fs::path> OdbcTest::copySample(const std::string& name) const {
     const char* const named = std::getenv("TOLVARIS_SHARED");
-    const fs::path shared = named != nullptr ? fs::path(named) : fs::path(SOURCE_ROOT).parent_path() / "shared";
+    const fs::path shared = named != nullptr ? fs::path(named) : fs::path(SOURCE_ROOT) / ".." / "shared";
     const fs::path sample = shared / "cav" / name;
     if (!fs::exists(sample)) return std::nullopt;
     const fs::path copy = folder_ / name;
