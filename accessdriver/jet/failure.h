@@ -2,7 +2,8 @@
 
 #include <string>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/error.h"
+#include "accessdriver/jet/schema.h"
 
 namespace jet {
 

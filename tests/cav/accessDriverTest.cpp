@@ -6,6 +6,7 @@
 #include <fstream>
 #include <memory>
 
+#include "accessdriver/jet/database.h"
 #include "accessdriver/jet/making/cavTables.h"
 #include "platform/desktop/yield.h"
 #include "tests/cav/rsdSource.h"

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "accessdriver/jet/checking/check.h"
+#include "accessdriver/jet/database.h"
 #include "accessdriver/jet/making/cavTables.h"
 #include "tests/support/sqlFile.h"
 

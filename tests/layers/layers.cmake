@@ -29,15 +29,15 @@ room(shell ${desktop} ${database} shell/state shell/windows converters)
 
 # The Access driver knows nothing of the program. What callers of jet see lies above and below its rooms.
 set(jet accessdriver/jet)
-set(jetSeen ${jet}/database.h ${jet}/value.h ${jet}/failure.h ${jet}/realNumber.h ${jet}/cLocale.h
-            ${jet}/utf8.h)
+set(jetSeen ${jet}/database.h ${jet}/cursor.h ${jet}/openOptions.h ${jet}/schema.h ${jet}/value.h ${jet}/error.h
+            ${jet}/failure.h ${jet}/sortKey.h ${jet}/realNumber.h ${jet}/cLocale.h ${jet}/utf8.h)
 room(${jet}/storage ${jetSeen})
 room(${jet}/records ${jetSeen} ${jet}/storage)
 room(${jet}/indexes ${jetSeen} ${jet}/storage ${jet}/records)
 room(${jet}/tables ${jetSeen} ${jet}/storage ${jet}/records ${jet}/indexes)
-room(${jet} ${jet}/storage ${jet}/records ${jet}/tables)
+room(${jet} ${jet}/storage ${jet}/records ${jet}/indexes ${jet}/tables)
 room(${jet}/making ${jetSeen} ${jet}/storage ${jet}/records ${jet}/indexes ${jet}/tables)
-room(${jet}/checking ${jetSeen} ${jet}/storage ${jet}/records ${jet}/indexes ${jet}/tables ${jet}/connection.h)
+room(${jet}/checking ${jetSeen} ${jet}/storage ${jet}/records ${jet}/indexes ${jet}/tables)
 set(sql accessdriver/sql)
 room(${sql}/values ${jetSeen})
 room(${sql}/parse ${jetSeen} ${sql}/values)

@@ -5,7 +5,6 @@
 #include <set>
 
 #include "accessdriver/jet/checking/checkPages.h"
-#include "accessdriver/jet/connection.h"
 #include "accessdriver/jet/failure.h"
 #include "accessdriver/jet/records/longValue.h"
 #include "accessdriver/jet/records/tableDefinitionFormat.h"
@@ -188,13 +187,12 @@ class TableCheck {
 }  // namespace
 
 std::vector<std::string> checkFile(Database& database) {
-    auto& connection = dynamic_cast<Connection&>(database);
-    CheckReport report(connection.pages());
+    CheckReport report(database.pages());
     report.claim(0, "the header");
     report.claimMap({0, 1});
     for (const std::string& name : database.tableNames()) {
         try {
-            TableCheck(report, connection.store(database.table(name))).run();
+            TableCheck(report, database.store(database.table(name))).run();
         } catch (const Error& error) {
             report.say(error.what());
         }

@@ -128,12 +128,4 @@ std::vector<std::uint8_t> keyStart(PageAccess& pages, const Column& column, bool
     return key.bytes;
 }
 
-std::optional<std::string> sortKey(std::string_view text) try {
-    std::vector<std::uint8_t> key;
-    appendTextKey(utf16FromUtf8(text), key);
-    return std::string(key.begin(), key.end());
-} catch (const Error&) {
-    return std::nullopt;
-}
-
 }  // namespace jet

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/storage/bytes.h"
 #include "accessdriver/jet/storage/pager.h"
 

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "accessdriver/jet/database.h"
+
 namespace jet {
 
 namespace {

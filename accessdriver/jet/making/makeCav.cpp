@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "accessdriver/jet/error.h"
 #include "accessdriver/jet/making/cavTables.h"
 
 int main(int count, char** values) {

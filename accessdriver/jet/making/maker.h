@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/records/properties.h"
 
 // Makes Access files for samples and tests: header, free-page map, system tables, user tables. The driver itself

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/storage/bytes.h"
 
 namespace jet {

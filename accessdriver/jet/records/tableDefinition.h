@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/storage/dataPage.h"
 #include "accessdriver/jet/storage/pageAccess.h"
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/value.h"
 #include "accessdriver/jet/records/tableDefinition.h"
 
 namespace jet {

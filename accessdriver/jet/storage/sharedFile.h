@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/openOptions.h"
 #include "accessdriver/jet/storage/file.h"
 #include "accessdriver/jet/storage/lockFile.h"
 #include "accessdriver/jet/storage/pager.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/records/properties.h"
 #include "accessdriver/jet/storage/pageAccess.h"
 

@@ -55,6 +55,7 @@ void TableStore::applyProperties(const std::vector<PropertyList>& lists) {
         if (list == lists.end()) continue;
         table_.info.columns[i].required |= rules_[i].required();
         table_.info.columns[i].defaultValue = textOf(find(list->properties, "DefaultValue"));
+        table_.info.columns[i].validationRule = textOf(find(list->properties, "ValidationRule"));
     }
     if (lists.empty()) rules_.clear();
 }

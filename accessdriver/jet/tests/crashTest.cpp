@@ -46,9 +46,10 @@ class CrashTest : public FileTest {
                 Row row = everyTypeRow(group * groupSize + i);
                 row[4] = group;
                 ids.push_back(insert(*database, "everything", row));
-                const Assignment change[] = {{9, std::string("group ") + std::to_string(group)},
-                                             {11, longText(static_cast<std::size_t>(group * 300 % 9000), i)}};
-                database->update(info, ids[static_cast<std::size_t>(i) * 7919 % ids.size()], change);
+                const std::vector<Assignment> change = {
+                    {9, std::string("group ") + std::to_string(group)},
+                    {11, longText(static_cast<std::size_t>(group * 300 % 9000), i)}};
+                update(*database, info, ids[static_cast<std::size_t>(i) * 7919 % ids.size()], change);
             }
             database->commit();
             const char byte = 'c';

@@ -33,6 +33,10 @@ RowId insert(Database& database, const std::string& table, const Row& row) {
     return database.insert(database.table(table), assignmentsOf(row));
 }
 
+void update(Database& database, const TableInfo& table, RowId row, const std::vector<Assignment>& values) {
+    database.update(table, std::span(&row, 1), values);
+}
+
 std::vector<Row> rowsOf(Database& database, const std::string& table) {
     const TableInfo& info = database.table(table);
     std::vector<Row> rows;

@@ -33,6 +33,8 @@ using Row = std::vector<Value>;
 
 std::vector<Assignment> assignmentsOf(const Row& row);
 RowId insert(Database& database, const std::string& table, const Row& row);
+/// Changes one row.
+void update(Database& database, const TableInfo& table, RowId row, const std::vector<Assignment>& values);
 /// All rows of a table with every column, in storage order.
 std::vector<Row> rowsOf(Database& database, const std::string& table);
 /// The findings of checkFile, one a line.

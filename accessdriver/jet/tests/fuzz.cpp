@@ -46,8 +46,8 @@ std::string madeFile(const TempFolder& folder) {
     std::vector<RowId> ids;
     for (auto cursor = database->scan(info); cursor->next();) ids.push_back(cursor->rowId());
     for (std::size_t i = 0; i < ids.size(); i += 3) {
-        const Assignment change[] = {{9, longText(100, 1)}, {10, longText(100, 2)}, {11, longText(500, 3)}};
-        database->update(info, ids[i], change);
+        const std::vector<Assignment> change = {{9, longText(100, 1)}, {10, longText(100, 2)}, {11, longText(500, 3)}};
+        update(*database, info, ids[i], change);
     }
     database->commit();
     return readWhole(path);
@@ -112,7 +112,7 @@ void changeSomeRows(Database& database, const TableInfo& info) {
         }
         const std::vector<Assignment> values = assignmentsOf(row);
         attempt([&] { database.insert(info, values); });
-        if (!ids.empty()) attempt([&] { database.update(info, ids[n * 17 % ids.size()], values); });
+        if (!ids.empty()) attempt([&] { update(database, info, ids[n * 17 % ids.size()], values); });
         if (n == 7) attempt([&] { database.commit(); });
     }
 }

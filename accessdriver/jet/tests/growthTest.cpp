@@ -1,8 +1,8 @@
 // Files grow past the sizes at which usage maps change their form.
 
-#include "accessdriver/jet/connection.h"
 #include "accessdriver/jet/storage/dataPage.h"
 #include "accessdriver/jet/storage/usageMapRow.h"
+#include "accessdriver/jet/tables/tableStore.h"
 #include "accessdriver/jet/tests/fixture.h"
 
 namespace jet::test {
@@ -65,7 +65,7 @@ TEST_F(GrowthTest, aMapWithRoomForNoPageAtAll) {
     RowPointer owned;
     {
         const auto database = Database::open(path, "");
-        owned = dynamic_cast<Connection&>(*database).store(database->table("t")).definition().owned;
+        owned = database->store(database->table("t")).definition().owned;
     }
     ASSERT_EQ(owned.row, 0);
     std::string file = readWhole(path);

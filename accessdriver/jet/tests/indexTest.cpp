@@ -2,7 +2,6 @@
 #include <random>
 
 #include "accessdriver/jet/checking/checkPages.h"
-#include "accessdriver/jet/connection.h"
 #include "accessdriver/jet/indexes/indexKey.h"
 #include "accessdriver/jet/indexes/indexPage.h"
 #include "accessdriver/jet/indexes/textKey.h"
@@ -99,9 +98,8 @@ std::string storedKey(const TempFolder& folder, ColumnType type, const Value& va
              {"", {{"t", {{"c", type, 20, false, true}}, {{"i", {"c"}, false, false, false, false, {descending}}}}}});
     const auto database = Database::open(path, "");
     insert(*database, "t", {value});
-    auto& connection = dynamic_cast<Connection&>(*database);
-    const TableDefinition& table = connection.store(database->table("t")).definition();
-    const PageRef root = connection.pages().read(table.indexes[0].root);
+    const TableDefinition& table = database->store(database->table("t")).definition();
+    const PageRef root = database->pages().read(table.indexes[0].root);
     return hex(keyOf(decodeEntries(root).at(0).text));
 }
 
@@ -168,8 +166,8 @@ TEST_F(IndexTest, growsAndShrinksInEveryOrder) {
                   Fault::duplicateKey);
         // All move to one end, which empties leaf after leaf, and then to Null.
         for (std::size_t i = 0; i < ids.size(); ++i) {
-            const Assignment changes[] = {{0, numbers[i] + 100000}, {1, std::string("z")}};
-            database->update(info, ids[i], changes);
+            const std::vector<Assignment> changes = {{0, numbers[i] + 100000}, {1, std::string("z")}};
+            update(*database, info, ids[i], changes);
             if (i % 700 == 0) {
                 EXPECT_EQ(findings(*database), "") << i;
             }
@@ -177,8 +175,8 @@ TEST_F(IndexTest, growsAndShrinksInEveryOrder) {
         EXPECT_EQ(findings(*database), "");
         std::shuffle(ids.begin(), ids.end(), random);
         for (const RowId id : ids) {
-            const Assignment changes[] = {{0, Value{}}, {1, Value{}}};
-            database->update(info, id, changes);
+            const std::vector<Assignment> changes = {{0, Value{}}, {1, Value{}}};
+            update(*database, info, id, changes);
         }
         EXPECT_EQ(findings(*database), "");
         database->commit();
@@ -232,14 +230,14 @@ TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
         const auto database = Database::open(path, "");
         const TableInfo& info = database->table("t");
         EXPECT_EQ(rowsOf(*database, "t").size(), 1U);
-        const Assignment value[] = {{0, std::string("y")}};
+        const std::vector<Assignment> value = {{0, std::string("y")}};
         const RowId row = [&] {
             const auto cursor = database->scan(info);
             cursor->next();
             return cursor->rowId();
         }();
         for (const Refusal& refusal : {refusalOf([&] { database->insert(info, value); }),
-                                       refusalOf([&] { database->update(info, row, value); })}) {
+                                       refusalOf([&] { update(*database, info, row, value); })}) {
             EXPECT_EQ(refusal.fault, Fault::notWritable);
             EXPECT_NE(refusal.text.find(words), std::string::npos) << refusal.text;
         }
@@ -283,8 +281,8 @@ TEST_F(FileTest, rowsThatGoAndRowsBetweenTwoValues) {
         if (walked % 3 == 0) gone.push_back(cursor->rowId());
     }
     for (std::size_t i = 0; i < gone.size(); i += 2) {
-        const Assignment change[] = {{9, longText(100, 1)}, {10, longText(100, 2)}, {11, longText(3000, 3)}};
-        database->update(info, gone[i], change);
+        const std::vector<Assignment> change = {{9, longText(100, 1)}, {10, longText(100, 2)}, {11, longText(3000, 3)}};
+        update(*database, info, gone[i], change);
     }
     database->remove(info, gone);
     database->remove(info, gone);

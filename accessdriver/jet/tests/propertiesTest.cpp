@@ -88,6 +88,7 @@ TEST_F(PropertiesTest, holdForWhatIsWritten) {
     const TableInfo& info = database->table("herd");
     EXPECT_TRUE(info.columns[0].required && info.columns[8].required && !info.columns[1].required);
     EXPECT_EQ(info.columns[4].defaultValue, "4");
+    EXPECT_EQ(info.columns[2].validationRule, "> #1/31/1900#");
 
     const auto day = [] {
         const std::time_t seconds = std::time(nullptr);
@@ -123,8 +124,8 @@ TEST_F(PropertiesTest, holdForWhatIsWritten) {
         {8, Value{}, Fault::nullNotAllowed},
     };
     for (const auto& each : cases) {
-        const Assignment change[] = {{each.column, each.value}};
-        const Refusal refusal = refusalOf([&] { database->update(info, row, change); });
+        const std::vector<Assignment> change = {{each.column, each.value}};
+        const Refusal refusal = refusalOf([&] { update(*database, info, row, change); });
         EXPECT_EQ(refusal.fault, each.fault) << each.column << " " << refusal.text;
     }
     const Assignment unnamed[] = {{8, 1}};

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "accessdriver/jet/error.h"
 #include "accessdriver/jet/records/row.h"
 #include "accessdriver/jet/records/text.h"
 

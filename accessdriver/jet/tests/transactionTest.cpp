@@ -89,7 +89,7 @@ class RandomWork {
             changes.push_back({i, fresh[i]});
             at->second[i] = fresh[i];
         }
-        one_->update(one_->table("everything"), at->first, changes);
+        update(*one_, one_->table("everything"), at->first, changes);
     }
 
     // The last value is refused after everything else, a long value too, has been written.
@@ -179,8 +179,8 @@ TEST_F(TransactionTest, cursorsSeeTheRowAsItIsNow) {
     for (int i = 0; i < 50; ++i) insert(*database, "tree", {Value{}, std::string("old")});
     int met = 0;
     for (auto cursor = database->scan(tree); cursor->next(); ++met) {
-        const Assignment change[] = {{1, std::string("new")}, {16, longText(3000, met)}};
-        database->update(tree, cursor->rowId(), change);
+        const std::vector<Assignment> change = {{1, std::string("new")}, {16, longText(3000, met)}};
+        update(*database, tree, cursor->rowId(), change);
         EXPECT_EQ(cursor->value(1), Value(std::string("new")));
         EXPECT_EQ(cursor->value(16), Value(longText(3000, met)));
     }

@@ -4,7 +4,7 @@
 #include <array>
 #include <new>
 
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/error.h"
 #include "accessdriver/sql/values/error.h"
 
 namespace odbc {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fstream>
 
+#include "accessdriver/jet/database.h"
 #include "accessdriver/jet/making/maker.h"
 #include "accessdriver/odbc/tests/client.h"
 

@@ -12,12 +12,6 @@ namespace sql {
 
 namespace {
 
-// A row that an UPDATE changes, and what it held before.
-struct Change {
-    jet::RowId row;
-    std::vector<jet::Assignment> before;
-};
-
 const Literal& resolve(const Term& term, std::span<const Literal> parameters) {
     return term.parameter == Term::noParameter ? term.literal : parameters[term.parameter];
 }
@@ -166,38 +160,27 @@ std::int64_t Session::update(const Plan& plan, std::span<const Literal> paramete
     const auto values = assignments(plan, parameters);
     // A row that has the values already is counted and not written: the same update often comes once for each child.
     std::int64_t matched = 0;
-    std::vector<Change> changes;
+    std::vector<jet::RowId> changed;
     RowIterator met = matches(plan, parameters);
     while (const jet::Cursor* row = met.next()) {
         ++matched;
-        std::vector<jet::Assignment> before;
-        before.reserve(values.size());
-        for (const jet::Assignment& v : values) before.push_back({v.column, row->value(v.column)});
-        const bool same = std::equal(values.begin(), values.end(), before.begin(),
-                                     [](const auto& a, const auto& b) { return a.value == b.value; });
-        if (!same) changes.push_back({row->rowId(), std::move(before)});
+        const bool same = std::all_of(values.begin(), values.end(), [&](const jet::Assignment& assignment) {
+            return row->value(assignment.column) == assignment.value;
+        });
+        if (!same) changed.push_back(row->rowId());
     }
-    if (!changes.empty()) keepRowsThatMayChange(plan);
-    std::size_t done = 0;
+    if (changed.empty()) return matched;
+    keepRowsThatMayChange(plan);
+    database_->update(*plan.table, changed, values);
+    open_ = true;
     try {
-        for (const Change& change : changes) {
-            database_->update(*plan.table, change.row, values);
-            ++done;
-            open_ = true;
-            hashIndexes_.noteUpdate(*plan.table, change.row, values);
-        }
+        for (const jet::RowId row : changed) hashIndexes_.noteUpdate(*plan.table, row, values);
     } catch (...) {
         hashIndexes_.drop();
-        if (autocommit_) {
-            rollback();
-        } else {
-            changes.resize(done);
-            std::for_each(changes.rbegin(), changes.rend(),
-                          [&](const Change& change) { database_->update(*plan.table, change.row, change.before); });
-        }
+        if (autocommit_) rollback();
         throw;
     }
-    if (!changes.empty()) settle();
+    settle();
     return matched;
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "accessdriver/jet/sortKey.h"
 #include "accessdriver/sql/values/caseFold.h"
 #include "accessdriver/sql/values/convert.h"
 #include "accessdriver/sql/values/decimal.h"

@@ -4,7 +4,7 @@
 #include <cwctype>
 
 #include "accessdriver/jet/cLocale.h"
-#include "accessdriver/jet/database.h"
+#include "accessdriver/jet/sortKey.h"
 #include "accessdriver/jet/utf8.h"
 
 namespace sql {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 
+#include "accessdriver/jet/sortKey.h"
 #include "accessdriver/sql/values/caseFold.h"
 #include "accessdriver/sql/values/convert.h"
 #include "accessdriver/sql/values/decimal.h"

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "accessdriver/jet/database.h"
 #include "accessdriver/jet/making/maker.h"
 
 namespace {
