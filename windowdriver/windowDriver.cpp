@@ -13,6 +13,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMessageBox>
+#include <QtWidgets/QTreeView>
 
 namespace {
 
@@ -24,6 +25,19 @@ std::string caption(const QAbstractButton* button) { return plain(button->text()
 /// Where a person would click: a button in its middle, a radio button on its dot.
 QPoint clickPoint(const QWidget* widget) {
     return widget->inherits("QRadioButton") ? QPoint(9, widget->height() / 2) : widget->rect().center();
+}
+
+/// The names in a dialog's list, which a thread of the toolkit's fills.
+std::vector<std::string> listedNames(const QFileDialog& dialog) {
+    const auto* list = dialog.findChild<const QTreeView*>("treeView");
+    const auto count = [list] { return list->model()->rowCount(list->rootIndex()); };
+    static_cast<void>(QTest::qWaitFor([&] { return count() > 0; }, 2000));
+    // All files of a folder come in one piece, their icons and widths after that.
+    QTest::qWait(50);
+    std::vector<std::string> names;
+    for (int row = 0; row < count(); ++row)
+        names.push_back(plain(list->model()->index(row, 0, list->rootIndex()).data().toString()));
+    return names;
 }
 
 QtMessageHandler usualHandler = nullptr;
@@ -161,8 +175,14 @@ void WindowDriver::answerBox(QWidget* widget) {
 void WindowDriver::answerDialog(QWidget* widget) {
     auto* shown = qobject_cast<QFileDialog*>(widget);
     if (!shown->isVisible()) return;
-    dialogs.push_back(
-        {plain(shown->windowTitle()), plain(shown->nameFilters().join(";")), plain(shown->directory().absolutePath())});
+    dialogs.push_back({plain(shown->windowTitle()),
+                       plain(shown->nameFilters().join(";")),
+                       plain(shown->directory().absolutePath()),
+                       {}});
+    if (const auto observer = dialogObserver_) {
+        dialogs.back().names = listedNames(*shown);
+        observer(dialogs.back());
+    }
     const std::string file = files.empty() ? std::string() : files.front();
     if (!files.empty()) files.pop_front();
     if (file.empty()) {

@@ -22,6 +22,7 @@ struct FileDialog {
     std::string title;
     std::string filter;
     std::string folder;
+    std::vector<std::string> names;  ///< of the files and folders that it lists, if somebody observes dialogs
 };
 
 /// Keeps what the toolkit says about a platform without a screen off the terminal: that it can't raise a window, that
@@ -84,6 +85,9 @@ class WindowDriver {
     /// Called when a box stands on the screen, before it is answered.
     void onBox(std::function<void(const Box&)> observer) { boxObserver_ = std::move(observer); }
 
+    /// Called when a file dialog stands on the screen and lists its folder's files, before it is answered.
+    void onDialog(std::function<void(const FileDialog&)> observer) { dialogObserver_ = std::move(observer); }
+
     /// Lets pending events run, so that what was closed is gone.
     void settle();
 
@@ -99,4 +103,5 @@ class WindowDriver {
     std::unique_ptr<Filter> filter_;
     std::function<void()> observer_;
     std::function<void(const Box&)> boxObserver_;
+    std::function<void(const FileDialog&)> dialogObserver_;
 };

@@ -1,5 +1,7 @@
 #include "platform/desktop/application.h"
 
+#include <cstdlib>
+
 #include <QtCore/QSettings>
 #include <QtGui/QFont>
 #include <QtGui/QIcon>
@@ -20,7 +22,9 @@ Application* instance = nullptr;
 
 /// The windows have light backgrounds, so the same colours serve on every desktop.
 void setAppearance() {
-    QApplication::setStyle(std::make_unique<HouseStyle>().release());
+    // The geometry is fixed, so a desktop that writes from right to left does not mirror it.
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    QApplication::setStyle(new HouseStyle);
     QPalette palette(QColor(239, 239, 239));
     palette.setColor(QPalette::Highlight, QColor(48, 110, 180));
     QApplication::setPalette(palette);
@@ -33,10 +37,22 @@ void setAppearance() {
 /// made below this path.
 void storeNoSettings() { QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null"); }
 
+/// Starts the toolkit. If it can't reach a display it says so and would abort; ends the process with 1 instead.
+std::unique_ptr<QApplication> startToolkit(int& argumentCount, char** arguments) {
+    static QtMessageHandler usualHandler = nullptr;
+    usualHandler =
+        qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
+            usualHandler(type, context, message);
+            if (type == QtFatalMsg) std::_Exit(1);
+        });
+    auto toolkit = std::make_unique<QApplication>(argumentCount, arguments);
+    qInstallMessageHandler(usualHandler);
+    return toolkit;
+}
+
 }  // namespace
 
-Application::Application(int& argumentCount, char** arguments)
-    : toolkit_(std::make_unique<QApplication>(argumentCount, arguments)) {
+Application::Application(int& argumentCount, char** arguments) : toolkit_(startToolkit(argumentCount, arguments)) {
     instance = this;
     setAppearance();
     storeNoSettings();

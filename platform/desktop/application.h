@@ -1,7 +1,9 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <string>
+#include <typeindex>
 
 #include "platform/desktop/picture.h"
 
@@ -24,6 +26,16 @@ class Application {
 
     /// Closes all windows and ends the program as soon as no handler is on the stack.
     static void quit();
+
+    /// The one object of type T that needs the toolkit, made at its first use and destroyed before the toolkit. If the
+    /// toolkit itself ends the process, because the connection to the screen broke, no destructor may use it any more:
+    /// then the object is not destroyed.
+    template <typename T>
+    T& owned() {
+        std::shared_ptr<void>& object = owned_[typeid(T)];
+        if (!object) object = std::make_shared<T>();
+        return *static_cast<T*>(object.get());
+    }
 
     int majorVersion = 0;
     int minorVersion = 0;
@@ -49,6 +61,7 @@ class Application {
     void reportFailure(const std::string& message);
 
     std::unique_ptr<QApplication> toolkit_;
+    std::map<std::type_index, std::shared_ptr<void>> owned_;
     bool quitting_ = false;
     int exitCode_ = 0;
 };

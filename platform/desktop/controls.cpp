@@ -5,6 +5,7 @@
 #include <limits>
 #include <memory>
 
+#include <QtGui/QKeyEvent>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
@@ -17,7 +18,6 @@
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QToolButton>
 
-#include "platform/desktop/child.h"
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/fittingLabel.h"
 #include "platform/desktop/givenPath.h"
@@ -34,6 +34,20 @@ int wholeNumber(double value) {
     return std::isnan(value) ? 0 : static_cast<int>(std::lround(std::clamp(value, 0.0, most)));
 }
 
+/// A push button that Enter presses too. Only some desktops have the toolkit do so.
+class EnterButton : public QPushButton {
+  public:
+    using QPushButton::QPushButton;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (!enter) return QPushButton::keyPressEvent(event);
+        // The key may still be down from a box that it has closed.
+        if (!event->isAutoRepeat()) click();
+    }
+};
+
 void setTextColour(QWidget* widget, QPalette::ColorRole role, const Colour& colour) {
     QPalette palette = widget->palette();
     palette.setColor(role, QColor(colour.red, colour.green, colour.blue));
@@ -43,7 +57,7 @@ void setTextColour(QWidget* widget, QPalette::ColorRole role, const Colour& colo
 }  // namespace
 
 Label::Label(QWidget* parent, std::string name, const Place& place, std::string text, Lines lines)
-    : TextControl(makeChild<FittingLabel>(parent, lines == Lines::several), std::move(name), place),
+    : TextControl(new FittingLabel(lines == Lines::several, parent), std::move(name), place),
       label_(static_cast<FittingLabel*>(widget())),
       text_(std::move(text)) {
     changed();
@@ -64,7 +78,7 @@ void Label::apply() {
 }
 
 TextField::TextField(QWidget* parent, std::string name, const Place& place)
-    : TextControl(makeChild<QLineEdit>(parent), std::move(name), place), field_(static_cast<QLineEdit*>(widget())) {}
+    : TextControl(new QLineEdit(parent), std::move(name), place), field_(static_cast<QLineEdit*>(widget())) {}
 
 std::string TextField::text() const { return field_->text().toStdString(); }
 
@@ -88,8 +102,7 @@ void TextField::takePaths() {
 }
 
 TextArea::TextArea(QWidget* parent, std::string name, const Place& place)
-    : TextControl(makeChild<QPlainTextEdit>(parent), std::move(name), place),
-      area_(static_cast<QPlainTextEdit*>(widget())) {}
+    : TextControl(new QPlainTextEdit(parent), std::move(name), place), area_(static_cast<QPlainTextEdit*>(widget())) {}
 
 std::string TextArea::text() const { return area_->toPlainText().toStdString(); }
 
@@ -112,20 +125,20 @@ void Button::onAction(std::function<void()> action) {
 void Button::press() { button_->click(); }
 
 PushButton::PushButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
-    : Button(makeChild<QPushButton>(parent), std::move(name), place, text) {
+    : Button(new EnterButton(parent), std::move(name), place, text) {
     auto* push = static_cast<QPushButton*>(button());
     push->setAutoDefault(false);
     push->setDefault(false);
 }
 
 BevelButton::BevelButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
-    : Button(makeChild<QToolButton>(parent), std::move(name), place, text) {}
+    : Button(new QToolButton(parent), std::move(name), place, text) {}
 
 CheckBox::CheckBox(QWidget* parent, std::string name, const Place& place, const std::string& text)
-    : Button(makeChild<QCheckBox>(parent), std::move(name), place, text) {}
+    : Button(new QCheckBox(parent), std::move(name), place, text) {}
 
 RadioButton::RadioButton(QWidget* parent, std::string name, const Place& place, const std::string& text)
-    : Button(makeChild<QRadioButton>(parent), std::move(name), place, text) {
+    : Button(new QRadioButton(parent), std::move(name), place, text) {
     // Said aloud, or the bold title of its group box would make it bold too.
     setBold(false);
 }
@@ -146,7 +159,7 @@ void RadioButton::onAction(std::function<void()> action) {
 }
 
 GroupBox::GroupBox(QWidget* parent, std::string name, const Place& place, const std::string& title)
-    : TextControl(makeChild<QGroupBox>(parent), std::move(name), place), box_(static_cast<QGroupBox*>(widget())) {
+    : TextControl(new QGroupBox(parent), std::move(name), place), box_(static_cast<QGroupBox*>(widget())) {
     box_->setTitle(shown(title));
 }
 
@@ -155,7 +168,7 @@ std::string GroupBox::text() const { return box_->title().toStdString(); }
 void GroupBox::setText(const std::string& text) { box_->setTitle(shown(text)); }
 
 PopupMenu::PopupMenu(QWidget* parent, std::string name, const Place& place)
-    : PopupMenu(makeChild<QComboBox>(parent), std::move(name), place) {}
+    : PopupMenu(new QComboBox(parent), std::move(name), place) {}
 
 PopupMenu::PopupMenu(QComboBox* box, std::string name, const Place& place)
     : TextControl(box, std::move(name), place), box_(box) {}
@@ -165,12 +178,12 @@ std::string PopupMenu::text() const { return box_->currentText().toStdString(); 
 void PopupMenu::setText(const std::string& text) { box_->setCurrentText(shown(text)); }
 
 ComboBox::ComboBox(QWidget* parent, std::string name, const Place& place)
-    : PopupMenu(makeChild<QComboBox>(parent), std::move(name), place) {
+    : PopupMenu(new QComboBox(parent), std::move(name), place) {
     static_cast<QComboBox*>(widget())->setEditable(true);
 }
 
 ListBox::ListBox(QWidget* parent, std::string name, const Place& place)
-    : TextControl(makeChild<QListWidget>(parent), std::move(name), place), list_(static_cast<QListWidget*>(widget())) {}
+    : TextControl(new QListWidget(parent), std::move(name), place), list_(static_cast<QListWidget*>(widget())) {}
 
 std::string ListBox::text() const {
     const QListWidgetItem* item = list_->currentItem();
@@ -182,17 +195,17 @@ void ListBox::setText(const std::string& text) {
 }
 
 TabPanel::TabPanel(QWidget* parent, std::string name, const Place& place)
-    : TextControl(makeChild<QTabWidget>(parent), std::move(name), place), tabs_(static_cast<QTabWidget*>(widget())) {}
+    : TextControl(new QTabWidget(parent), std::move(name), place), tabs_(static_cast<QTabWidget*>(widget())) {}
 
 std::string TabPanel::text() const { return tabs_->tabText(tabs_->currentIndex()).toStdString(); }
 
 void TabPanel::setText(const std::string& text) { tabs_->setTabText(tabs_->currentIndex(), shown(text)); }
 
 Canvas::Canvas(QWidget* parent, std::string name, const Place& place, const Picture& picture)
-    : Control(makeChild<PictureWidget>(parent, picture), std::move(name), place) {}
+    : Control(new PictureWidget(picture, parent), std::move(name), place) {}
 
 ProgressBar::ProgressBar(QWidget* parent, std::string name, const Place& place)
-    : Control(makeChild<QProgressBar>(parent), std::move(name), place), bar_(static_cast<QProgressBar*>(widget())) {
+    : Control(new QProgressBar(parent), std::move(name), place), bar_(static_cast<QProgressBar*>(widget())) {
     bar_->setTextVisible(false);
     changed();
 }

@@ -5,6 +5,7 @@
 
 #include <QtCore/QTimer>
 
+#include "platform/desktop/application.h"
 #include "platform/desktop/control.h"
 #include "platform/desktop/window.h"
 #include "platform/values/failure.h"
@@ -17,10 +18,16 @@ struct State {
     bool unsettled = false;
     std::vector<std::function<void()>> postponed;
     std::exception_ptr pending;
-    std::vector<std::unique_ptr<Window>> retired;
     std::function<void(const std::string&)> reporter;
     std::function<void()> idleObserver;
 };
+
+/// Closed windows that a handler on the stack may still use.
+struct Retired {
+    std::vector<std::unique_ptr<Window>> windows;
+};
+
+std::vector<std::unique_ptr<Window>>& retiredWindows() { return Application::current().owned<Retired>().windows; }
 
 State& state() {
     static State instance;
@@ -51,7 +58,7 @@ void settle() {
     // First, for they may be those of a closed window.
     for (const auto& handler : std::exchange(state().postponed, {})) events::run(handler);
     if (state().depth > 0) return;
-    state().retired.clear();
+    retiredWindows().clear();
     if (state().idleObserver) state().idleObserver();
 }
 
@@ -94,7 +101,7 @@ void rethrowPending() {
 }
 
 void retire(std::unique_ptr<Window> window) {
-    state().retired.push_back(std::move(window));
+    retiredWindows().push_back(std::move(window));
     if (state().depth == 0) QTimer::singleShot(0, settle);
 }
 
@@ -105,7 +112,7 @@ void setIdleObserver(std::function<void()> observer) { state().idleObserver = st
 void clear() {
     state().pending = nullptr;
     state().postponed.clear();
-    state().retired.clear();
+    retiredWindows().clear();
 }
 
 }  // namespace events

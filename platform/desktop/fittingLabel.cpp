@@ -78,7 +78,8 @@ void FittingLabel::paintEvent(QPaintEvent* event) {
 void FittingLabel::fit() {
     const QString fitting = severalLines_ ? severalLines() : oneLine();
     setText(fitting);
-    const bool shortened = fitting.contains(QChar(0x2026)) && !whole_.contains(QChar(0x2026));
+    // Breaking into lines adds line ends and takes nothing away.
+    const bool shortened = QString(fitting).remove('\n') != QString(whole_).remove('\n');
     setToolTip(shortened ? plain(whole_) : QString());
 }
 

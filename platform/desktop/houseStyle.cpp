@@ -38,7 +38,7 @@ class QuestionMark : public QIconEngine {
         return drawn;
     }
 
-    QIconEngine* clone() const override { return std::make_unique<QuestionMark>().release(); }
+    QIconEngine* clone() const override { return new QuestionMark; }
 };
 
 }  // namespace
@@ -52,6 +52,6 @@ int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWid
 }
 
 QIcon HouseStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
-    if (icon == SP_MessageBoxQuestion) return QIcon(std::make_unique<QuestionMark>().release());
+    if (icon == SP_MessageBoxQuestion) return QIcon(new QuestionMark);
     return QProxyStyle::standardIcon(icon, option, widget);
 }

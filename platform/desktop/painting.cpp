@@ -58,6 +58,8 @@ void paintFirst(const QWidget& window) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
         paint();
     }
+    // What the window is told next is its first text and not a change that can wait.
+    lastPaint = {};
 }
 
 }  // namespace painting

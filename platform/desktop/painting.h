@@ -21,7 +21,8 @@ void paintIfDue();
 /// yield. True until something waits.
 bool paintAndListen();
 
-/// Paints a window that has just been shown, as soon as the screen has it. Waits a moment for that and no longer.
+/// Paints a window that has just been shown, as soon as the screen has it. Waits a moment for that and no longer. The
+/// next painting is due at once.
 void paintFirst(const QWidget& window);
 
 }  // namespace painting

@@ -9,7 +9,6 @@
 #include <QtWidgets/QBoxLayout>
 #include <QtWidgets/QMenuBar>
 
-#include "platform/desktop/child.h"
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/menuBar.h"
 #include "platform/desktop/painting.h"
@@ -41,14 +40,17 @@ Window::Window(const WindowLayout& layout) : widget_(std::make_unique<WindowWidg
                          QColor(layout.background->red, layout.background->green, layout.background->blue));
         widget_->setPalette(palette);
     }
-    auto* box = makeChild<QVBoxLayout>(widget_.get());
+    auto* box = new QVBoxLayout(widget_.get());
     box->setContentsMargins(0, 0, 0, 0);
-    content_ = makeChild<QWidget>(widget_.get());
+    box->setSizeConstraint(QLayout::SetNoConstraint);
+    content_ = new QWidget(widget_.get());
     content_->setProperty("contentArea", true);
-    box->addWidget(content_);
+    // A window that is made larger shows no more: controls may be parked beside the layout.
+    content_->setFixedSize(layout.width, layout.height);
+    box->addWidget(content_, 0, Qt::AlignLeft | Qt::AlignTop);
     int height = layout.height;
     if (layout.menuBar != nullptr) {
-        auto* bar = makeChild<QMenuBar>(widget_.get());
+        auto* bar = new QMenuBar(widget_.get());
         layout.menuBar->fill(*bar);
         box->setMenuBar(bar);
         if (!bar->isNativeMenuBar()) height += bar->sizeHint().height();

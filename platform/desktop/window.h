@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/desktop/application.h"
 #include "platform/desktop/controls.h"
 
 class MenuBar;
@@ -117,8 +118,5 @@ class SingletonWindow {
     }
 
   private:
-    static std::unique_ptr<T>& instance() {
-        static std::unique_ptr<T> living;
-        return living;
-    }
+    static std::unique_ptr<T>& instance() { return Application::current().owned<std::unique_ptr<T>>(); }
 };

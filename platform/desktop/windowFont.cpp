@@ -14,6 +14,9 @@ constexpr const char* sample =
 constexpr double regularWidth = 51.8;
 constexpr double boldWidth = 55.3;
 
+/// In percent; narrower letters are not to be read.
+constexpr int narrowest = 60;
+
 double widthOf(QFont font, bool bold) {
     constexpr int large = 200;
     font.setPixelSize(large);
@@ -27,7 +30,14 @@ QFont windowFont(const QStringList& families) {
     QFont font;
     font.setFamilies(families);
     font.setStyleHint(QFont::SansSerif);
-    const double share = std::min(regularWidth / widthOf(font, false), boldWidth / widthOf(font, true));
-    if (share < 0.99) font.setStretch(static_cast<int>(share * 100));
+    // Said also where nothing is to be narrowed: a font made here starts as a copy of the application's. Twice and
+    // more, since the toolkit may take another face of the family for a narrower font, which runs by its own width.
+    int stretch = QFont::Unstretched;
+    double share = 0;
+    do {
+        font.setStretch(stretch);
+        share = std::min(regularWidth / widthOf(font, false), boldWidth / widthOf(font, true));
+        stretch = static_cast<int>(stretch * share);
+    } while (share < 0.99 && stretch > narrowest);
     return font;
 }

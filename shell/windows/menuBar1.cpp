@@ -1,5 +1,6 @@
 #include "shell/windows/menuBar1.h"
 
+#include "platform/desktop/application.h"
 #include "shell/windows/pictures.h"
 
 MenuBar1::MenuBar1() {
@@ -21,7 +22,4 @@ void MenuBar1::Untitled1() {
                    {.name = "AboutItem", .text = "About", .shortcut = "", .icon = pictures::about_16()}}});
 }
 
-MenuBar1& menuBar1() {
-    static MenuBar1 bar;
-    return bar;
-}
+MenuBar1& menuBar1() { return Application::current().owned<MenuBar1>(); }

@@ -2,12 +2,17 @@
 
 #include <map>
 
+#include "platform/desktop/application.h"
+
 namespace pictures {
 namespace {
 
+struct Loaded {
+    std::map<std::string, Picture> byFileName;
+};
+
 const Picture& loaded(const char* fileName) {
-    static std::map<std::string, Picture> kept;
-    Picture& picture = kept[fileName];
+    Picture& picture = Application::current().owned<Loaded>().byFileName[fileName];
     if (!picture) picture = Picture::load(fileName);
     return picture;
 }

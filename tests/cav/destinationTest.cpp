@@ -60,7 +60,7 @@ TEST_F(CavDestination, CancelledDialogForgetsTheDestinationOfTheRunBefore) {
     convert("Csv", "Cav", csv());
     ASSERT_EQ(driver.dialogs.size(), 2U);
     EXPECT_EQ(driver.dialogs[1].title, "Select a Tolvaris data file");
-    EXPECT_EQ(driver.dialogs[1].filter, "Old Tolvaris Database (*.cav *.CAV)");
+    EXPECT_EQ(driver.dialogs[1].filter, "Old Tolvaris Database (*.cav) (*.[cC][aA][vV])");
     EXPECT_EQ(driver.dialogs[1].folder, path("Documents/Tolvaris"));
     EXPECT_EQ(driver.boxes.back().text, refused);
     EXPECT_EQ(log().back(), "2: refused connect DRIVER={Microsoft Access Driver (*.mdb)};DBQ=;UID=;PWD=qr7vhdnmx;");

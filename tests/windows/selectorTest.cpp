@@ -84,9 +84,9 @@ TEST_F(Selector, BrowseNeedsBothFormsAndAsksForFilesOfTheSourceForm) {
 
     ASSERT_EQ(driver.dialogs.size(), 4U);
     const auto shown = [&](int i) { return driver.dialogs[i].title + "|" + driver.dialogs[i].filter; };
-    EXPECT_EQ(shown(0), "Select a csv file|CSV Files (*.csv *.txt *.CSV *.TXT)");
-    EXPECT_EQ(shown(2), "Select a Tolvaris data file|Database Files (*.cax *.rsd *.CAX *.RSD)");
-    EXPECT_EQ(shown(3), "Select a Tolvaris data file|Old Tolvaris Database (*.cav *.CAV)");
+    EXPECT_EQ(shown(0), "Select a csv file|CSV Files (*.csv *.txt) (*.[cC][sS][vV] *.[tT][xX][tT])");
+    EXPECT_EQ(shown(2), "Select a Tolvaris data file|Database Files (*.cax *.rsd) (*.[cC][aA][xX] *.[rR][sS][dD])");
+    EXPECT_EQ(shown(3), "Select a Tolvaris data file|Old Tolvaris Database (*.cav) (*.[cC][aA][vV])");
 }
 
 TEST_F(Selector, EveryRouteEndsWithTheNewFileShownAlsoWhereThereIsNone) {
@@ -206,7 +206,7 @@ TEST_F(Selector, ACavFileIsPickedInTheProductsOwnFolder) {
     EXPECT_EQ(driver.boxes[0].text, findDatabase);
     EXPECT_EQ(driver.boxes[0].buttons.size(), 2U);
     EXPECT_EQ(driver.dialogs[0].title, "Select a Tolvaris data file");
-    EXPECT_EQ(driver.dialogs[0].filter, "Old Tolvaris Database (*.cav *.CAV)");
+    EXPECT_EQ(driver.dialogs[0].filter, "Old Tolvaris Database (*.cav) (*.[cC][aA][vV])");
     EXPECT_EQ(driver.dialogs[0].folder, path("Documents/Tolvaris"));
 }
 

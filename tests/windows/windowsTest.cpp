@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include <QtCore/QTranslator>
 #include <QtGui/QAction>
 #include <QtGui/QIcon>
 #include <QtGui/QKeySequence>
@@ -158,10 +159,24 @@ TEST_F(Windows, HaveTheirTitlesSizesAndColours) {
     EXPECT_FALSE(cancel->property("default").toBool() || cancel->property("autoDefault").toBool());
 }
 
-TEST_F(Windows, ResizingMovesNothing) {
+/// The toolkit's texts in a language that is written from right to left.
+class RightToLeft : public QTranslator {
+  public:
+    QString translate(const char*, const char* text, const char*, int) const override {
+        return QString(text) == "QT_LAYOUT_DIRECTION" ? "RTL" : QString();
+    }
+    bool isEmpty() const override { return false; }
+};
+
+TEST_F(Windows, NeitherASizeNorALanguageMovesAnything) {
     const QRect before = place("frmMain", "cmdConvert");
-    driver.window("frmMain")->resize(900, 600);
+    RightToLeft language;
+    QCoreApplication::installTranslator(&language);
+    driver.window("frmMain")->resize(1100, 600);
     driver.settle();
+    EXPECT_EQ(driver.window("frmMain")->layoutDirection(), Qt::LeftToRight);
+    QCoreApplication::removeTranslator(&language);
+    EXPECT_FALSE(driver.isVisible("frmMain", "cvToCav")) << "an icon that waits beside the layout";
     EXPECT_EQ(place("frmMain", "cmdConvert"), before);
     EXPECT_EQ(driver.widget("frmMain", "txtFilePath")->width(), 485);
 }

@@ -96,7 +96,7 @@ TEST_F(Accessibility, BoxesHaveNames) {
                             "button No"}));
 }
 
-TEST_F(Accessibility, TabGoesThroughTheSelectorAsOnTheScreen) {
+TEST_F(Accessibility, TheKeyboardReachesEverythingInTheSelector) {
     QWidget* window = driver.window("frmMain");
     window->activateWindow();
     driver.settle();
@@ -113,6 +113,12 @@ TEST_F(Accessibility, TabGoesThroughTheSelectorAsOnTheScreen) {
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
     EXPECT_EQ(frmMain().fromFileType, "rsd");
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space})
+        QTest::keyClick(driver.widget("frmMain", "cmdConvert"), key);
+    EXPECT_EQ(boxTexts(), Texts(3, "Please choose a file to convert."));
+    QKeyEvent stillDown(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", true);
+    QApplication::sendEvent(driver.widget("frmMain", "cmdConvert"), &stillDown);
+    EXPECT_EQ(driver.boxes.size(), 3U) << "the Enter that closed a box presses the button below it";
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QTreeView>
 
 #include "shell/windows/frmMain.h"
 #include "shell/windows/frmWait.h"
@@ -106,6 +107,24 @@ TEST_F(Choosing, BrowseStartsWhereTheFieldsFileLiesOrTheLastOneLay) {
     EXPECT_EQ(folderFor("/no/such/folder/dogs.csv", ""), path("herds"));
     EXPECT_EQ(folderFor("dogs.csv", ""), path("herds"));
     EXPECT_EQ(folderFor(path("elsewhere/none.csv"), ""), path("elsewhere"));
+}
+
+TEST_F(Choosing, TheFileDialogListsEveryLetterCaseAndShowsItsColumnsWhole) {
+    for (const char* name : {"dogs.csv", "Dogs.Csv", "DOGS.TXT", "dogs.doc"}) write(name, "name\n");
+    driver.onDialog([](const FileDialog&) {
+        const auto* list = QApplication::activeModalWidget()->findChild<QTreeView*>("treeView");
+        for (int column = 1; column < list->model()->columnCount(); ++column) {
+            for (const auto& index : {list->model()->index(0, column, list->rootIndex())})
+                EXPECT_GE(list->columnWidth(column), list->sizeHintForIndex(index).width()) << column;
+        }
+    });
+    driver.click("frmMain", "optFromCsv");
+    driver.click("frmMain", "optToRsd");
+    frmMain().txtFilePath().setText(path("dogs.csv"));
+    driver.click("frmMain", "cmdBrowse");
+    auto names = driver.dialogs.back().names;
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names, (std::vector<std::string>{"DOGS.TXT", "Desktop", "Dogs.Csv", "dogs.csv"}));
 }
 
 TEST_F(Choosing, RadioButtonsToggledByAssistiveTechnologyCount) {
