@@ -64,7 +64,7 @@ class Herd {
         std::size_t rows = 0;
         while (outcome.rows && outcome.rows->next()) ++rows;
         if (!plan.where || !plan.returnsRows() || plan.aggregates() || plan.distinct || plan.top) return;
-        const sql::Filter filter(*plan.where, *plan.table, parameters, sql::DateOrder::dayFirst);
+        const sql::Filter filter(*plan.where, *plan.table, {parameters, sql::DateOrder::dayFirst, "0"});
         std::size_t met = 0;
         for (auto cursor = session_->database().scan(*plan.table); cursor->next();)
             met += filter.holds(*cursor) ? 1 : 0;

@@ -52,10 +52,11 @@ void appendBinary(ByteSpan stored, std::vector<std::uint8_t>& key) {
 }
 
 void appendText(PageAccess& pages, const Column& column, ByteSpan stored, std::vector<std::uint8_t>& key) {
-    if (column.type == ColumnType::text) return appendTextKey(decodeText(stored), key);
     // Enough for every unit that counts in a key.
     constexpr std::size_t enough = 2 * maxKeyUnits + 4;
-    appendTextKey(decodeText(readLongValue(pages, stored, enough)), key);
+    const std::u16string text =
+        decodeText(column.type == ColumnType::text ? stored : ByteSpan(readLongValue(pages, stored, enough)));
+    appendTextKey(std::u16string_view(text).substr(0, maxKeyUnits), key);
 }
 
 void appendValue(PageAccess& pages, const Column& column, const Field& field, std::vector<std::uint8_t>& key) {

@@ -77,7 +77,6 @@ void appendKana(Bytes flags, Bytes& key) {
 }  // namespace
 
 void appendTextKey(std::u16string_view text, std::vector<std::uint8_t>& key) {
-    text = text.substr(0, maxKeyUnits);
     while (!text.empty() && text.back() == u' ') text.remove_suffix(1);
 
     Accents accents;

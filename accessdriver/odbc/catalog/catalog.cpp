@@ -22,12 +22,12 @@ using namespace catalogRows;
 bool isMeant(const std::string& name, const OptionalName& wanted, bool exact) {
     if (!wanted) return true;
     if (exact) return sql::sameName(name, sql::trimmed(*wanted));
-    return matchesPattern(sql::folded(name), sql::folded(*wanted));
+    return matchesPattern(sql::caseFolded(name), sql::caseFolded(*wanted));
 }
 
 std::vector<std::string> sortedTables(const jet::Database& database) {
     std::vector<std::string> names = database.tableNames();
-    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return sql::folded(a) < sql::folded(b); });
+    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return sql::caseFolded(a) < sql::caseFolded(b); });
     return names;
 }
 
@@ -158,7 +158,7 @@ sql::RowSet statisticsAnswer(jet::Database& database, const std::string& table, 
         if (index.unique || !uniqueOnly) indexes.push_back(&index);
     }
     std::stable_sort(indexes.begin(), indexes.end(), [](const auto* a, const auto* b) {
-        return a->unique != b->unique ? a->unique : sql::folded(a->name) < sql::folded(b->name);
+        return a->unique != b->unique ? a->unique : sql::caseFolded(a->name) < sql::caseFolded(b->name);
     });
     for (const jet::IndexInfo* index : indexes) {
         SQLINTEGER position = 0;

@@ -57,7 +57,7 @@ sql::RowSet foreignKeysAnswer(jet::Database& database, const std::string& table,
     }
     // By the table that was not asked for, then by the place in the key.
     const auto other = [&](const Entry& entry) {
-        return sql::folded(table.empty() ? entry.relationship->table : entry.relationship->foreignTable);
+        return sql::caseFolded(table.empty() ? entry.relationship->table : entry.relationship->foreignTable);
     };
     std::stable_sort(entries.begin(), entries.end(), [&](const Entry& a, const Entry& b) {
         const int order = other(a).compare(other(b));

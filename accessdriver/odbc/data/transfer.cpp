@@ -182,7 +182,7 @@ void putGuid(const Job& job) {
     jet::Value value = job.value;
     if (const auto* text = std::get_if<std::string>(&value)) {
         const jet::ColumnInfo guid{.name = job.column.name, .type = jet::ColumnType::guid};
-        value = sql::fit({.kind = sql::Literal::Kind::text, .text = *text}, guid, sql::localeDateOrder());
+        value = sql::coerce({.kind = sql::Literal::Kind::text, .text = *text}, guid, sql::localeDateOrder());
     }
     const auto* const bytes = std::get_if<jet::Bytes>(&value);
     if (bytes == nullptr || bytes->size() != sizeof(SQLGUID)) refuseConversion();

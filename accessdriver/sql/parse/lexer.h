@@ -9,7 +9,7 @@
 namespace sql {
 
 enum class TokenKind : std::uint8_t {
-    word,        ///< bare name or keyword
+    word,        ///< bare name or keyword, or @@IDENTITY
     quotedName,  ///< [name] or `name`
     text,        ///< 'text' or "text"
     number,      ///< digits, without a sign

@@ -66,17 +66,38 @@ class Parser {
         result_.table = in_.tableName();
         in_.expectWord("set", "SET was expected.");
         do {
-            Equation setting{.column = in_.columnName(), .term = {}};
-            in_.expectSymbol('=', "an equals sign was expected.");
-            setting.term = in_.value();
-            result_.settings.push_back(setting);
+            result_.settings.push_back(setting());
         } while (in_.acceptSymbol(','));
         where();
     }
 
+    Setting setting() {
+        Setting out{.column = in_.columnName()};
+        in_.expectSymbol('=', "an equals sign was expected.");
+        Operand first = parseOperand(in_);
+        if (!first.isColumn() && !startsSummand()) {
+            out.term = first.term;
+            return out;
+        }
+        out.sum.push_back({.operand = std::move(first)});
+        while (startsSummand()) {
+            const bool subtracted = in_.isSymbol('-');
+            in_.advance();
+            out.sum.push_back({parseOperand(in_), subtracted});
+        }
+        return out;
+    }
+
+    bool startsSummand() const { return in_.isSymbol('+') || in_.isSymbol('-'); }
+
     void remove() {
         result_.kind = Statement::Kind::remove;
-        in_.acceptSymbol('*');
+        in_.acceptWord("distinctrow");
+        if (!in_.acceptSymbol('*') && !in_.isWord("from")) {
+            SelectItem all = item();
+            if (all.kind != SelectItem::Kind::everyColumn) in_.refuse("FROM was expected.");
+            result_.items.push_back(std::move(all));
+        }
         in_.expectWord("from", "FROM was expected.");
         result_.table = in_.tableName();
         where();
@@ -84,7 +105,9 @@ class Parser {
 
     void select() {
         result_.kind = Statement::Kind::select;
+        // ALL is the default. DISTINCTROW leaves out rows of a join that repeat a table's row; one table has none.
         result_.distinct = in_.acceptWord("distinct");
+        if (!result_.distinct && !in_.acceptWord("all")) in_.acceptWord("distinctrow");
         top();
         do {
             result_.items.push_back(item());
@@ -113,12 +136,12 @@ class Parser {
 
     // TOP may be a column's name, too.
     void top() {
-        if (!in_.isWord("top")) return;
-        const TokenStream before = in_;
+        if (!in_.isWord("top") || in_.nextToken().kind != TokenKind::number) return;
         in_.advance();
-        if (in_.token().kind != TokenKind::number) return in_.goBackTo(before);
-        result_.top = in_.wholeNumber("TOP needs a whole number.");
-        if (in_.isWord("percent")) in_.refuse("TOP counts rows; PERCENT is not understood.");
+        const std::size_t at = in_.token().at;
+        result_.top = Top{.number = in_.wholeNumber("TOP needs a whole number.")};
+        result_.top->percent = in_.acceptWord("percent");
+        if (result_.top->percent && result_.top->number > 100) in_.refuseAt(at, "there are no more than 100 percent.");
     }
 
     SelectItem item() {
@@ -131,7 +154,7 @@ class Parser {
         if (in_.isValue()) {
             item.kind = SelectItem::Kind::value;
             item.value = in_.value();
-            if (item.value.parameter != Term::noParameter) in_.refuse("a parameter can't be selected.");
+            if (item.value.isParameter()) in_.refuse("a parameter can't be selected.");
         } else {
             const Token word = in_.token();
             item.column = in_.name("a column's name was expected.");
@@ -162,7 +185,8 @@ class Parser {
         const auto* const known = std::find_if(functions.begin(), functions.end(),
                                                [&](const auto& f) { return sameName(word.text, f.first); });
         if (known == functions.end()) {
-            in_.refuseAt(word.at, "COUNT, MIN, MAX, SUM and AVG are the only functions that are understood.");
+            in_.refuseAt(word.at,
+                         "COUNT, MIN, MAX, SUM, AVG, Date, Time and Now are the only functions that are understood.");
         }
         item.kind = known->second;
         if (item.kind == Kind::count && in_.acceptSymbol('*')) {

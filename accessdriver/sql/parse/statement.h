@@ -6,57 +6,21 @@
 #include <string_view>
 #include <vector>
 
-#include "accessdriver/sql/values/literal.h"
+#include "accessdriver/sql/parse/predicate.h"
 
 namespace sql {
 
-/// A table or column as the statement names it.
-struct Name {
-    std::string_view text;
-    std::size_t at = 0;               ///< byte offset in the statement
-    std::string_view qualifier = {};  ///< the table's name before a column's, if it is there
+/// One operand of a sum.
+struct Summand {
+    Operand operand;
+    bool subtracted = false;
 };
 
-/// A value in a statement: a literal, or the number of the parameter that stands for one.
-struct Term {
-    static constexpr std::size_t noParameter = static_cast<std::size_t>(-1);
-
-    Literal literal = {};
-    std::size_t parameter = noParameter;  ///< from 0
-    std::size_t at = 0;                   ///< byte offset in the statement
-};
-
-/// `column = term` of SET.
-struct Equation {
+/// `column = value` of SET.
+struct Setting {
     Name column;
-    Term term;
-};
-
-/// What is compared: a column, or a value.
-struct Operand {
-    std::optional<Name> column = std::nullopt;
     Term term = {};
-};
-
-/// A condition of WHERE.
-struct Condition {
-    enum class Kind {
-        all,       ///< every part holds
-        any,       ///< one of the parts holds
-        negation,  ///< the one part does not hold
-        equal,     ///< the first operand against the second, here and in the next four
-        less,
-        lessOrEqual,
-        greater,
-        greaterOrEqual,
-        like,
-        isNull,  ///< of the one operand
-        isIn     ///< the first operand is one of the others
-    };
-
-    Kind kind = Kind::all;
-    std::vector<Operand> operands = {};
-    std::vector<Condition> parts = {};
+    std::vector<Summand> sum = {};  ///< the value where it is no single term: a column, or operands with + and -
 };
 
 /// One column of a SELECT.
@@ -78,6 +42,12 @@ struct OrderItem {
     bool descending = false;
 };
 
+/// TOP of a SELECT.
+struct Top {
+    std::size_t number = 0;
+    bool percent = false;  ///< the number is a share of the rows
+};
+
 /// A parsed statement. Its views lie in the statement's text, which must outlive it, or in `ownTexts`.
 struct Statement {
     enum class Kind { insert, update, remove, select };
@@ -85,14 +55,14 @@ struct Statement {
     Kind kind = Kind::select;
     std::optional<Name> table = std::nullopt;  ///< none in a SELECT of plain values
     std::string_view tableAlias = {};
-    std::vector<Name> columns = {};       ///< of INSERT; none where it has no list
-    std::vector<Term> values = {};        ///< of INSERT; an empty position is Null
-    std::vector<Equation> settings = {};  ///< of UPDATE
-    std::optional<Condition> where = std::nullopt;
-    std::vector<SelectItem> items = {};
+    std::vector<Name> columns = {};      ///< of INSERT; none where it has no list
+    std::vector<Term> values = {};       ///< of INSERT; an empty position is Null
+    std::vector<Setting> settings = {};  ///< of UPDATE
+    std::optional<Predicate> where = std::nullopt;
+    std::vector<SelectItem> items = {};  ///< of SELECT; of DELETE its `table.*`, if it has one
     std::vector<OrderItem> order = {};
     bool distinct = false;
-    std::optional<std::size_t> top = std::nullopt;
+    std::optional<Top> top = std::nullopt;
     std::size_t parameters = 0;
     std::deque<std::string> ownTexts = {};  ///< texts whose doubled quotes were made single
 };

@@ -5,6 +5,7 @@
 #include <charconv>
 
 #include "accessdriver/sql/values/calendar.h"
+#include "accessdriver/sql/values/yesNo.h"
 
 namespace sql {
 
@@ -27,7 +28,7 @@ Name TokenStream::columnName() {
 
 Name TokenStream::name(const char* why) {
     if (!isName()) refuse(why);
-    const Name out{.text = token_.text, .at = token_.at};
+    const Name out{.text = textOfToken(), .at = token_.at};
     advance();
     return out;
 }
@@ -50,14 +51,41 @@ bool TokenStream::isAmong(std::span<const std::string_view> words) const {
 }
 
 bool TokenStream::isName() const {
-    if (token_.kind == TokenKind::quotedName) return !token_.text.empty();
+    if (token_.kind == TokenKind::quotedName || isQuotedName()) return !token_.text.empty();
     return token_.kind == TokenKind::word && !isAmong(keywords);
 }
 
+bool TokenStream::precedes(char symbol) const {
+    const Token next = nextToken();
+    return next.kind == TokenKind::symbol && next.text.front() == symbol;
+}
+
+// Date, Time and Now may be columns' names, too, where no brackets follow.
+Function TokenStream::function() const {
+    if (token_.text.front() == '@' && sameName(token_.text, "@@identity")) return Function::identity;
+    const Function function = isWord("date")   ? Function::date
+                              : isWord("time") ? Function::time
+                              : isWord("now")  ? Function::now
+                                               : Function::none;
+    return function != Function::none && precedes('(') ? function : Function::none;
+}
+
 bool TokenStream::isValue() const {
-    if (token_.kind == TokenKind::word) return wordTruth() || isWord("null");
-    if (token_.kind == TokenKind::symbol) return std::string_view("?+-{").find(token_.text) != std::string_view::npos;
-    return token_.kind != TokenKind::quotedName && token_.kind != TokenKind::end;
+    switch (token_.kind) {
+        case TokenKind::word:
+            return isWord("null") || readYesNo(token_.text) || function() != Function::none;
+        case TokenKind::symbol:
+            return std::string_view("?+-{").find(token_.text) != std::string_view::npos;
+        case TokenKind::text:
+            return !isQuotedName() || !precedes('.');
+        case TokenKind::number:
+        case TokenKind::date:
+            return true;
+        case TokenKind::quotedName:
+        case TokenKind::end:
+            break;
+    }
+    return false;
 }
 
 Term TokenStream::valueOrEmpty() {
@@ -78,16 +106,30 @@ Term TokenStream::value() {
             term.literal = dateLiteral();
             break;
         case TokenKind::word:
-            term.literal = wordLiteral();
-            break;
-        default:
-            if (acceptSymbol('{')) {
-                term.literal = escapedLiteral();
-                return term;
-            }
-            return signOrParameter(term);
+            return word(term);
+        case TokenKind::symbol:
+        case TokenKind::quotedName:
+        case TokenKind::end:
+            if (!acceptSymbol('{')) return signOrParameter(term);
+            term.literal = escapedLiteral();
+            return term;
     }
     advance();
+    return term;
+}
+
+Term TokenStream::word(Term term) {
+    term.function = function();
+    if (term.function == Function::none && !isWord("null")) {
+        const auto truth = readYesNo(token_.text);
+        if (!truth) refuse("a value was expected.");
+        term.literal = {.kind = Literal::Kind::boolean, .truth = *truth};
+    }
+    advance();
+    if (term.function != Function::none && term.function != Function::identity) {
+        expectSymbol('(', "an opening bracket was expected.");
+        expectSymbol(')', "a closing bracket was expected; the function takes no arguments.");
+    }
     return term;
 }
 
@@ -130,23 +172,6 @@ Literal TokenStream::dateLiteral() const {
     const auto date = readDate(token_.text, DateOrder::monthFirst);
     if (!date) refuse("this is no date.");
     return {.kind = Literal::Kind::date, .date = *date};
-}
-
-std::optional<bool> TokenStream::wordTruth() const {
-    for (const auto* yes : {"true", "yes", "on"}) {
-        if (isWord(yes)) return true;
-    }
-    for (const auto* no : {"false", "no", "off"}) {
-        if (isWord(no)) return false;
-    }
-    return std::nullopt;
-}
-
-Literal TokenStream::wordLiteral() const {
-    if (isWord("null")) return {};
-    const auto truth = wordTruth();
-    if (!truth) refuse("a value was expected.");
-    return {.kind = Literal::Kind::boolean, .truth = *truth};
 }
 
 }  // namespace sql

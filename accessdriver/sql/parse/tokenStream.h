@@ -10,22 +10,22 @@
 
 namespace sql {
 
-/// A statement's text on its way through the parser: what stands next, and the phrases that statements and conditions
-/// are made of. What is expected and not there is refused with an Error(42000) that tells the place.
+/// The tokens of a statement, and the phrases that statements and conditions are made of. What is expected and not
+/// there is refused with an Error(42000) that tells the place.
 class TokenStream {
   public:
-    /// The text must outlive this; what the phrases leave behind (texts of their own, the count of parameters) goes
-    /// into the statement, which must do so too.
+    /// The text and the statement must outlive this. The statement gets what the phrases leave behind: texts of their
+    /// own and the count of parameters.
     TokenStream(std::string_view text, Statement& statement)
         : text_(text), statement_(statement), lexer_(text), token_(lexer_.next()) {}
 
-    // --- what stands next
+    // --- the current token
 
     const Token& token() const { return token_; }
     void advance() { token_ = lexer_.next(); }
     bool atEnd() const { return token_.kind == TokenKind::end; }
 
-    /// The word is given in lower case. Most are told apart by their length or first letter.
+    /// Whether the token is this word, which is given in lower case. Length and first letter rule out most words.
     bool isWord(std::string_view word) const {
         constexpr char lowerCaseBit = 0x20;
         return token_.kind == TokenKind::word && token_.text.size() == word.size() &&
@@ -34,12 +34,12 @@ class TokenStream {
     bool isAmong(std::span<const std::string_view> words) const;
     bool isSymbol(char symbol) const { return token_.kind == TokenKind::symbol && token_.text.front() == symbol; }
 
-    /// Whether a value starts here and no column's name.
+    /// Whether a value starts here and no column's name. A text in double quotes is a value, except before a point.
     bool isValue() const;
-    /// Whether a name starts here.
+    /// Whether a name starts here. A text in double quotes is one: ask isValue() first where a value may stand, too.
     bool isName() const;
 
-    // --- taking it
+    // --- reading on
 
     bool acceptWord(std::string_view word) {
         if (!isWord(word)) return false;
@@ -60,20 +60,17 @@ class TokenStream {
 
     Name name(const char* why);
     Name tableName() { return name("a table's name was expected."); }
-    /// With or without its table's name before it.
+    /// A column's name, with or without its table's name before it.
     Name columnName();
 
     Term value();
-    /// Null where a comma or bracket follows at once.
+    /// A value; Null where a comma or bracket follows at once.
     Term valueOrEmpty();
-    /// From 1 on.
+    /// A number from 1 on.
     std::size_t wholeNumber(const char* why);
 
-    /// Goes back to where an earlier copy of this stood.
-    void goBackTo(const TokenStream& earlier) {
-        lexer_ = earlier.lexer_;
-        token_ = earlier.token_;
-    }
+    /// The token behind the current one.
+    Token nextToken() const { return Lexer(lexer_).next(); }
 
     [[noreturn]] void refuse(const char* why) const { refuseAt(token_.at, why); }
     [[noreturn]] void refuseAt(std::size_t at, const char* why) const { throw refusedAt(text_, at, why); }
@@ -82,10 +79,12 @@ class TokenStream {
     }
 
   private:
+    bool isQuotedName() const { return token_.kind == TokenKind::text && text_[token_.at] == '"'; }
+    bool precedes(char symbol) const;
+    Function function() const;
     std::string_view textOfToken();
     Literal dateLiteral() const;
-    std::optional<bool> wordTruth() const;
-    Literal wordLiteral() const;
+    Term word(Term term);
     Literal escapedLiteral();
     Term signOrParameter(Term term);
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "accessdriver/sql/plan/resolve.h"
 #include "accessdriver/sql/values/caseFold.h"
 #include "accessdriver/sql/values/error.h"
-#include "accessdriver/sql/values/key.h"
-#include "accessdriver/sql/values/numbers.h"
+#include "accessdriver/sql/values/valueKind.h"
 
 namespace sql {
 
@@ -25,51 +25,6 @@ const jet::TableInfo& findTable(jet::Database& database, std::string_view name) 
     throw Error("42S02", "There is no table '" + std::string(name) + "'.");
 }
 
-class Columns {
-  public:
-    Columns(const jet::TableInfo& table, std::string_view alias) : table_(table), alias_(alias) {}
-
-    const ColumnInfo& operator[](std::size_t at) const { return table_.columns[at]; }
-
-    // Lists mostly name the columns in the table's order, so the search starts behind the one found last.
-    std::size_t find(const Name& name) {
-        requireTable(name.qualifier);
-        const std::size_t count = table_.columns.size();
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::size_t at = (next_ + i) % count;
-            if (sameName(table_.columns[at].name, name.text)) {
-                next_ = at + 1;
-                return at;
-            }
-        }
-        throw Error("42S22", "The table '" + table_.name + "' has no column '" + std::string(name.text) + "'.");
-    }
-
-    // A name before a column's is the alias, or the table's own name where there is none.
-    void requireTable(std::string_view qualifier) const {
-        if (qualifier.empty() || sameName(qualifier, alias_.empty() ? table_.name : alias_)) return;
-        throw Error("42S22", "The statement has no table '" + std::string(qualifier) + "'.");
-    }
-
-  private:
-    const jet::TableInfo& table_;
-    std::string_view alias_;
-    std::size_t next_ = 0;
-};
-
-ColumnInfo unknownColumn() { return {.name = "?", .type = ColumnType::text, .length = 255}; }
-
-// The column that plain values are compared as.
-ColumnInfo columnFor(const std::vector<Plan::Operand>& operands) {
-    ColumnInfo as = {.name = "?", .type = ColumnType::memo};
-    for (const Plan::Operand& operand : operands) {
-        const Literal::Kind kind = operand.term.literal.kind;
-        if (kind == Literal::Kind::number || kind == Literal::Kind::boolean) as.type = ColumnType::doubleFloat;
-        if (kind == Literal::Kind::date) as.type = ColumnType::dateTime;
-    }
-    return as;
-}
-
 class Planner {
   public:
     Planner(const Statement& statement, const jet::TableInfo& table)
@@ -85,15 +40,19 @@ class Planner {
                 planInsert();
                 break;
             case Statement::Kind::update:
-                for (const Equation& setting : statement_.settings) addTarget(setting.column, setting.term);
+                for (const Setting& setting : statement_.settings) addTarget(setting.column, setting.term, setting.sum);
                 break;
             case Statement::Kind::select:
                 planSelect();
                 break;
             case Statement::Kind::remove:
+                for (const SelectItem& item : statement_.items) columns_.requireTable(item.column.qualifier);
                 break;
         }
-        if (statement_.where) plan_.where = condition(*statement_.where);
+        if (statement_.where) {
+            plan_.where = *statement_.where;
+            resolve(*plan_.where, columns_, plan_.parameters);
+        }
         return std::move(plan_);
     }
 
@@ -113,17 +72,29 @@ class Planner {
                                  std::to_string(statement_.values.size()) + " values.");
     }
 
-    void addTarget(const Name& name, const Term& term) {
+    void addTarget(const Name& name, const Term& term, std::vector<Summand> sum = {}) {
         const std::size_t column = columns_.find(name);
         if (taken_.size() <= column) taken_.resize(plan_.table->columns.size());
         if (taken_[column]) throw Error("42000", "The column '" + std::string(name.text) + "' is set twice.");
         taken_[column] = true;
         note(term, columns_[column]);
-        plan_.targets.push_back({column, term});
+        for (Summand& summand : sum) {
+            if (summand.operand.isColumn()) summand.operand.column = columns_.find(*summand.operand.name);
+            note(summand.operand.term, columns_[column]);
+            if (sum.size() > 1) requireSummand(summand.operand);
+        }
+        plan_.targets.push_back({column, term, std::move(sum)});
+    }
+
+    void requireSummand(const Operand& operand) const {
+        if (!operand.isColumn()) return;
+        const ColumnInfo& column = columns_[operand.column];
+        if (kindOf(column.type) == ValueKind::number || kindOf(column.type) == ValueKind::date) return;
+        throw Error("42000", "The column '" + column.name + "' is of a type that can't be added.");
     }
 
     void note(const Term& term, const ColumnInfo& column) {
-        if (term.parameter != Term::noParameter) plan_.parameters[term.parameter] = column;
+        if (term.isParameter()) plan_.parameters[term.parameter] = column;
     }
 
     // --- what is selected
@@ -137,7 +108,7 @@ class Planner {
                 for (std::size_t at = 0; at < plan_.table->columns.size(); ++at) addItem({.column = at}, {});
             } else {
                 const bool hasColumn = item.kind != SelectItem::Kind::value && item.kind != SelectItem::Kind::countAll;
-                addItem({item.kind, hasColumn ? columns_.find(item.column) : Plan::noColumn, item.value.literal},
+                addItem({item.kind, hasColumn ? columns_.find(item.column) : Operand::noColumn, item.value},
                         item.alias);
             }
         }
@@ -165,7 +136,7 @@ class Planner {
         if (item.number > plan_.items.size()) refuse("the column number " + std::to_string(item.number));
         if (item.number > 0) {
             const std::size_t column = plan_.items[item.number - 1].column;
-            if (column == Plan::noColumn) refuse("a column that is none of the table's");
+            if (column == Operand::noColumn) refuse("a column that is none of the table's");
             return column;
         }
         for (std::size_t i = 0; i < plan_.items.size() && item.column.qualifier.empty(); ++i) {
@@ -176,69 +147,30 @@ class Planner {
         return columns_.find(item.column);
     }
 
-    // --- conditions
-
-    Plan::Condition condition(const Condition& given) {
-        Plan::Condition out{.kind = given.kind};
-        for (const Condition& part : given.parts) out.parts.push_back(condition(part));
-        for (const Operand& operand : given.operands) {
-            out.operands.push_back({operand.column ? columns_.find(*operand.column) : Plan::noColumn, operand.term});
-        }
-        if (out.operands.empty()) return out;
-        out.as = comparedAs(out.operands);
-        const bool likened = out.kind == Condition::Kind::like;
-        for (const Plan::Operand& operand : out.operands) {
-            note(operand.term, likened ? unknownColumn() : out.as);
-            if (operand.column == Plan::noColumn || out.kind == Condition::Kind::isNull) continue;
-            requireComparable(out.as, columns_[operand.column]);
-        }
-        return out;
-    }
-
-    // The first column; but numbers are compared exactly where one of them is a Currency or Decimal, and as
-    // floating-point ones where one of them is that.
-    ColumnInfo comparedAs(const std::vector<Plan::Operand>& operands) const {
-        const auto rank = [](ColumnType type) {
-            return type == ColumnType::single || type == ColumnType::doubleFloat ? 2 : isExact(type) ? 1 : 0;
-        };
-        const ColumnInfo* as = nullptr;
-        for (const Plan::Operand& operand : operands) {
-            if (operand.column == Plan::noColumn) continue;
-            const ColumnInfo& column = columns_[operand.column];
-            if (as == nullptr || rank(column.type) > rank(as->type)) as = &column;
-        }
-        return as == nullptr ? columnFor(operands) : *as;
-    }
-
-    static void requireComparable(const ColumnInfo& left, const ColumnInfo& right) {
-        for (const ColumnInfo* column : {&left, &right}) {
-            if (isComparable(column->type)) continue;
-            throw Error("42000", "The column '" + column->name + "' is of a type that WHERE can't compare.");
-        }
-        if (kindOf(left.type) == kindOf(right.type)) return;
-        throw Error("42000", "The columns '" + left.name + "' and '" + right.name + "' can't be compared.");
-    }
-
     const Statement& statement_;
-    Columns columns_;
+    ColumnNames columns_;
     Plan plan_;
     std::vector<bool> taken_;
     int unnamed_ = 0;
 };
 
-ResultColumn valueColumn(const Literal& value) {
-    switch (value.kind) {
+ResultColumn valueColumn(const Term& value) {
+    const std::string_view text = value.literal.text;
+    switch (value.kind()) {
         case Literal::Kind::number: {
-            const bool whole = value.text.find_first_of(".eE") == std::string_view::npos && value.text.size() < 10;
+            const bool whole = text.find_first_of(".eE") == std::string_view::npos && text.size() < 10;
             return {.name = {}, .type = whole ? ColumnType::longInteger : ColumnType::doubleFloat};
         }
         case Literal::Kind::boolean:
             return {.name = {}, .type = ColumnType::boolean};
         case Literal::Kind::date:
             return {.name = {}, .type = ColumnType::dateTime};
-        default:
-            return {.name = {}, .type = value.text.size() > 255 ? ColumnType::memo : ColumnType::text, .length = 255};
+        case Literal::Kind::null:
+        case Literal::Kind::text:
+        case Literal::Kind::bytes:
+            break;
     }
+    return {.name = {}, .type = text.size() > 255 ? ColumnType::memo : ColumnType::text, .length = 255};
 }
 
 ResultColumn Planner::described(const Plan::Item& item) const {
@@ -269,17 +201,17 @@ ResultColumn Planner::described(const Plan::Item& item) const {
 Plan planValues(const Statement& statement) {
     Plan plan{.kind = statement.kind};
     for (const SelectItem& item : statement.items) {
-        ResultColumn column = valueColumn(item.value.literal);
+        ResultColumn column = valueColumn(item.value);
         column.name = item.alias.empty() ? "Expr" + std::to_string(1000 + plan.items.size()) : std::string(item.alias);
         plan.columns.push_back(std::move(column));
-        plan.items.push_back({.kind = item.kind, .value = item.value.literal});
+        plan.items.push_back({.kind = item.kind, .value = item.value});
     }
     return plan;
 }
 
-void addColumns(const Plan::Condition& condition, std::vector<std::size_t>& columns) {
-    for (const Plan::Operand& operand : condition.operands) columns.push_back(operand.column);
-    for (const Plan::Condition& part : condition.parts) addColumns(part, columns);
+void addColumns(const Predicate& predicate, std::vector<std::size_t>& columns) {
+    for (const Operand& operand : predicate.operands) columns.push_back(operand.column);
+    for (const Predicate& part : predicate.parts) addColumns(part, columns);
 }
 
 }  // namespace

@@ -11,31 +11,17 @@ namespace sql {
 
 /// A statement whose names have been found in the file.
 struct Plan {
-    static constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
-
     /// A value for a column of the table.
     struct Target {
         std::size_t column = 0;  ///< position in the table's columns
-        Term term;
-    };
-
-    /// What is compared: a column, or a value where there is none.
-    struct Operand {
-        std::size_t column = noColumn;
-        Term term;
-    };
-
-    struct Condition {
-        sql::Condition::Kind kind = sql::Condition::Kind::all;
-        std::vector<Operand> operands = {};
-        std::vector<Condition> parts = {};
-        jet::ColumnInfo as = {};  ///< the column that values are compared as
+        Term term = {};
+        std::vector<Summand> sum = {};  ///< as Setting::sum
     };
 
     struct Item {
         SelectItem::Kind kind = SelectItem::Kind::column;
-        std::size_t column = noColumn;
-        Literal value = {};
+        std::size_t column = Operand::noColumn;
+        Term value = {};
     };
 
     struct Order {
@@ -49,19 +35,19 @@ struct Plan {
     std::vector<ResultColumn> columns = {};  ///< the same, described
     std::vector<Order> order = {};
     bool distinct = false;
-    std::optional<std::size_t> top = std::nullopt;
+    std::optional<Top> top = std::nullopt;
     std::vector<Target> targets = {};  ///< of INSERT and UPDATE
-    std::optional<Condition> where = std::nullopt;
+    std::optional<Predicate> where = std::nullopt;
     std::vector<jet::ColumnInfo> parameters = {};  ///< the column that each parameter is for
 
     /// The columns of the table that the rows of a SELECT are made and chosen by.
     std::vector<std::size_t> columnsRead() const;
 
     bool returnsRows() const { return kind == Statement::Kind::select; }
-    /// Whether the answer is one row, made of all that are met.
+    /// Whether the result set is one row, made of all rows that are met.
     bool aggregates() const { return returnsRows() && !items.empty() && items.front().kind >= SelectItem::Kind::count; }
-    /// Whether rows of the answer can be given before all are found.
-    bool streams() const { return returnsRows() && !aggregates() && order.empty(); }
+    /// Whether rows of the result set can be given before all are found.
+    bool streams() const { return returnsRows() && !aggregates() && order.empty() && !(top && top->percent); }
 };
 
 /// Finds the statement's names. The plan lives as long as the database and the statement's text and `ownTexts`.

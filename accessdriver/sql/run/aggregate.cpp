@@ -1,6 +1,6 @@
 #include "accessdriver/sql/run/aggregate.h"
 
-#include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "accessdriver/sql/values/convert.h"
@@ -23,16 +23,14 @@ void Aggregate::add(const jet::Cursor& row) {
     const jet::ColumnInfo& column = table_.columns[column_];
     if (kind_ == Kind::sum || kind_ == Kind::average) {
         if (const auto* amount = std::get_if<jet::Currency>(&value)) return addCurrency(*amount);
-        // Yes is -1 in Access.
-        const double number = std::get<double>(keyOf(value, column, jet::ColumnType::doubleFloat));
-        sum_ += std::holds_alternative<bool>(value) ? -number : number;
+        sum_ += numberOf(value, column);
         return;
     }
-    std::string order = sortable(keyOf(value, column));
+    Key key = keyOf(value, column);
     const bool first = std::holds_alternative<std::monostate>(extreme_);
-    if (!first && (kind_ == Kind::least ? order >= order_ : order <= order_)) return;
-    extreme_ = shown(std::move(value), table_.columns[column_]);
-    order_ = std::move(order);
+    if (!first && (kind_ == Kind::least ? key >= extremeKey_ : key <= extremeKey_)) return;
+    extreme_ = displayValue(std::move(value), column);
+    extremeKey_ = std::move(key);
 }
 
 void Aggregate::addCurrency(jet::Currency amount) {
@@ -51,9 +49,11 @@ jet::Value Aggregate::result() const {
     const bool average = kind_ == Kind::average;
     if (type_ != jet::ColumnType::currency) return average ? sum_ / static_cast<double>(count_) : sum_;
     if (!average) return jet::Currency{units_};
+    // Half a unit goes to the even neighbour.
     const std::int64_t whole = units_ / count_;
-    const double rest = static_cast<double>(units_ % count_) / static_cast<double>(count_);
-    return jet::Currency{whole + static_cast<std::int64_t>(std::nearbyint(rest))};
+    const std::int64_t rest = std::abs(units_ % count_);
+    const bool up = rest > count_ - rest || (rest == count_ - rest && whole % 2 != 0);
+    return jet::Currency{up ? whole + (units_ < 0 ? -1 : 1) : whole};
 }
 
 }  // namespace sql

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "accessdriver/sql/plan/plan.h"
+#include "accessdriver/sql/values/key.h"
 
 namespace sql {
 
@@ -31,7 +31,7 @@ class Aggregate {
     std::int64_t units_ = 0;  // of Currency
     double sum_ = 0;
     jet::Value extreme_;
-    std::string order_;  // of the least or greatest value
+    Key extremeKey_;
 };
 
 }  // namespace sql

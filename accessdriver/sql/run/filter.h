@@ -1,62 +1,67 @@
 #pragma once
 
 #include <optional>
-#include <span>
-#include <string>
 #include <vector>
 
-#include "accessdriver/sql/plan/plan.h"
-#include "accessdriver/sql/values/key.h"
+#include "accessdriver/sql/parse/predicate.h"
+#include "accessdriver/sql/run/termValues.h"
 
 namespace sql {
 
-/// A condition of WHERE with its values in place.
+/// The values that a filter reads: those of a row of the file, or the one value that is to be written to a column.
+class RowValues {
+  public:
+    explicit RowValues(const jet::Cursor& row) : row_(&row) {}
+    explicit RowValues(const jet::Value& value) : value_(&value) {}
+
+    jet::Value operator[](std::size_t column) const { return row_ != nullptr ? row_->value(column) : *value_; }
+
+  private:
+    const jet::Cursor* row_ = nullptr;
+    const jet::Value* value_ = nullptr;
+};
+
+/// The values that a condition leaves possible in one column of the rows that meet it: one value, or those within
+/// bounds.
+struct KeyRange {
+    std::size_t column = 0;
+    bool equal = false;
+    Key key = {};                               ///< where equal
+    std::optional<Literal> low = std::nullopt;  ///< for an index; the bound itself belongs to the range
+    std::optional<Literal> high = std::nullopt;
+};
+
+/// A condition whose values are known.
 class Filter {
   public:
-    /// The plan's condition; the table must outlive this. Throws as keyFor does.
-    Filter(const Plan::Condition& condition, const jet::TableInfo& table, std::span<const Literal> parameters,
-           DateOrder order);
+    /// The predicate is a resolved one; the table must outlive this. Throws as keyFor does.
+    Filter(Predicate predicate, const jet::TableInfo& table, const TermValues& values);
 
-    /// Whether the condition holds for the cursor's row; it does not where Null leaves it open.
-    bool holds(const jet::Cursor& row) const { return judge(row) == Truth::yes; }
+    /// Whether the condition holds for the row; it does not where Null leaves it open.
+    bool holds(const jet::Cursor& row) const { return judge(predicate_, RowValues(row)) == Truth::yes; }
 
-    /// What every row that is met has in one column: this key, or a value within bounds.
-    struct Demand {
-        std::size_t column = 0;
-        bool equal = false;
-        Key key = {};                               ///< where equal
-        std::optional<Literal> low = std::nullopt;  ///< for an index; the bound itself belongs to it
-        std::optional<Literal> high = std::nullopt;
-    };
+    /// Whether a value breaks the condition, which is a rule of its column. It does not where Null leaves it open.
+    bool isBrokenBy(const jet::Value& value) const { return judge(predicate_, RowValues(value)) == Truth::no; }
 
-    /// The demands that an index or a lookup can start from, equalities first. A column stands here once for all its
-    /// bounds.
-    std::vector<Demand> demands() const;
+    /// The ranges that an index can start from, equalities first, one for each column.
+    std::vector<KeyRange> keyRanges() const;
 
   private:
     enum class Truth { no, unknown, yes };
 
-    // A value with its forms for comparison, or a column.
-    struct Operand {
-        std::size_t column = Plan::noColumn;
-        Key key = {};
-        std::string order = {};  // sortable(key), where the condition needs it
-        Literal literal = {};
-    };
+    static Truth truth(bool holds) { return holds ? Truth::yes : Truth::no; }
 
-    Truth judge(const jet::Cursor& row) const;
-    Truth judgeParts(const jet::Cursor& row) const;
-    Truth compare(const jet::Cursor& row) const;
-    Truth isLike(const jet::Cursor& row) const;
-    Key keyIn(const jet::Cursor& row, const Operand& operand) const;
-    void addDemands(std::vector<Demand>& demands) const;
-    void addBound(std::vector<Demand>& demands) const;
+    void bind(Predicate& predicate, const TermValues& values);
+    Truth judge(const Predicate& predicate, const RowValues& row) const;
+    Truth judgeParts(const Predicate& predicate, const RowValues& row) const;
+    Truth compare(const Predicate& predicate, const RowValues& row) const;
+    Truth isLike(const Predicate& predicate, const RowValues& row) const;
+    Key keyIn(const RowValues& row, const Operand& operand, const Predicate& predicate) const;
+    void addRanges(const Predicate& predicate, std::vector<KeyRange>& ranges) const;
+    void addComparison(const Predicate& predicate, std::vector<KeyRange>& ranges) const;
 
-    Condition::Kind kind_;
-    jet::ColumnType as_;  // what is compared is compared as that
     const jet::TableInfo* table_;
-    std::vector<Operand> operands_;
-    std::vector<Filter> parts_;
+    Predicate predicate_;
 };
 
 }  // namespace sql

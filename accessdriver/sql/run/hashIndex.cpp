@@ -1,11 +1,21 @@
 #include "accessdriver/sql/run/hashIndex.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace sql {
 
+namespace {
+
+std::uint32_t hashOf(const Key& key) {
+    const std::size_t hash = std::hash<Key>()(key);
+    return static_cast<std::uint32_t>(hash ^ hash >> 32);
+}
+
+}  // namespace
+
 void HashIndex::add(const Key& key, jet::RowId row) {
-    if (std::holds_alternative<std::monostate>(key)) return;  // Null is never found
+    if (key.empty()) return;  // Null is never found
     if (entries_.size() >= heads_.size()) grow();
     const std::uint32_t hash = hashOf(key);
     std::uint32_t& head = headOf(hash);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -14,10 +15,12 @@
 #include "accessdriver/sql/run/hashIndex.h"
 #include "accessdriver/sql/run/rowIterator.h"
 #include "accessdriver/sql/run/rowSet.h"
+#include "accessdriver/sql/run/tableRules.h"
+#include "accessdriver/sql/run/termValues.h"
 
 namespace sql {
 
-/// What a statement gave: rows, or the number of rows that it changed.
+/// The result of a statement: rows, or the number of rows that it changed.
 struct Outcome {
     std::shared_ptr<RowSet> rows = nullptr;
     std::int64_t changed = -1;
@@ -25,8 +28,8 @@ struct Outcome {
 
 /// Runs statements on one connection and keeps its transaction.
 /// A statement takes effect as a whole or not at all: one that fails half-way is undone.
-/// Rows are read from the file while they are asked for; before this connection changes what an open answer reads, the
-/// answer gets copies of its rows.
+/// Rows are read from the file while they are asked for. Before this connection changes what an open result set reads,
+/// the result set gets copies of its rows.
 class Session {
   public:
     explicit Session(std::unique_ptr<jet::Database> database, DateOrder order = localeDateOrder())
@@ -34,7 +37,7 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Answers that were not read to their end end here.
+    /// Result sets that were not read to their end end here.
     ~Session();
 
     /// Finds the names of a parsed statement; see makePlan.
@@ -50,7 +53,7 @@ class Session {
     void commit();
     void rollback();
 
-    /// Whether there are changes that neither commit() nor rollback() has settled.
+    /// Whether there are changes that were neither committed nor rolled back.
     bool hasOpenChanges() const { return open_; }
 
     /// Makes one statement of all that run while it lives: under autocommit they are committed by finish(), and undone
@@ -74,34 +77,49 @@ class Session {
     jet::Database& database() const { return *database_; }
 
   private:
-    /// An answer whose rows are still being read from the file.
+    /// A result set whose rows are still being read from the file.
     struct Stream {
         std::weak_ptr<RowSet> rows;
         const jet::TableInfo* table = nullptr;
         std::vector<std::size_t> columns = {};  ///< that it reads
     };
 
-    std::int64_t insert(const Plan& plan, std::span<const Literal> parameters);
-    std::int64_t update(const Plan& plan, std::span<const Literal> parameters);
-    std::int64_t remove(const Plan& plan, std::span<const Literal> parameters);
-    std::shared_ptr<RowSet> select(const Plan& plan, std::span<const Literal> parameters);
+    /// The AutoNumber of a row.
+    struct Identity {
+        const jet::TableInfo* table;
+        std::size_t column;
+        jet::RowId row;
+    };
 
-    std::vector<jet::Assignment> assignments(const Plan& plan, std::span<const Literal> parameters) const;
-    RowIterator matches(const Plan& plan, std::span<const Literal> parameters);
+    std::int64_t insert(const Plan& plan, const TermValues& values);
+    std::int64_t update(const Plan& plan, const TermValues& values);
+    std::int64_t updateWithSums(const Plan& plan, const TermValues& values);
+    std::int64_t remove(const Plan& plan, const TermValues& values);
+    std::shared_ptr<RowSet> select(const Plan& plan, const TermValues& values);
+
+    const TableRules& rules(const jet::TableInfo& table);
+    void noteInsert(const jet::TableInfo& table, jet::RowId row, std::span<const jet::Assignment> values);
+    template <class Note>
+    void noteInIndexes(const Note& note);
+    void readIdentity();
+    RowIterator matchingRows(const Plan& plan, const TermValues& values);
     std::optional<std::vector<jet::RowId>> candidates(const Plan& plan, const Filter& filter);
     bool isFirstSearch(const Plan& plan, std::size_t column);
-    std::optional<std::vector<jet::RowId>> fromIndex(const jet::TableInfo& table, const Filter::Demand& demand);
-    void keepRowsThatMayChange(const Plan& change);
-    void keepAllRows();
-    void settle();
+    std::optional<std::vector<jet::RowId>> fromIndex(const jet::TableInfo& table, const KeyRange& range);
+    void copyStreamsOver(const Plan& change);
+    void copyAllStreams();
+    void commitIfAutomatic();
 
     std::unique_ptr<jet::Database> database_;
     HashIndexes hashIndexes_;
     DateOrder order_;
-    using Place = std::pair<const jet::TableInfo*, std::size_t>;
-    std::map<Place, int> indexSearches_;  // by column
-    std::set<Place> searched_;            // columns that were walked through for a value
+    using TableColumn = std::pair<const jet::TableInfo*, std::size_t>;
+    std::map<TableColumn, int> indexSearches_;
+    std::set<TableColumn> scanned_;  // columns that a table was scanned for
+    std::map<const jet::TableInfo*, TableRules> rules_;
     std::vector<Stream> streams_;
+    std::optional<Identity> lastInserted_;  // not read from its row yet
+    std::string identity_ = "0";
     bool autocommit_ = true;
     bool open_ = false;
 };

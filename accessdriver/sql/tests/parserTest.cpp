@@ -19,7 +19,8 @@ std::string refusal(std::string_view text) {
 }
 
 std::string shown(const sql::Term& term) {
-    if (term.parameter != sql::Term::noParameter) return "?" + std::to_string(term.parameter);
+    if (term.isParameter()) return "?" + std::to_string(term.parameter);
+    if (term.function != sql::Function::none) return "function " + std::to_string(static_cast<int>(term.function));
     switch (term.literal.kind) {
         case Literal::Kind::null:
             return "Null";
@@ -43,12 +44,13 @@ std::vector<std::string> values(const Statement& statement) {
     return out;
 }
 
-std::string shown(const sql::Condition& condition) {
-    using Kind = sql::Condition::Kind;
-    const auto operand = [&](std::size_t i) {
-        const sql::Operand& given = condition.operands[i];
-        return given.column ? std::string(given.column->text) : shown(given.term);
-    };
+std::string shown(const sql::Operand& operand) {
+    return operand.isColumn() ? std::string(operand.name->text) : shown(operand.term);
+}
+
+std::string shown(const sql::Predicate& condition) {
+    using Kind = sql::Predicate::Kind;
+    const auto operand = [&](std::size_t i) { return shown(condition.operands[i]); };
     const auto joined = [&](const char* word) {
         std::string out;
         for (const auto& part : condition.parts) out += (out.empty() ? "(" : word) + shown(part);
@@ -68,7 +70,14 @@ std::string shown(const sql::Condition& condition) {
             for (std::size_t i = 1; i < condition.operands.size(); ++i) out += " " + operand(i);
             return out;
         }
-        default:
+        case Kind::between:
+            return operand(0) + " BETWEEN " + operand(1) + " AND " + operand(2);
+        case Kind::equal:
+        case Kind::less:
+        case Kind::lessOrEqual:
+        case Kind::greater:
+        case Kind::greaterOrEqual:
+        case Kind::like:
             break;
     }
     static constexpr const char* signs[] = {" = ", " < ", " <= ", " > ", " >= ", " LIKE "};
@@ -77,25 +86,28 @@ std::string shown(const sql::Condition& condition) {
 
 using Texts = std::vector<std::string>;
 
-TEST(Parser, ConditionsBindAsUsual) {
+TEST(ParserTest, ConditionsBindAsUsual) {
     const std::pair<const char*, const char*> cases[] = {
         {"a=1 OR b=2 AND NOT c=3", "(a = number 1 OR (b = number 2 AND NOT c = number 3))"},
         {"(a=1 OR b<>2) AND (((c>=3)))", "((a = number 1 OR NOT b = number 2) AND c >= number 3)"},
         {"NOT NOT a<1 or a!=? or ?<= b", "(a < number 1 OR NOT a = ?0 OR ?1 <= b)"},
-        {"a BETWEEN 1 AND 2 AND b > 3", "((a >= number 1 AND a <= number 2) AND b > number 3)"},
-        {"a NOT BETWEEN 'x' AND 'y'", "NOT (a >= <x> AND a <= <y>)"},
+        {"a BETWEEN 1 AND 2 AND b > 3", "(a BETWEEN number 1 AND number 2 AND b > number 3)"},
+        {"a NOT BETWEEN 'x' AND 'y'", "NOT a BETWEEN <x> AND <y>"},
         {"a IN (1, ?, b) AND a NOT IN ('x')", "(a IN number 1 ?0 b AND NOT a IN <x>)"},
         {"a NOT LIKE 'x%' AND b IS NOT NULL AND t.c IS NULL", "(NOT a LIKE <x%> AND NOT b IS NULL AND c IS NULL)"},
         {"d = {d '2020-02-29'} OR d = {ts '2020-02-29 10:20:30'} OR g = {guid '{00}'}",
          "(d = date 2020-02-29 00:00:00 OR d = date 2020-02-29 10:20:30 OR g = <{00}>)"},
         {"1=0", "number 1 = number 0"},
+        {"(((a)=3) AND ((b)<(4)) OR ((NOT (c) IS NULL)))", "((a = number 3 AND b < number 4) OR NOT c IS NULL)"},
+        {"((a)) BETWEEN ((1)) AND 2 AND (NOT ((a)=1))", "(a BETWEEN number 1 AND number 2 AND NOT a = number 1)"},
+        {"date = Date() AND \"t\".\"a b\" = \"x\"", "(date = function 1 AND a b = <x>)"},
     };
     for (const auto& [text, wanted] : cases) {
         EXPECT_EQ(shown(*sql::parse("SELECT * FROM t WHERE " + std::string(text)).where), wanted) << text;
     }
 }
 
-TEST(Parser, InsertTakesEveryKindOfValueAndEmptyPositions) {
+TEST(ParserTest, InsertTakesEveryKindOfValueAndEmptyPositions) {
     struct Case {
         const char* list;
         Texts values;
@@ -123,7 +135,7 @@ TEST(Parser, InsertTakesEveryKindOfValueAndEmptyPositions) {
     }
 }
 
-TEST(Parser, NamesAndKeywordsInAnyForm) {
+TEST(ParserTest, NamesAndKeywordsInAnyForm) {
     const Statement insert = sql::parse("insert Into[my table]( [a b],`c`,größe )values(1,2,3);");
     EXPECT_EQ(insert.table->text, "my table");
     ASSERT_EQ(insert.columns.size(), 3U);
@@ -147,11 +159,11 @@ TEST(Parser, NamesAndKeywordsInAnyForm) {
     EXPECT_EQ(select.items[0].column.qualifier, "t");
     EXPECT_EQ(select.items[0].alias, "x");
     EXPECT_EQ(select.tableAlias, "t");
-    EXPECT_EQ(select.top, 3U);
+    EXPECT_EQ(select.top->number, 3U);
     EXPECT_TRUE(select.distinct && select.order[0].number == 1 && select.order[1].descending);
 }
 
-TEST(Parser, RefusalsTellThePlace) {
+TEST(ParserTest, RefusalsTellThePlace) {
     const std::pair<const char*, const char*> cases[] = {
         {"", "42000 Syntax error at the end of the statement: SELECT, INSERT, UPDATE or DELETE was expected."},
         {"DROP TABLE tree",
@@ -166,10 +178,19 @@ TEST(Parser, RefusalsTellThePlace) {
         {"SELECT COUNT(*) FROM t GROUP BY a",
          "42000 Syntax error at position 24 near \"GROUP\": GROUP BY and HAVING are not understood."},
         {"SELECT UCASE(a) FROM t",
-         "42000 Syntax error at position 8 near \"UCASE(a)\": COUNT, MIN, MAX, SUM and AVG are "
-         "the only functions that are understood."},
-        {"SELECT TOP 10 PERCENT a FROM t",
-         "42000 Syntax error at position 15 near \"PERCENT\": TOP counts rows; PERCENT is not understood."},
+         "42000 Syntax error at position 8 near \"UCASE(a)\": COUNT, MIN, MAX, SUM, AVG, Date, Time and Now are the "
+         "only "
+         "functions that are understood."},
+        {"SELECT TOP 101 PERCENT a FROM t",
+         "42000 Syntax error at position 12 near \"101\": there are no more than 100 percent."},
+        {"SELECT * FROM t WHERE (a) AND b=1",
+         "42000 Syntax error at position 27 near \"AND\": a comparison was expected."},
+        {"SELECT * FROM t WHERE ((a=1)",
+         "42000 Syntax error at the end of the statement: a closing bracket was expected."},
+        {"SELECT * FROM t WHERE a=(SELECT 1)",
+         "42000 Syntax error at position 26 near \"SELECT\": subqueries are not understood."},
+        {"DELETE a FROM t", "42000 Syntax error at position 10 near \"FROM\": FROM was expected."},
+        {"SELECT \"a\" b FROM t", "42000 Syntax error at position 12 near \"b\": a comma or FROM was expected."},
         {"INSERT INTOcavyUser(fldCustomName1) VALUES (heading)",
          "42000 Syntax error at position 8 near \"INTOcavyUser(fldCustomNa\": INTO was expected."},
         {"INSERT INTO t (a) VALUES (heading)",
@@ -196,7 +217,8 @@ TEST(Parser, RefusalsTellThePlace) {
         {"SELECT FROM t", "42000 Syntax error at position 8 near \"FROM\": a column's name was expected."},
         {"SELECT a b FROM t", "42000 Syntax error at position 10 near \"b\": a comma or FROM was expected."},
         {"SELECT * FROM t WHERE a", "42000 Syntax error at the end of the statement: a comparison was expected."},
-        {"UPDATE t SET a = b", "42000 Syntax error at position 18 near \"b\": a value was expected."},
+        {"UPDATE t SET a = b *2", "42000 Syntax error at position 20 near \"*2\": the statement should end here."},
+        {"UPDATE t SET a = b +", "42000 Syntax error at the end of the statement: a column's name was expected."},
         {"UPDATE t WHERE a=1", "42000 Syntax error at position 10 near \"WHERE\": SET was expected."},
         {"UPDATE t SET a=1; UPDATE t SET a=2",
          "42000 Syntax error at position 19 near \"UPDATE\": the statement should end here."},
@@ -212,7 +234,7 @@ TEST(Parser, RefusalsTellThePlace) {
 }
 
 // A statement that breaks off anywhere is refused, never misread and never read past its end.
-TEST(Parser, EveryTruncationIsRefusedOrWhole) {
+TEST(ParserTest, EveryTruncationIsRefusedOrWhole) {
     const std::string_view statement = "INSERT INTO [t] (a,b) VALUES ('x''y',#2020-01-01#,-1.5,?)";
     for (std::size_t length = 0; length < statement.size(); ++length) {
         const std::string exact(statement.substr(0, length));

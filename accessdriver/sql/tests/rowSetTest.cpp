@@ -5,7 +5,7 @@
 namespace {
 
 // Values of every type, in rows around the size of a chunk, come back as they went in.
-TEST(RowSet, GivesBackWhatItGot) {
+TEST(RowSetTest, GivesBackWhatItGot) {
     sql::RowSet rows(std::vector<sql::ResultColumn>(3));
     std::vector<std::vector<jet::Value>> wanted = {
         {jet::Value{}, true, std::int32_t{-7}},

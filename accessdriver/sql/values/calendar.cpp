@@ -1,9 +1,11 @@
 #include "accessdriver/sql/values/calendar.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <langinfo.h>
 
 #include "accessdriver/sql/values/caseFold.h"
@@ -190,6 +192,19 @@ std::optional<jet::DateTime> readDate(std::string_view text, DateOrder order) {
     }
     if (!reader.atEnd() || !isReal(moment)) return std::nullopt;
     return toDateTime(moment);
+}
+
+jet::DateTime currentMoment() {
+    const std::time_t seconds = std::time(nullptr);
+    std::tm parts = {};
+    ::localtime_r(&seconds, &parts);
+    const int second = std::min(parts.tm_sec, 59);  // a leap second is the 60th
+    return toDateTime({.year = parts.tm_year + 1900,
+                       .month = parts.tm_mon + 1,
+                       .day = parts.tm_mday,
+                       .hour = parts.tm_hour,
+                       .minute = parts.tm_min,
+                       .second = second});
 }
 
 std::string writeDate(jet::DateTime date) {

@@ -37,7 +37,7 @@ void appendFolded(std::string& out, char32_t code, std::string_view sequence) {
 
 }  // namespace
 
-std::string folded(std::string_view text) {
+std::string caseFolded(std::string_view text) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
@@ -62,7 +62,7 @@ bool sameName(std::string_view left, std::string_view right) {
     const bool sameAscii = std::equal(left.begin(), left.end(), right.begin(), right.end(),
                                       [](char a, char b) { return lowerAscii(a) == lowerAscii(b); });
     if (sameAscii) return true;
-    return !isAscii(left) && !isAscii(right) && folded(left) == folded(right);
+    return !isAscii(left) && !isAscii(right) && caseFolded(left) == caseFolded(right);
 }
 
 std::size_t utf16Length(std::string_view text) {

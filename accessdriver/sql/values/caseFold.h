@@ -7,7 +7,7 @@ namespace sql {
 
 /// The text with each character in lower case, where Access takes both cases for the same. Text is UTF-8; bytes outside
 /// a valid sequence stay as they are.
-std::string folded(std::string_view text);
+std::string caseFolded(std::string_view text);
 
 /// Whether two names are equal without regard to case.
 bool sameName(std::string_view left, std::string_view right);

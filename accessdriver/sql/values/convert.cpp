@@ -8,6 +8,8 @@
 #include "accessdriver/sql/values/decimal.h"
 #include "accessdriver/sql/values/error.h"
 #include "accessdriver/sql/values/numbers.h"
+#include "accessdriver/sql/values/valueKind.h"
+#include "accessdriver/sql/values/yesNo.h"
 
 namespace sql {
 
@@ -26,16 +28,13 @@ struct Range {
     double most;
 };
 
-// Of the whole-number columns.
+// The range of a Byte, Integer or Long column.
 Range rangeOf(ColumnType type) {
-    switch (type) {
-        case ColumnType::byte:
-            return {0, 255};
-        case ColumnType::integer:
-            return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
-        default:
-            return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
+    if (type == ColumnType::byte) return {0, 255};
+    if (type == ColumnType::integer) {
+        return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
     }
+    return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
 }
 
 std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
@@ -44,30 +43,33 @@ std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "
     throw Error("07006", "The column " + inQuotes(column.name) + " can't take a value of this kind.");
 }
 
-[[noreturn]] void refuseText(const char* state, const Literal& literal, const ColumnInfo& column, const char* wanted) {
-    throw Error(
-        state, inQuotes(literal.text) + " is no " + wanted + ", which the column " + inQuotes(column.name) + " takes.");
+// The beginning of a long text: some applications have no room for messages of any length.
+std::string abbreviated(std::string_view text) {
+    constexpr std::size_t mostBytes = 60;
+    if (text.size() <= mostBytes) return std::string(text);
+    std::size_t end = mostBytes;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return std::string(text.substr(0, end)) + "...";
 }
 
-[[noreturn]] void refuseRange(const Literal& literal, const ColumnInfo& column) {
-    throw Error("22003", "The number " + std::string(literal.text) + " is out of the range of the column " +
+[[noreturn]] void refuseText(const char* state, const Literal& literal, const ColumnInfo& column, const char* wanted) {
+    throw Error(state, inQuotes(abbreviated(literal.text)) + " is no " + wanted + ", which the column " +
+                           inQuotes(column.name) + " takes.");
+}
+
+[[noreturn]] void refuseRange(std::string_view number, const ColumnInfo& column) {
+    throw Error("22003", "The number " + abbreviated(number) + " is out of the range of the column " +
                              inQuotes(column.name) + ".");
 }
 
 bool isEmptyText(const Literal& literal) { return literal.kind == Kind::text && trimmed(literal.text).empty(); }
 
-Value fitBoolean(const Literal& literal, const ColumnInfo& column) {
+Value coerceToBoolean(const Literal& literal, const ColumnInfo& column) {
     if (literal.kind == Kind::null || isEmptyText(literal)) return false;
     if (literal.kind == Kind::boolean) return literal.truth;
     if (literal.kind != Kind::number && literal.kind != Kind::text) refuseKind(column);
     if (const auto number = readNumber(literal.text)) return *number != 0;
-    const std::string_view word = trimmed(literal.text);
-    for (const auto* yes : {"true", "yes", "on"}) {
-        if (sameName(word, yes)) return true;
-    }
-    for (const auto* no : {"false", "no", "off"}) {
-        if (sameName(word, no)) return false;
-    }
+    if (const auto truth = readYesNo(trimmed(literal.text))) return *truth;
     refuseText("22018", literal, column, "yes/no value");
 }
 
@@ -81,37 +83,39 @@ std::string numberText(const Literal& literal, const ColumnInfo& column) {
         case Kind::number:
         case Kind::text:
             return std::string(literal.text);
-        default:
-            refuseKind(column);
+        case Kind::null:
+        case Kind::bytes:
+            break;
     }
+    refuseKind(column);
 }
 
-Value fitNumber(const Literal& literal, const ColumnInfo& column) {
+Value coerceToNumber(const Literal& literal, const ColumnInfo& column) {
     const auto given = numberTextOf(literal, column);
     if (!given) return {};
     const std::string& text = *given;
     const auto number = readNumber(text);
     if (column.type == ColumnType::doubleFloat) return *number;
     if (column.type == ColumnType::single) {
-        if (std::abs(*number) > std::numeric_limits<float>::max()) refuseRange(literal, column);
+        if (std::abs(*number) > std::numeric_limits<float>::max()) refuseRange(text, column);
         return static_cast<double>(static_cast<float>(*number));
     }
     if (column.type == ColumnType::numeric) {
         const auto decimal = readDecimal(text, column.scale);
         if (decimal && digitCount(*decimal) <= column.precision) return storedDecimal(*decimal);
-        refuseRange(literal, column);
+        refuseRange(text, column);
     }
     if (column.type == ColumnType::currency) {
         if (const auto amount = readCurrency(text)) return *amount;
-        refuseRange(literal, column);
+        refuseRange(text, column);
     }
     const double whole = std::nearbyint(*number);
     const Range range = rangeOf(column.type);
-    if (whole < range.least || whole > range.most) refuseRange(literal, column);
+    if (whole < range.least || whole > range.most) refuseRange(text, column);
     return static_cast<std::int32_t>(whole);
 }
 
-Value fitDate(const Literal& literal, const ColumnInfo& column, DateOrder order) {
+Value coerceToDate(const Literal& literal, const ColumnInfo& column, DateOrder order) {
     switch (literal.kind) {
         case Kind::null:
             return {};
@@ -119,7 +123,7 @@ Value fitDate(const Literal& literal, const ColumnInfo& column, DateOrder order)
             return literal.date;
         case Kind::number: {
             const auto days = readNumber(literal.text);
-            if (!days) refuseRange(literal, column);
+            if (!days) refuseRange(literal.text, column);
             const jet::DateTime date{*days};
             toMoment(date);  // refuses what lies outside the calendar
             return date;
@@ -129,9 +133,11 @@ Value fitDate(const Literal& literal, const ColumnInfo& column, DateOrder order)
             if (const auto date = readDate(literal.text, order)) return *date;
             refuseText("22007", literal, column, "date");
         }
-        default:
-            refuseKind(column);
+        case Kind::boolean:
+        case Kind::bytes:
+            break;
     }
+    refuseKind(column);
 }
 
 // A number is written without needless digits: 007 and 1.50 become 7 and 1.5.
@@ -140,7 +146,7 @@ std::string plainNumber(std::string_view text) {
     return number && std::abs(*number) < 1e15 ? writeNumber(*number) : std::string(text);
 }
 
-Value fitText(const Literal& literal, const ColumnInfo& column) {
+Value coerceToText(const Literal& literal, const ColumnInfo& column) {
     std::string text;
     switch (literal.kind) {
         case Kind::null:
@@ -168,7 +174,7 @@ Value fitText(const Literal& literal, const ColumnInfo& column) {
     return text;
 }
 
-Value fitBytes(const Literal& literal, const ColumnInfo& column) {
+Value coerceToBytes(const Literal& literal, const ColumnInfo& column) {
     if (literal.kind == Kind::null) return {};
     if (literal.kind != Kind::bytes) refuseKind(column);
     return jet::Bytes(literal.text.begin(), literal.text.end());
@@ -213,7 +219,7 @@ std::optional<jet::Bytes> readGuid(std::string_view text) {
     return bytes;
 }
 
-Value fitGuid(const Literal& literal, const ColumnInfo& column) {
+Value coerceToGuid(const Literal& literal, const ColumnInfo& column) {
     if (literal.kind == Kind::null || isEmptyText(literal)) return {};
     if (literal.kind == Kind::bytes) return jet::Bytes(literal.text.begin(), literal.text.end());
     if (literal.kind != Kind::text) refuseKind(column);
@@ -249,16 +255,16 @@ std::optional<jet::Bytes> readHexadecimal(std::string_view digits) {
     return bytes;
 }
 
-jet::Value shown(jet::Value stored, const ColumnInfo& column) {
+jet::Value displayValue(jet::Value stored, const ColumnInfo& column) {
     const auto* const bytes = std::get_if<jet::Bytes>(&stored);
     if (column.type != ColumnType::numeric || bytes == nullptr) return stored;
     return writeDecimal(fromStoredDecimal(*bytes, column.scale));
 }
 
-jet::Value fit(const Literal& literal, const ColumnInfo& column, DateOrder order) {
+jet::Value coerce(const Literal& literal, const ColumnInfo& column, DateOrder order) {
     switch (column.type) {
         case ColumnType::boolean:
-            return fitBoolean(literal, column);
+            return coerceToBoolean(literal, column);
         case ColumnType::byte:
         case ColumnType::integer:
         case ColumnType::longInteger:
@@ -266,17 +272,32 @@ jet::Value fit(const Literal& literal, const ColumnInfo& column, DateOrder order
         case ColumnType::single:
         case ColumnType::doubleFloat:
         case ColumnType::numeric:
-            return fitNumber(literal, column);
+            return coerceToNumber(literal, column);
         case ColumnType::guid:
-            return fitGuid(literal, column);
+            return coerceToGuid(literal, column);
         case ColumnType::dateTime:
-            return fitDate(literal, column, order);
+            return coerceToDate(literal, column, order);
         case ColumnType::text:
         case ColumnType::memo:
-            return fitText(literal, column);
-        default:
-            return fitBytes(literal, column);
+            return coerceToText(literal, column);
+        case ColumnType::binary:
+        case ColumnType::ole:
+            break;
     }
+    return coerceToBytes(literal, column);
+}
+
+Literal literalOf(const jet::Value& stored, const ColumnInfo& column, std::string& text) {
+    if (std::holds_alternative<std::monostate>(stored)) return {};
+    if (const auto* truth = std::get_if<bool>(&stored)) return {.kind = Kind::boolean, .truth = *truth};
+    if (const auto* date = std::get_if<jet::DateTime>(&stored)) return {.kind = Kind::date, .date = *date};
+    const auto* const bytes = std::get_if<jet::Bytes>(&stored);
+    if (bytes != nullptr && kindOf(column.type) == ValueKind::bytes) {
+        text.assign(bytes->begin(), bytes->end());
+        return {.kind = Kind::bytes, .text = text};
+    }
+    text = textOf(displayValue(stored, column), column.type);
+    return {.kind = kindOf(column.type) == ValueKind::number ? Kind::number : Kind::text, .text = text};
 }
 
 std::string textOf(const jet::Value& value, ColumnType type) {

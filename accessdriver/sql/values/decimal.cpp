@@ -131,6 +131,42 @@ std::optional<std::string> exactOrder(std::string_view text) {
     return below + out + '\xFF';
 }
 
+std::optional<std::string> exactSum(std::string_view left, std::string_view right, bool subtract) {
+    const auto decimals = [](std::string_view number) {
+        const std::size_t point = number.find('.');
+        return point == std::string_view::npos ? 0 : static_cast<int>(number.size() - point - 1);
+    };
+    const int scale = std::max(decimals(left), decimals(right));
+    auto sum = readDecimal(left, scale);
+    const auto other = readDecimal(right, scale);
+    if (!sum || !other) return std::nullopt;
+    if (sum->negative == (other->negative != subtract)) {
+        unsigned carry = 0;
+        for (std::size_t i = 0; i < sum->magnitude.size(); ++i) {
+            carry += 0U + sum->magnitude[i] + other->magnitude[i];
+            sum->magnitude[i] = static_cast<std::uint8_t>(carry);
+            carry >>= 8;
+        }
+    } else {
+        Magnitude greater = sum->magnitude;
+        Magnitude lesser = other->magnitude;
+        if (std::lexicographical_compare(greater.rbegin(), greater.rend(), lesser.rbegin(), lesser.rend())) {
+            std::swap(greater, lesser);
+            sum->negative = !sum->negative;
+        }
+        unsigned borrowed = 0;
+        for (std::size_t i = 0; i < greater.size(); ++i) {
+            const unsigned digit = 256U + greater[i] - lesser[i] - borrowed;
+            sum->magnitude[i] = static_cast<std::uint8_t>(digit);
+            borrowed = digit < 256 ? 1 : 0;
+        }
+    }
+    const int digits = digitCount(*sum);
+    if (digits > static_cast<int>(mostDigits)) return std::nullopt;
+    sum->negative = sum->negative && digits > 0;
+    return writeDecimal(*sum);
+}
+
 std::string writeDecimal(const Decimal& number) {
     std::string out = digitsOf(number.magnitude);
     const auto scale = static_cast<std::size_t>(std::max(number.scale, 0));

@@ -25,6 +25,10 @@ std::optional<Decimal> readDecimal(std::string_view text, int scale);
 /// that is no number.
 std::optional<std::string> exactOrder(std::string_view text);
 
+/// The exact sum or difference of two numbers that are written without exponent. Nothing if the numbers or the sum need
+/// more than 38 digits.
+std::optional<std::string> exactSum(std::string_view left, std::string_view right, bool subtract);
+
 /// With as many decimals as its scale, as 12.50.
 std::string writeDecimal(const Decimal& number);
 

@@ -51,7 +51,7 @@ bool isAnyText(char c) { return c == '%' || c == '*'; }
 }  // namespace
 
 bool isLike(std::string_view text, std::string_view pattern) {
-    return matchesWildcards(folded(text), folded(pattern), isAnyText, takeOne);
+    return matchesWildcards(caseFolded(text), caseFolded(pattern), isAnyText, takeOne);
 }
 
 }  // namespace sql
