@@ -13,10 +13,15 @@
 
 namespace {
 
+/// A window. Its role is asked of the widget each time: the toolkit may make this object before the widget has its
+/// window flags, which tell a dialog from a window (Qt 6.8 does).
 class WindowInterface : public QAccessibleWidget {
   public:
-    explicit WindowInterface(QWidget* widget)
-        : QAccessibleWidget(widget, widget->windowType() == Qt::Dialog ? QAccessible::Dialog : QAccessible::Window) {}
+    explicit WindowInterface(QWidget* widget) : QAccessibleWidget(widget, QAccessible::Window) {}
+
+    QAccessible::Role role() const override {
+        return widget()->windowType() == Qt::Dialog ? QAccessible::Dialog : QAccessible::Window;
+    }
 };
 
 /// The area of a window in which its controls stand.
