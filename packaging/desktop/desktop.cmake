@@ -1,13 +1,13 @@
 # What a desktop shows of the program: its entry, icons, file types, the description for software centres, the manual page.
 set(desktop ${CMAKE_CURRENT_LIST_DIR})
 set(icons ${CMAKE_INSTALL_DATADIR}/icons/hicolor)
-foreach(template tolvaris-converter.metainfo.xml tolvaris-converter.1)
+foreach(template example.tolvaris.converter.metainfo.xml tolvaris-converter.1)
     configure_file(${desktop}/${template}.in ${CMAKE_CURRENT_BINARY_DIR}/${template} @ONLY)
 endforeach()
-compress(${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1 ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1.gz)
+tolvaris_compress(${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1 ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1.gz)
 
 install(FILES ${desktop}/tolvaris-converter.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/example.tolvaris.converter.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
 install(FILES ${desktop}/tolvaris-converter-mime.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages
         RENAME tolvaris-converter.xml)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tolvaris-converter.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
