@@ -12,6 +12,7 @@
 Guide::Guide(std::filesystem::path samples, std::filesystem::path output, int number)
     : samples_(std::move(samples)), output_(std::move(output)), number_(number) {
     driver_.onBox([this](const Box& box) { onBox(box); });
+    driver_.onDialog([this](const FileDialog&) { takePicture("", "dialog"); });
     driver_.onEveryTurn([this] { watchProgress(); });
 }
 
@@ -38,11 +39,12 @@ bool Guide::visit(const Stop& stop) {
 
 std::string Guide::convert(const Stop& stop) {
     const std::string source = sample(stop.source, stop.source);
-    if (stop.to == "Cav") driver_.files = {sample("empty.cav", chapter_ + ".cav")};
+    driver_.files = {source};
+    if (stop.to == "Cav") driver_.files.push_back(sample("empty.cav", chapter_ + ".cav"));
     driver_.answers = stop.answers;
     driver_.click("frmMain", "optFrom" + stop.from);
     driver_.click("frmMain", "optTo" + stop.to);
-    driver_.type("frmMain", "txtFilePath", source);
+    driver_.click("frmMain", "cmdBrowse");
     driver_.click("frmMain", "cmdConvert");
     driver_.settle();
     takePicture("frmMain", "selector");

@@ -51,6 +51,8 @@ int showStop(const std::filesystem::path& samples, const std::filesystem::path& 
     // The tour is for machines without a display, and its error report lies on a desktop of its own.
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("HOME", output.c_str(), 1);
+    // The first file dialog starts in the current folder.
+    std::filesystem::current_path(output);
     dropNoticesOfThePlatform();
     App app(count, arguments);
     // The samples are small; every step is to be seen.
