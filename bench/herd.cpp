@@ -1,5 +1,6 @@
 #include "bench/herd.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -26,6 +27,9 @@ constexpr const char* secondWords[] = {
 constexpr const char* prefixes[] = {"",         "",           "Glenmore", "Hollybank", "St. Anne's", "Château",
                                     "Ashdown",  "Brook",      "Ch",       "Kirkby",    "Löwen",      "Northfield",
                                     "Oakhurst", "Ravenswood", "Thornton", "Wold"};
+constexpr const char* kennels[] = {"du Chêne",        "von der Heide", "of the Long Meadow", "de la Rivière",
+                                   "van het Noorden", "av Fjället",    "del Señorío",        "z Białego Dworu",
+                                   "of Kirkby Fell",  "od Řeky"};
 constexpr const char* breeds[] = {"Border Collie", "Mini Lop", "Dexter", "Jersey", "Welsh Cob", "Maine Coon"};
 constexpr const char* colours[] = {"Black & White", "Agouti", "Red", "Blue Roan", "Chinchilla", "Sable", "Tricolour"};
 constexpr const char* headings =
@@ -65,9 +69,12 @@ class Herd {
         return words[below(n)];
     }
 
-    std::string makeName() {
+    std::string makeName(int number) {
         if (kind_ == Kind::oneName) return "Bella";
         if (kind_ == Kind::wildcards) return std::string(letter()) + letter();
+        if (kind_ == Kind::longNames) {
+            return oneOf(firstWords) + std::string(" ") + oneOf(kennels) + " " + std::to_string(number);
+        }
         std::string name = oneOf(firstWords);
         const std::string second = oneOf(secondWords);
         if (!second.empty()) name += (below(12) == 0 ? " o' " : " ") + second;
@@ -87,16 +94,31 @@ class Herd {
         return text + std::to_string(2000 + number % 24);
     }
 
+    bool isSire(int number) const {
+        if (kind_ == Kind::longNames) return number % 5 == 0;
+        return number % (kind_ == Kind::twoParents ? 2 : 30) == 0;
+    }
+
+    bool isDam(int number) const {
+        if (kind_ == Kind::longNames) return !isSire(number);
+        return number % (kind_ == Kind::twoParents ? 2 : 8) == 1;
+    }
+
+    bool hasTwoParents() const { return kind_ == Kind::twoParents || kind_ == Kind::longNames; }
+
     Told tell(const std::vector<Animal>& parents) {
-        if (parents.empty() || (kind_ != Kind::twoParents && below(20) == 0)) return {};
-        const Animal& parent = parents[below(parents.size())];
-        if (kind_ == Kind::twoParents) return {parent.id, ""};
+        if (parents.empty() || (!hasTwoParents() && below(20) == 0)) return {};
+        // Where names are long, an animal breeds for a while only, so that most of a herd become parents.
+        const std::size_t choice =
+            kind_ == Kind::longNames ? std::min<std::size_t>(parents.size(), 1000) : parents.size();
+        const Animal& parent = parents[parents.size() - choice + below(choice)];
+        if (hasTwoParents()) return {parent.id, ""};
         if (kind_ == Kind::wildcards) return {"", std::string(letter()) + (below(2) == 0 ? "%" : "_%") + letter()};
         switch (below(10)) {
             case 0:
                 return {"X" + std::to_string(below(5000)), ""};
             case 1:
-                return {"", makeName() + " of Elsewhere"};
+                return {"", makeName(0) + " of Elsewhere"};
             case 2:
             case 3:
                 return {parent.id, parent.name};
@@ -115,7 +137,7 @@ class Herd {
 
     void addAnimal(int number) {
         const int id = 10001 + number;
-        const Animal animal{(below(10) == 0 ? "K" : "") + std::to_string(id), makeName(),
+        const Animal animal{(below(10) == 0 ? "K" : "") + std::to_string(id), makeName(number),
                             kind_ == Kind::wildcards ? "" : oneOf(prefixes)};
         const Told sire = tell(sires_);
         const Told dam = tell(dams_);
@@ -142,8 +164,8 @@ class Herd {
         for (int field = 1; field < 15; ++field) cell(below(3) == 0 ? "v" + std::to_string(below(1000)) : "");
         out_.append("end\n");
         // Two lists of different animals.
-        if (number % (kind_ == Kind::twoParents ? 2 : 30) == 0) sires_.push_back(animal);
-        if (number % (kind_ == Kind::twoParents ? 2 : 8) == 1) dams_.push_back(animal);
+        if (isSire(number)) sires_.push_back(animal);
+        if (isDam(number)) dams_.push_back(animal);
     }
 
     bool withSex_;

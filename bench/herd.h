@@ -7,6 +7,7 @@ namespace bench {
 enum class Kind {
     kept,        ///< as breeders keep it
     twoParents,  ///< two parents for each animal, by id, any two that come before it
+    longNames,   ///< the same with names that are long and all different
     oneName,     ///< every animal has the same name
     wildcards    ///< names of two letters; parents by two letters with wildcards of a search between
 };

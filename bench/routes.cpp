@@ -28,9 +28,13 @@ struct Herd {
     int animals;
 };
 /// The columns of the table.
-constexpr Herd herds[] = {{"kept, 1,000", Kind::kept, 1000},          {"kept, 9,899", Kind::kept, 9899},
-                          {"kept, 98,999", Kind::kept, 98999},        {"two parents, 98,999", Kind::twoParents, 98999},
-                          {"one name, 98,999", Kind::oneName, 98999}, {"wildcards, 98,999", Kind::wildcards, 98999}};
+constexpr Herd herds[] = {{"kept, 1,000", Kind::kept, 1000},
+                          {"kept, 9,899", Kind::kept, 9899},
+                          {"kept, 98,999", Kind::kept, 98999},
+                          {"two parents, 98,999", Kind::twoParents, 98999},
+                          {"long names, 98,999", Kind::longNames, 98999},
+                          {"one name, 98,999", Kind::oneName, 98999},
+                          {"wildcards, 98,999", Kind::wildcards, 98999}};
 
 /// Times of a herd by what was run, in seconds.
 using Seconds = std::map<std::string, double>;
@@ -162,16 +166,15 @@ void Bench::print() const {
     }
     std::printf(" not above at 98,999 |\n%s---|\n", line.c_str());
     for (const auto& [name, time] : seconds_.at(herds[0].name)) printSeconds(name);
-    printRatio("CSV to RSD", "sqlite3 .import", "3.0");
-    printRatio("CSV to RSD, sexes derived", "sqlite3 .import, sexes derived", "4.0");
-    printRatio("RSD to CSV", "sqlite3 -csv", "1.0");
+    printRatio("CSV to RSD", "sqlite3 .import", "2.5");
+    printRatio("CSV to RSD, sexes derived", "sqlite3 .import, sexes derived", "3.0");
+    printRatio("RSD to CSV", "sqlite3 -csv", "0.6");
     printRatio("RSD to CSV, encrypted", "RSD to CSV", "1.0 and two derivations");
-    printRatio("CSV to CAV, sexes derived", "CSV to CAV", "1.3");
     for (const auto& [name, seen] : seen_.at(herds[0].name)) {
-        printRow(name + ": longest time without a pump, ms", "%.1f", "50",
+        printRow(name + ": longest time without a yield, ms", "%.1f", "40",
                  [&, &route = name](const Herd& herd) { return seen_.at(herd.name).at(route).gap; });
     }
-    printRow("peak memory above idle, MiB", "%.1f", "80",
+    printRow("peak memory above idle, MiB", "%.1f", "70",
              [&](const Herd& herd) { return most(herd, &Seen::peak) / 1024; });
     std::printf("\n98,999 against 9,899 animals, not above 11:\n");
     for (const auto& [name, seen] : seen_.at(herds[0].name)) {
