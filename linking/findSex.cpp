@@ -1,75 +1,73 @@
-#include <optional>
+#include <string>
 
 #include "fieldtext/textHelpers.h"
 #include "linking/linking.h"
-#include "linking/parentSexes.h"
+#include "linking/passes.h"
 #include "linking/progress.h"
-#include "linking/quickStore.h"
 #include "platform/database/database.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
 #include "shell/windows/frmWait.h"
 
-namespace appSystem {
 namespace {
 
-class SexFinder {
-  public:
-    SexFinder(Database& db, RecordSet& records, double total) : db_(db), records_(records), total_(total) {
-        if (SQLiteDatabase* store = linking::quickStore(db)) quick_.emplace(*store, static_cast<std::size_t>(total));
-    }
+/// `name` is that of the offspring, the row being read.
+void report(std::string_view name, linking::Side side, double index, double total) {
+    linking::showBar(total);
+    frmWait().report("Found sex  of " + appSystem::rpa(name) + " - " + linking::sideNames[side].sex, index, total);
+}
 
-    void run() {
-        try {
-            walk();
-        } catch (...) {
-            if (quick_) quick_->settle();
-            throw;
+/// Executes the statement of a parent id, which goes into it unchanged, and commits.
+void setSex(Database& db, linking::Side side, std::string_view id) {
+    db.execute(std::string("UPDATE tree SET sex = '") + linking::sideNames[side].sex + "' WHERE oldId = '" +
+               std::string(id) + "'");
+    db.commit();
+}
+
+void inferWithStatements(Database& db, std::string_view databaseKind) {
+    const auto records = db.select("Select name,fatherId,motherId,ps,pd From tree");
+    if (!records) return;
+    const double total = linking::recordTotal(db, databaseKind, *records);
+    for (double index = 0; !records->atEnd(); ++index) {
+        for (const linking::Side side : {linking::father, linking::mother}) {
+            const std::string id(records->requiredField(linking::sideNames[side].idColumn).text());
+            if (id.empty()) continue;
+            setSex(db, side, id);
+            report(records->requiredField("name").text(), side, index, total);
         }
-        if (quick_) quick_->settle();
+        records->moveNext();
+        RuntimeBackgroundTask();
     }
-
-  private:
-    void walk() {
-        for (; !records_.atEnd(); ++index_) {
-            tell("fatherId", linking::male);
-            tell("motherId", linking::female);
-            records_.moveNext();
-            RuntimeBackgroundTask();
-        }
-    }
-
-    /// Gives the parent the sex that this row tells of it.
-    void tell(const char* idColumn, std::string_view sex) {
-        const std::string id(records_.requiredField(idColumn).text());
-        if (id.empty()) return;
-        if (quick_) {
-            quick_->set(id, sex);
-        } else {
-            linking::setSexLiterally(db_, id, sex);
-            db_.commit();
-        }
-        linking::showBar(total_);
-        // The name is that of the offspring, the row being read.
-        frmWait().report("Found sex  of " + rpa(records_.requiredField("name").text()) + " - " + std::string(sex),
-                         index_, total_);
-    }
-
-    Database& db_;
-    RecordSet& records_;
-    double total_;
-    double index_ = 0;
-    std::optional<linking::ParentSexes> quick_;
-};
+}
 
 }  // namespace
 
-void findSex(Database& db, std::string_view databaseKind) {
-    guarded([&] {
-        const auto records = db.select("Select name,fatherId,motherId,ps,pd From tree");
-        if (!records) return;
-        SexFinder(db, *records, linking::recordTotal(db, databaseKind, *records)).run();
-    });
+void linking::inferSexes(Pedigree& pedigree, std::string_view databaseKind) {
+    pedigree.load();
+    const double total = linking::recordTotal(pedigree, databaseKind);
+    for (Pedigree::Animal animal = 0; animal < pedigree.size(); ++animal) {
+        for (const Side side : {father, mother}) {
+            const IdNumber parent = pedigree.parentId(animal, side);
+            if (parent == IdTable::none) continue;
+            if (!pedigree.setSex(side, parent)) {
+                // Whatever the statement means, it changes nothing but sexes, so the pedigree stays good.
+                pedigree.writeSexes();
+                setSex(pedigree.database(), side, pedigree.ids().text(parent));
+                pedigree.database().lock();
+            }
+            report(pedigree.name(animal), side, animal, total);
+        }
+        RuntimeBackgroundTask();
+    }
 }
 
-}  // namespace appSystem
+void appSystem::findSex(Database& db, std::string_view databaseKind) {
+    guarded([&] {
+        auto* const store = dynamic_cast<SQLiteDatabase*>(&db);
+        if (store == nullptr) return inferWithStatements(db, databaseKind);
+        linking::Pedigree pedigree(*store);
+        guarded([&] { linking::inferSexes(pedigree, databaseKind); });
+        pedigree.writeSexes();
+        store->commit();
+    });
+}

@@ -4,32 +4,33 @@
 #include <string_view>
 
 class Database;
+class SQLiteDatabase;
 
-namespace linking {
-class QuickTree;
-}
-
-/// The passes over `tree` that run after an import. Each yields once a record, drives frmWait, and is silent about its
-/// failures: a pass that fails ends where it stands, and its caller goes on.
+/// The passes over `tree` that run after an import. Each yields once a record, updates frmWait, and drops its failures:
+/// a pass that fails ends there, what it changed before stays, and its caller goes on.
 ///
-/// Passes that share a QuickTree leave what they change to it; the caller settles its changes after the last of them.
+/// On a CAV store a pass executes its SQL statements one by one. On an SQLite store, which has `tree` as
+/// makeRSDfields() creates it, a pass works in memory (linking::Pedigree), and writes and commits at its end.
 namespace appSystem {
 
-/// Derives the sex of every animal that stands as somebody's parent: a father is male, a mother female, the last word
-/// wins. Parents are found by oldId. Commits after each parent, for whoever can read the file. databaseKind is "rsd" or
-/// "cav" and decides only how the rows are counted for the progress bar.
+/// Derives the sex of every animal that is somebody's parent, found by oldId: a father is male, a mother female, and
+/// the last statement wins. Commits after each statement. databaseKind is "rsd" or "cav" and decides only how the rows
+/// are counted for the progress bar.
 void findSex(Database& db, std::string_view databaseKind);
 
 /// Fills the parents' names in ps and pd from the ids of the source file, found by oldId, and commits at the end. A
-/// parent who is not in the file leaves an empty name, also where the file itself gave one.
-void convertIdRecordToName(Database& db, std::string_view databaseKind, linking::QuickTree* shared = nullptr);
+/// parent who is not in the file leaves an empty name, even if the file itself gave a name.
+void convertIdRecordToName(Database& db, std::string_view databaseKind);
 
-/// Points every row of the table whose nameColumn holds a parent's name at the oldest animal whose full name contains
-/// that text, by writing that animal's id to idColumn; commits at the end. Closes frmWait, also after a failure.
-void convertNameRecordToNewId(Database& db, const std::string& tableName, const std::string& nameColumn,
-                              const std::string& idColumn, linking::QuickTree* shared = nullptr);
+/// Writes to idColumn of every row whose nameColumn holds a parent's name the id of the oldest animal whose full name
+/// contains that text, and commits at the end. Closes frmWait, also after a failure. For an SQLite store and the pairs
+/// ("ps", "fatherId") and ("pd", "motherId") of the table "tree", which are all that an import links; other arguments
+/// count as a failure.
+void convertNameRecordToNewId(Database& db, std::string_view tableName, std::string_view nameColumn,
+                              std::string_view idColumn);
 
-/// The passes over names and ids one after the other, as a new RSD file needs them.
-void linkAnimals(Database& db);
+/// Runs the passes over names and ids one after the other, as a new RSD file needs them: the same result as
+/// convertIdRecordToName, then convertNameRecordToNewId for fathers and for mothers, with one reading of the table.
+void linkAnimals(SQLiteDatabase& db);
 
 }  // namespace appSystem

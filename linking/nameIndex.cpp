@@ -3,132 +3,167 @@
 #include <algorithm>
 
 #include "platform/desktop/yield.h"
+#include "platform/values/likePattern.h"
 
 namespace linking {
 namespace {
 
-constexpr std::size_t buckets = 1U << 16U;
+/// Three bytes choose a group of buckets, and the fourth one of them.
+constexpr std::size_t groupBytes = 3;
+constexpr std::size_t groups = 1U << 13U;
+constexpr std::size_t bucketsOfGroup = 16;
 
-/// How many characters in a row a place is listed under.
-constexpr std::size_t gram = 3;
+/// SQLite refuses longer ones, unless it was built otherwise.
+constexpr std::size_t longestPattern = 50'000;
 
-/// Of the three characters.
-std::size_t bucketOf(const char32_t* characters) {
-    const std::uint32_t hash = characters[0] * 0x9E3779B1U + characters[1] * 0x85EBCA77U + characters[2] * 0xC2B2AE3DU;
-    return (hash ^ (hash >> 15U)) % buckets;
+std::uint32_t byteAt(const char* bytes, std::size_t at) { return static_cast<unsigned char>(bytes[at]); }
+
+std::size_t groupOf(const char* bytes) {
+    const std::uint32_t three = byteAt(bytes, 0) | byteAt(bytes, 1) << 8U | byteAt(bytes, 2) << 16U;
+    return three * 0x9E3779B1U / (0x100000000U / groups) * bucketsOfGroup;
 }
 
-/// Bits of a lead byte that belong to the character, as the database takes them.
-char32_t leadBits(unsigned char lead) {
-    if (lead < 0xE0) return lead & 0x1FU;
-    if (lead < 0xF0) return lead & 0x0FU;
-    if (lead < 0xF8) return lead & 0x07U;
-    if (lead < 0xFC) return lead & 0x03U;
-    return lead < 0xFE ? lead & 0x01U : 0;
+std::size_t bucketOf(const char* bytes) { return groupOf(bytes) + byteAt(bytes, groupBytes) % bucketsOfGroup; }
+
+void appendUtf8(std::string& out, char32_t character) {
+    const auto append = [&](char32_t byte) { out += static_cast<char>(byte); };
+    if (character < 0x80) return append(character);
+    // Malformed texts can have greater numbers than UTF-8 has; the form of seven bytes takes them all.
+    const unsigned rest = character < 0x800 ? 1 : character < 0x10000 ? 2 : character < 0x200000 ? 3 : 6;
+    append(rest == 6 ? 0xFE : (0xFF00U >> (rest + 1) & 0xFFU) | character >> 6 * rest);
+    for (unsigned i = rest; i > 0; --i) append(0x80 | (std::uint64_t{character} >> 6 * (i - 1) & 0x3F));
 }
 
-/// The next character in the database's own reading: a lead byte takes all continuation bytes that follow, however
-/// many, a continuation byte alone is the character of that number, and what is no character is U+FFFD.
-char32_t next(std::string_view text, std::size_t& at) {
-    const auto byte = static_cast<unsigned char>(text[at++]);
-    if (byte < 0xC0) return byte;
-    char32_t code = leadBits(byte);
-    for (; at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U; ++at) {
-        code = (code << 6U) + (static_cast<unsigned char>(text[at]) & 0x3FU);
+/// Appends a text as LIKE compares it: up to a U+0000, letters of ASCII in lower case, all characters well formed.
+void appendFolded(std::string& out, std::string_view text) {
+    text = text.substr(0, text.find('\0'));
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    if (!std::all_of(text.begin(), text.end(), isAscii)) {
+        for (const char32_t character : LikePattern::caseFold(text)) appendUtf8(out, character);
+        return;
     }
-    const bool noCharacter = code < 0x80 || (code & 0xFFFFF800U) == 0xD800 || (code & 0xFFFFFFFEU) == 0xFFFE;
-    return noCharacter ? 0xFFFD : code;
+    for (const char c : text) out += c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
 }
 
-void appendFolded(std::u32string& out, std::string_view text) {
-    for (std::size_t at = 0; at < text.size() && text[at] != '\0';) {
-        const char32_t code = next(text, at);
-        out += code >= 'A' && code <= 'Z' ? code + 32 : code;
-    }
+std::string_view trimmed(std::string_view text) {
+    const std::size_t begin = std::min(text.find_first_not_of(' '), text.size());
+    return text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
 }
 
 }  // namespace
 
-std::u32string NameIndex::fold(std::string_view text) {
-    std::u32string folded;
-    appendFolded(folded, text);
-    return folded;
+std::string_view NameIndex::slice(const std::string& texts, const std::vector<std::uint32_t>& ends, Animal animal) {
+    const std::size_t begin = animal == 0 ? 0 : ends[animal - 1];
+    return std::string_view(texts).substr(begin, ends[animal] - begin);
 }
 
-void NameIndex::add(std::int64_t id, std::string_view fullName) {
-    starts_.push_back(static_cast<std::uint32_t>(names_.size()));
-    ids_.push_back(id);
-    appendFolded(names_, fullName);
-    characters_.push_back(charactersOf(std::u32string_view(names_).substr(starts_.back())));
-    names_ += U'\0';
+/// Without the 0 at the end.
+std::string_view NameIndex::fullName(Animal animal) const {
+    const std::string_view ended = slice(fullNames_, fullEnds_, animal);
+    return ended.substr(0, ended.size() - 1);
 }
 
-NameIndex::Characters NameIndex::charactersOf(std::u32string_view folded) {
+void NameIndex::add(std::string_view prefix, std::string_view name) {
+    names_ += name;
+    nameEnds_.push_back(static_cast<std::uint32_t>(names_.size()));
+    appendFolded(fullNames_, trimmed(std::string(prefix).append(" ").append(name)));
+    fullNames_ += '\0';
+    fullEnds_.push_back(static_cast<std::uint32_t>(fullNames_.size()));
+    bytes_.push_back(bytesOf(fullName(static_cast<Animal>(fullEnds_.size() - 1))));
+}
+
+NameIndex::Bytes NameIndex::bytesOf(std::string_view text) {
     constexpr unsigned bits = 64;
-    Characters characters = 0;
-    for (const char32_t character : folded) characters |= Characters{1} << character % bits;
-    return characters;
+    Bytes bytes = 0;
+    for (const char byte : text) bytes |= Bytes{1} << static_cast<unsigned char>(byte) % bits;
+    return bytes;
 }
 
-void NameIndex::finish() {
-    const std::size_t places = names_.size() < gram ? 0 : names_.size() - gram + 1;
-    bucketEnds_.assign(buckets + 1, 0);
-    for (std::size_t place = 0; place < places; ++place) {
-        ++bucketEnds_[bucketOf(names_.data() + place) + 1];
-        RuntimeBackgroundTask(yielding::character);
-    }
-    for (std::size_t bucket = 1; bucket <= buckets; ++bucket) bucketEnds_[bucket] += bucketEnds_[bucket - 1];
-    // From here, entry b is where the next place of bucket b goes; in the end it is where the bucket ends.
-    places_.resize(places);
-    for (std::size_t place = 0; place < places; ++place) {
-        places_[bucketEnds_[bucketOf(names_.data() + place)]++] = static_cast<std::uint32_t>(place);
-        RuntimeBackgroundTask(yielding::character);
-    }
+void NameIndex::prepare() {
+    if (!bucketEnds_.empty()) return;
+    // No text is found across the end of a name.
+    const auto eachPosition = [this](auto visit) {
+        for (std::size_t at = 0; at + groupBytes < fullNames_.size(); ++at) {
+            const char* bytes = fullNames_.data() + at;
+            if (bytes[0] != '\0' && bytes[1] != '\0' && bytes[2] != '\0') visit(at, bucketOf(bytes));
+            RuntimeBackgroundTask(yielding::character);
+        }
+    };
+    bucketEnds_.assign(groups * bucketsOfGroup + 1, 0);
+    eachPosition([this](std::size_t, std::size_t bucket) { ++bucketEnds_[bucket + 1]; });
+    for (std::size_t bucket = 1; bucket < bucketEnds_.size(); ++bucket) bucketEnds_[bucket] += bucketEnds_[bucket - 1];
+    // From here, entry b is where the next position of bucket b goes; in the end it is where the bucket ends.
+    positions_.resize(bucketEnds_.back());
+    eachPosition([this](std::size_t at, std::size_t bucket) {
+        positions_[bucketEnds_[bucket]++] = static_cast<std::uint32_t>(at);
+    });
 }
 
-std::u32string_view NameIndex::name(std::size_t animal) const {
-    const std::size_t end = (animal + 1 < starts_.size() ? starts_[animal + 1] : names_.size()) - 1;
-    return std::u32string_view(names_).substr(starts_[animal], end - starts_[animal]);
-}
-
-/// With no piece where none has three characters.
-NameIndex::Gram NameIndex::rarest(const std::vector<std::u32string_view>& pieces) const {
-    Gram best{{}, 0, 0, names_.size()};
-    for (const std::u32string_view piece : pieces) {
-        for (std::size_t offset = 0; offset + gram <= piece.size(); ++offset) {
-            const std::size_t bucket = bucketOf(piece.data() + offset);
-            const std::size_t places = bucketEnds_[bucket] - (bucket == 0 ? 0 : bucketEnds_[bucket - 1]);
-            if (best.piece.empty() || places < best.places) best = {piece, offset, bucket, places};
+/// Returns a gram with an empty part if no part has three bytes.
+NameIndex::Gram NameIndex::rarest(const std::vector<std::string>& parts) const {
+    Gram best{};
+    std::size_t fewest = 0;
+    for (const std::string_view part : parts) {
+        const std::size_t bytes = std::min(part.size(), groupBytes + 1);
+        for (std::size_t offset = 0; bytes >= groupBytes && offset + bytes <= part.size(); ++offset) {
+            const char* gram = part.data() + offset;
+            const std::size_t first = bytes == groupBytes ? groupOf(gram) : bucketOf(gram);
+            const std::size_t last = first + (bytes == groupBytes ? bucketsOfGroup : 1);
+            const std::size_t positions = bucketEnds_[last - 1] - begin(first);
+            if (!best.part.empty() && positions >= fewest) continue;
+            best = {part, offset, first, last};
+            fewest = positions;
         }
     }
     return best;
 }
 
-std::size_t NameIndex::animalAt(std::size_t place) const {
-    const auto after = std::upper_bound(starts_.begin(), starts_.end(), place);
-    return static_cast<std::size_t>(after - starts_.begin()) - 1;
+NameIndex::Animal NameIndex::search(const std::vector<std::string>& parts, const Matches& matches) const {
+    const auto [part, offset, first, last] = rarest(parts);
+    if (part.empty()) return searchBytes(parts, matches);
+    const std::string_view names = fullNames_;
+    Animal found = noAnimal;
+    for (std::size_t bucket = first; bucket < last; ++bucket) {
+        for (std::size_t i = begin(bucket); i < bucketEnds_[bucket]; ++i) {
+            // A position too near to the start belongs to another text of the same hash.
+            if (positions_[i] < offset || names.substr(positions_[i] - offset, part.size()) != part) continue;
+            const auto after = std::upper_bound(fullEnds_.begin(), fullEnds_.end(), positions_[i]);
+            const auto animal = static_cast<Animal>(after - fullEnds_.begin());
+            RuntimeBackgroundTask();
+            if (animal < found && !matches(animal)) continue;
+            found = std::min(found, animal);
+            break;
+        }
+    }
+    return found;
 }
 
-void NameIndex::search(const std::vector<std::u32string_view>& pieces, const Visit& visit) const {
-    const auto [piece, offset, bucket, count] = rarest(pieces);
-    if (piece.empty()) {
-        Characters wanted = 0;
-        for (const std::u32string_view each : pieces) wanted |= charactersOf(each);
-        return searchCharacters(wanted, visit);
+NameIndex::Animal NameIndex::searchBytes(const std::vector<std::string>& parts, const Matches& matches) const {
+    Bytes wanted = 0;
+    for (const std::string& part : parts) wanted |= bytesOf(part);
+    for (Animal animal = 0; animal < bytes_.size(); ++animal) {
+        if ((bytes_[animal] & wanted) != wanted) continue;
+        RuntimeBackgroundTask();
+        if (matches(animal)) return animal;
     }
-    const std::u32string_view names = names_;
-    const auto end = places_.begin() + bucketEnds_[bucket];
-    for (auto place = end - static_cast<std::ptrdiff_t>(count); place != end; ++place) {
-        // A place too near to the start lies in another text than this one.
-        if (*place < offset || names.substr(*place - offset, piece.size()) != piece) continue;
-        if (visit(animalAt(*place - offset))) return;
-    }
+    return noAnimal;
 }
 
-void NameIndex::searchCharacters(Characters wanted, const Visit& visit) const {
-    for (std::size_t animal = 0; animal < characters_.size(); ++animal) {
-        if ((characters_[animal] & wanted) == wanted && visit(animal)) return;
+NameIndex::Animal NameIndex::find(std::string_view text) const {
+    // U+0000 would end the statement in the middle, which is refused then.
+    if (text.size() + 2 > longestPattern || text.find('\0') != std::string_view::npos) return noAnimal;
+    std::vector<std::string> parts;
+    if (text.find_first_of("%_") == std::string_view::npos) {
+        appendFolded(parts.emplace_back(), text);
+        return search(parts,
+                      [&](Animal animal) { return fullName(animal).find(parts.front()) != std::string_view::npos; });
     }
+    const LikePattern pattern(std::string("%").append(text).append("%"));
+    for (const std::u32string& literal : pattern.literals()) {
+        std::string& part = parts.emplace_back();
+        for (const char32_t character : literal) appendUtf8(part, character);
+    }
+    return search(parts, [&](Animal animal) { return pattern.matches(fullName(animal)); });
 }
 
 }  // namespace linking

@@ -8,58 +8,59 @@
 
 namespace linking {
 
-/// The full names of all animals in id order, ready to be searched for those that contain a text, as LIKE would find
-/// it.
+/// The names of all animals, searched for the oldest animal whose full name contains a text, as LIKE compares.
 ///
-/// All names lie one after the other in one buffer, each ended by a 0, as the characters that LIKE sees: ASCII letters
-/// in lower case, and malformed bytes read as the database reads them. Every place in the buffer is listed under the
-/// three characters that start there, in ascending order. A text can only stand where its three rarest characters in a
-/// row do, so few places have to be looked at, and the first that fits belongs to the first animal. A text too short
-/// for that is looked for in the names that have all its characters.
+/// The full names lie one after the other in one buffer, case folded, each ended by a 0. Every position in the buffer
+/// is listed, in ascending order, under a hash of the bytes from there on. A text can only be found where its rarest
+/// four bytes in a row are, so few positions have to be compared, and the first that matches belongs to the oldest
+/// animal. A text of one or two bytes is compared with the names that have all its bytes.
 class NameIndex {
   public:
-    /// The characters of a text as LIKE compares them, up to a NUL.
-    static std::u32string fold(std::string_view text);
+    /// The number of an animal, counted from 0 in the order of add().
+    using Animal = std::uint32_t;
+    static constexpr Animal noAnimal = ~Animal{0};
 
-    /// Adds the next animal. All are added before the first search.
-    void add(std::int64_t id, std::string_view fullName);
+    /// Adds the next animal. All are added before prepare().
+    void add(std::string_view prefix, std::string_view name);
 
-    /// Sorts the places in. Yields.
-    void finish();
+    /// Returns the name of an animal, as it was added.
+    std::string_view name(Animal animal) const { return slice(names_, nameEnds_, animal); }
 
-    using Visit = std::function<bool(std::size_t animal)>;
+    /// Sorts the positions, before the first find(); does nothing the second time. Yields.
+    void prepare();
 
-    /// Calls `visit` with the animals, in id order, until it gives true; with all of those whose names have these
-    /// pieces of a folded text in them, and some others. An animal may come more than once.
-    void search(const std::vector<std::u32string_view>& pieces, const Visit& visit) const;
-
-    std::int64_t id(std::size_t animal) const { return ids_[animal]; }
-
-    /// As it was folded.
-    std::u32string_view name(std::size_t animal) const;
+    /// Returns the first animal whose full name is LIKE '%text%'; noAnimal if there is none, or if the database refuses
+    /// the pattern. The full name is prefix and name, joined by one blank and trimmed. Yields.
+    Animal find(std::string_view text) const;
 
   private:
-    /// Three characters in a row of a piece, and where they stand in the names.
+    /// Some bytes in a row of a literal part of a pattern. All positions where they may be are in buckets `first` to
+    /// `last` - 1, each of which is in ascending order.
     struct Gram {
-        std::u32string_view piece;
-        std::size_t offset = 0;  ///< in the piece
-        std::size_t bucket = 0;
-        std::size_t places = 0;
+        std::string_view part;
+        std::size_t offset;  ///< in `part`
+        std::size_t first;
+        std::size_t last;
     };
-    /// A set of characters, several of them to a bit.
-    using Characters = std::uint64_t;
+    /// A set of bytes, several of them to a bit.
+    using Bytes = std::uint64_t;
+    using Matches = std::function<bool(Animal animal)>;
 
-    static Characters charactersOf(std::u32string_view folded);
-    Gram rarest(const std::vector<std::u32string_view>& pieces) const;
-    void searchCharacters(Characters wanted, const Visit& visit) const;
-    std::size_t animalAt(std::size_t place) const;
+    static std::string_view slice(const std::string& texts, const std::vector<std::uint32_t>& ends, Animal animal);
+    static Bytes bytesOf(std::string_view text);
+    std::string_view fullName(Animal animal) const;
+    std::size_t begin(std::size_t bucket) const { return bucket == 0 ? 0 : bucketEnds_[bucket - 1]; }
+    Gram rarest(const std::vector<std::string>& parts) const;
+    Animal search(const std::vector<std::string>& parts, const Matches& matches) const;
+    Animal searchBytes(const std::vector<std::string>& parts, const Matches& matches) const;
 
-    std::u32string names_;
-    std::vector<std::uint32_t> starts_;      ///< where each animal's name begins in names_
-    std::vector<std::int64_t> ids_;          ///< of each animal
-    std::vector<Characters> characters_;     ///< of each animal's name
-    std::vector<std::uint32_t> bucketEnds_;  ///< bucket b of places_ lies between the ends of b - 1 and b
-    std::vector<std::uint32_t> places_;
+    std::string names_;
+    std::vector<std::uint32_t> nameEnds_;
+    std::string fullNames_;
+    std::vector<std::uint32_t> fullEnds_;
+    std::vector<Bytes> bytes_;               ///< of each full name
+    std::vector<std::uint32_t> bucketEnds_;  ///< bucket b of positions_ lies between the ends of b - 1 and b
+    std::vector<std::uint32_t> positions_;
 };
 
 }  // namespace linking

@@ -1,5 +1,6 @@
 #include "linking/progress.h"
 
+#include "linking/pedigree.h"
 #include "platform/database/database.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/text.h"
@@ -13,6 +14,10 @@ double recordTotal(Database& db, std::string_view databaseKind, RecordSet& recor
     // A select of a whole herd takes a while, and one has just been run.
     RuntimeBackgroundTask();
     return appSystem::getODBCrecords(db.select("SELECT id FROM tree").get());
+}
+
+double recordTotal(const Pedigree& pedigree, std::string_view databaseKind) {
+    return pedigree.size() + (text::equals(databaseKind, "cav") ? 1.0 : 0.0);
 }
 
 void showBar(double total) {

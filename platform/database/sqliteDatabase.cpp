@@ -233,11 +233,10 @@ SQLiteStatement& SQLiteDatabase::prepareOnce(std::string_view sql) {
     return *kept_;
 }
 
-SQLiteRowUpdates SQLiteDatabase::updateRows(std::string_view table, const std::vector<std::string>& columns) {
+SQLiteRowUpdates SQLiteDatabase::updateRows(std::string_view table, const std::vector<std::string>& columns,
+                                            SQLiteRowUpdates::NewText newText) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
-    return {connection_, table, columns};
+    return {connection_, table, columns, std::move(newText)};
 }
 
 bool SQLiteDatabase::lock() { return connection_ && connection_->isOpen() && connection_->lock(); }
-
-int SQLiteDatabase::changeCount() const { return connection_ ? sqlite3_total_changes(connection_->get()) : 0; }

@@ -67,11 +67,10 @@ class SQLiteDatabase : public Database {
     /// where a transaction is open already or somebody else is at the file.
     bool lock();
 
-    /// Gathers new texts for columns of a table. Raises DatabaseFailure without a connection, or if one is missing.
-    SQLiteRowUpdates updateRows(std::string_view table, const std::vector<std::string>& columns);
-
-    /// Rows inserted, changed and deleted on this connection so far; 0 without one.
-    int changeCount() const;
+    /// Prepares to write new texts to columns of a table. Raises DatabaseFailure without a connection, or if a column
+    /// is missing.
+    SQLiteRowUpdates updateRows(std::string_view table, const std::vector<std::string>& columns,
+                                SQLiteRowUpdates::NewText newText);
 
     /// Has all that was committed reach the disk. False, with the error set, if the disk refuses.
     bool sync();

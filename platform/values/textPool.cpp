@@ -1,47 +1,36 @@
 #include "platform/values/textPool.h"
 
-#include <cstring>
 #include <functional>
 #include <limits>
-#include <utility>
 
 #include "platform/values/failure.h"
 
-namespace {
-
-using Length = std::uint32_t;
-
-}  // namespace
-
 TextPool::Number TextPool::add(std::string_view text) {
-    Number& slot = slots_[slotOf(text)];
-    if (slot != none) return slot;
-    if (text.size() > std::numeric_limits<Number>::max() - bytes_.size() - sizeof(Length)) {
-        throw Failure("too many long texts");
-    }
-    const auto number = static_cast<Number>(bytes_.size());
-    slot = number;
-    const auto length = static_cast<Length>(text.size());
-    bytes_.append(reinterpret_cast<const char*>(&length), sizeof length).append(text);
-    if (++count_ * 2 > slots_.size()) grow();
-    return number;
+    if ((places_.size() + 1) * 2 > slots_.size()) grow();
+    Number& slot = slots_[slotOf(text, slots_)];
+    if (slot != noNumber) return slot;
+    if (text.size() > std::numeric_limits<std::uint32_t>::max() - bytes_.size()) throw Failure("too many long texts");
+    const Place place{static_cast<std::uint32_t>(bytes_.size()), static_cast<std::uint32_t>(text.size())};
+    bytes_.append(text);
+    places_.push_back(place);
+    slot = static_cast<Number>(places_.size() - 1);
+    return slot;
 }
 
 std::string_view TextPool::at(Number number) const {
-    Length length = 0;
-    std::memcpy(&length, bytes_.data() + number, sizeof length);
-    return {bytes_.data() + number + sizeof length, length};
+    const Place place = places_[number];
+    return std::string_view(bytes_).substr(place.begin, place.length);
 }
 
-std::size_t TextPool::slotOf(std::string_view text) const {
-    std::size_t slot = std::hash<std::string_view>()(text) % slots_.size();
-    while (slots_[slot] != none && at(slots_[slot]) != text) slot = (slot + 1) % slots_.size();
+std::size_t TextPool::slotOf(std::string_view text, const std::vector<Number>& slots) const {
+    const std::size_t mask = slots.size() - 1;
+    std::size_t slot = std::hash<std::string_view>()(text) & mask;
+    while (slots[slot] != noNumber && at(slots[slot]) != text) slot = (slot + 1) & mask;
     return slot;
 }
 
 void TextPool::grow() {
-    const std::vector<Number> numbers = std::exchange(slots_, std::vector<Number>(2 * slots_.size(), none));
-    for (const Number number : numbers) {
-        if (number != none) slots_[slotOf(at(number))] = number;
-    }
+    std::vector<Number> slots(2 * slots_.size(), noNumber);
+    for (Number number = 0; number < places_.size(); ++number) slots[slotOf(at(number), slots)] = number;
+    slots_.swap(slots);
 }

@@ -6,28 +6,33 @@
 #include <string_view>
 #include <vector>
 
-/// Texts that come again and again, each kept once and known by a number.
+/// Keeps each of many texts once, under a number. The numbers count up from 0 in the order in which texts are added.
 class TextPool {
   public:
     using Number = std::uint32_t;
 
-    /// Never the number of a text.
-    static constexpr Number none = 0;
-
-    /// Raises Failure if all of them together get longer than 4 GiB.
+    /// Returns the number of the text, which is added if it is new. Raises Failure if all texts together get longer
+    /// than 4 GiB. After any failure the pool holds what it held before.
     Number add(std::string_view text);
 
-    /// Good until the next text is added.
+    /// Returns the text of a number, valid until the next text is added.
     std::string_view at(Number number) const;
 
-    void clear() { *this = TextPool(); }
+    std::size_t size() const { return places_.size(); }
 
   private:
-    /// Where the number of a text is or would go.
-    std::size_t slotOf(std::string_view text) const;
+    struct Place {
+        std::uint32_t begin;
+        std::uint32_t length;
+    };
+    static constexpr Number noNumber = ~Number{0};
+
+    /// Returns the slot that holds the number of the text, or the free slot where it belongs.
+    std::size_t slotOf(std::string_view text, const std::vector<Number>& slots) const;
     void grow();
 
-    std::string bytes_ = std::string(1, '\0');  ///< each text's length, and the text, from its number on
-    std::size_t count_ = 0;
-    std::vector<Number> slots_ = std::vector<Number>(1024, none);  ///< open addressing; always some free
+    std::string bytes_;
+    std::vector<Place> places_;  ///< of each text in bytes_
+    std::vector<Number> slots_ =
+        std::vector<Number>(1024, noNumber);  ///< hash table, linear probing, size a power of 2
 };

@@ -255,63 +255,52 @@ TEST_F(RsdStore, StatementsCommitRollBackAndComeOneAtATime) {
     EXPECT_EQ(count(), "1");
 }
 
-TEST_F(RsdStore, GatheredTextsReachTheirRowsInAnyOrderAndOnlyTheirs) {
+TEST_F(RsdStore, RowUpdatesReachTheirRowsAndOnlyTheirs) {
     makeFile("a.rsd");
     connectData();
-    // Ids with gaps wider than what one statement spans, and below 0.
-    for (const char* id : {"-3", "1", "2", "700", "701"}) {
-        db->execute(std::string("INSERT INTO tree(id, ps, oldId) VALUES (") + id + ", 'p', 5)");
+    // Ids with gaps, below 0, and at both ends.
+    const std::string ids[] = {"-9223372036854775807", "-3", "1", "2", "700", "701", "9223372036854775807"};
+    for (const std::string& id : ids) {
+        db->execute("INSERT INTO tree(id, ps, oldId) VALUES (" + id + ", 'p', 5)");
     }
     db->commit();
     const auto rowsInFile = [&] {
         return SqlFile(dataPath).rows("SELECT id, ps, oldId, typeof(oldId) FROM tree ORDER BY id");
     };
-    auto updates = db->updateRows("tree", {"ps", "oldId"});
-    const auto write = [&] {
-        while (updates.writeNext()) {
-        }
-    };
-    write();
-    updates.set(701, 1, "12");
-    updates.set(-3, 0, "");
-    updates.set(1, 0, std::string("a\0b", 3));
-    updates.set(1, 1, "X9");
-    updates.set(1, 1, "X10");
-    updates.set(5, 0, "no such row");
-    updates.set(700, 1, "7.0");
-    updates.set(700, 1, "5");
-    EXPECT_EQ(updates.find(700, 1), "5");
-    EXPECT_EQ(updates.find(700, 0), std::nullopt);
-    EXPECT_EQ(updates.find(-300, 0), std::nullopt);
-    while (updates.writeNext(1U << 1U)) {
-    }
-    EXPECT_EQ(db->select("SELECT ps || oldId FROM tree WHERE id = 1")->field("ps || oldId")->text(), "pX10");
-    EXPECT_EQ(updates.find(1, 1), std::nullopt);
-    write();
-    EXPECT_EQ(rowsInFile()[1], "1|p|5|integer") << "not committed";
+    const Texts before = rowsInFile();
+    std::map<std::pair<std::int64_t, int>, std::string> texts;
+    auto updates =
+        db->updateRows("tree", {"ps", "oldId"}, [&](std::int64_t row, int column) -> std::optional<std::string_view> {
+            const auto text = texts.find({row, column});
+            if (text == texts.end()) return std::nullopt;
+            return text->second;
+        });
+    updates.write(-1000, 1000);
+    EXPECT_FALSE(std::filesystem::exists(dataPath + "-journal")) << "nothing to write";
+    texts = {{{-3, 0}, ""},     {{1, 0}, std::string("a\0b", 3)},
+             {{1, 1}, "X10"},   {{5, 0}, "no such row"},
+             {{700, 1}, "7.0"}, {{701, 1}, "12"}};
+    updates.write(-1000, 700);
+    EXPECT_EQ(db->select("SELECT oldId FROM tree WHERE id = 1")->field("oldId")->text(), "X10");
+    EXPECT_EQ(rowsInFile(), before) << "not committed";
     db->commit();
-    EXPECT_EQ(rowsInFile(), (Texts{"-3||5|integer", std::string("1|a\0b|X10|text", 14), "2|p|5|integer",
-                                   "700|p|5|integer", "701|p|12|integer"}));
-
-    db->execute("INSERT INTO tree(id, ps) VALUES (-9223372036854775807, 'far'), (9223372036854775807, 'far')");
-    updates.set(-9223372036854775807, 0, "first");
-    updates.set(9223372036854775807, 0, "last");
-    write();
-    db->execute("DELETE FROM tree WHERE ps IN ('first', 'last')");
+    EXPECT_EQ(rowsInFile(), (Texts{before[0], "-3||5|integer", std::string("1|a\0b|X10|text", 14), "2|p|5|integer",
+                                   "700|p|7|integer", "701|p|5|integer", before[6]}));
+    texts = {{{-9223372036854775807, 0}, "first"}, {{9223372036854775807, 0}, "last"}};
+    updates.write(-9223372036854775807, 9223372036854775807);
     db->commit();
-    EXPECT_EQ(rowsInFile().size(), 5U);
+    EXPECT_EQ(SqlFile(dataPath).value("SELECT count(*) FROM tree WHERE ps IN ('first', 'last')"), "2");
 
-    // The function is no way in for a value that turns a statement into another one.
-    updates.set(2, 0, "gathered");
+    // A value that turns a statement into another one can't call the function.
+    texts = {{{2, 0}, "new"}};
     db->execute("UPDATE tree SET ps = gathered_text(2, 0, 'old')");
     EXPECT_NE(db->errorCode(), 0);
     db->commit();
     SqlFile(dataPath).run("CREATE TRIGGER refuse BEFORE UPDATE ON tree BEGIN SELECT raise(ABORT, 'no'); END");
-    EXPECT_THROW(updates.writeNext(), DatabaseFailure);
-    EXPECT_FALSE(updates.writeNext());
+    EXPECT_THROW(updates.write(2, 2), DatabaseFailure);
     db->commit();
-    EXPECT_EQ(rowsInFile()[2], "2|p|5|integer");
-    EXPECT_THROW(db->updateRows("tree", {"none"}), DatabaseFailure);
+    EXPECT_EQ(rowsInFile()[3], "2|p|5|integer");
+    EXPECT_THROW(db->updateRows("tree", {"none"}, nullptr), DatabaseFailure);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "linking/tests/collidingHerds.h"
+#include "linking/tests/randomHerds.h"
 
 #include <random>
 #include <sstream>
@@ -102,9 +102,11 @@ const std::vector<std::string> pieces{"a",
                                       "abc",
                                       "bca"};
 const std::vector<std::string> oddPieces{"%", "_", "\0"s, "'", "''", "a_c", "b%b"};
-const std::vector<Cell> oddNames{"', sex='q"s,    "', oldId='2"s,    "', fatherId='1"s,
-                                 "' || pd || '"s, "', motherId='2"s, "', id=id-1, sex='"s,
-                                 "', name='Bob"s, "', id='77"s,      std::string(1200, 'b')};
+const std::vector<Cell> oddNames{"', sex='q"s,     "', oldId='2"s,       "', fatherId='1"s,
+                                 "' || pd || '"s,  "', motherId='2"s,    "', id=id-1, sex='"s,
+                                 "', name='Bob"s,  "', id='77"s,         "', fatherId=x'41"s,
+                                 "', oldId=x'31"s, "', prefix='Bo"s,     "', motherId=NULL, sex='"s,
+                                 "', oldId='1.0"s, "', ps=NULL, sex='"s, std::string(1200, 'b')};
 
 /// Herds of a few values each, so that they meet.
 class Maker {
@@ -152,7 +154,7 @@ class Maker {
 
 }  // namespace
 
-Herd makeCollidingHerd(unsigned seed) { return Maker(seed).make(); }
+Herd makeRandomHerd(unsigned seed) { return Maker(seed).make(); }
 
 std::string shown(const Herd& herd) {
     std::ostringstream out;

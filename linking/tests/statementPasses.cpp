@@ -1,4 +1,4 @@
-#include "linking/tests/literalLinking.h"
+#include "linking/tests/statementPasses.h"
 
 #include <algorithm>
 #include <memory>
@@ -25,13 +25,17 @@ Statement prepare(sqlite3* db, const std::string& sql) {
     return statement;
 }
 
+void bind(const Statement& statement, int parameter, const std::string& text) {
+    sqlite3_bind_text(statement.get(), parameter, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+}
+
 std::string text(const Statement& row, int column) {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_column_text(row.get(), column));
     return bytes == nullptr ? std::string()
                             : std::string(bytes, static_cast<std::size_t>(sqlite3_column_bytes(row.get(), column)));
 }
 
-/// A select's first column in its first row, empty if there is no row; nothing if the select gives no record set.
+/// Returns a select's first column in its first row, empty if there is no row; nothing if there is no record set.
 std::optional<std::string> first(sqlite3* db, const std::string& sql, bool& hasRow) {
     const Statement found = prepare(db, sql);
     if (!found) return std::nullopt;
@@ -45,10 +49,6 @@ void begin(sqlite3* db) {
     if (sqlite3_get_autocommit(db) != 0) sqlite3_exec(db, "BEGIN", nullptr, nullptr, nullptr);
 }
 
-void commit(sqlite3* db) {
-    if (sqlite3_get_autocommit(db) == 0) sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
-}
-
 void execute(sqlite3* db, const std::string& sql) {
     const Statement statement = prepare(db, sql);
     if (!statement) return;
@@ -58,7 +58,27 @@ void execute(sqlite3* db, const std::string& sql) {
 
 }  // namespace
 
-namespace literal {
+namespace statements {
+
+void commit(sqlite3* db) {
+    if (sqlite3_get_autocommit(db) == 0) sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
+}
+
+void layOut(sqlite3* db, const Herd& herd) {
+    execute(db, "DELETE FROM tree");
+    const Statement insert = prepare(db,
+                                     "INSERT INTO tree(name,prefix,oldId,fatherId,motherId,ps,pd,sex,colour) "
+                                     "VALUES (?1,?2,?3,?4,?5,?6,?7,?8,'red')");
+    for (const Animal& animal : herd) {
+        sqlite3_reset(insert.get());
+        sqlite3_clear_bindings(insert.get());
+        for (std::size_t i = 0; i < animal.size(); ++i) {
+            if (animal[i]) bind(insert, static_cast<int>(i) + 1, *animal[i]);
+        }
+        sqlite3_step(insert.get());
+    }
+    commit(db);
+}
 
 void findSex(sqlite3* db, int stop) {
     const Statement rows = prepare(db, "Select name,fatherId,motherId,ps,pd From tree");
@@ -94,10 +114,8 @@ void convertIdRecordToName(sqlite3* db, int stop) {
     commit(db);
 }
 
-void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::string& nameColumn,
-                              const std::string& idColumn, int stop) {
-    const Statement rows =
-        prepare(db, "Select id," + nameColumn + " From " + table + " Where " + nameColumn + " <> ''");
+void convertNameRecordToNewId(sqlite3* db, const std::string& nameColumn, const std::string& idColumn, int stop) {
+    const Statement rows = prepare(db, "Select id," + nameColumn + " From tree Where " + nameColumn + " <> ''");
     bool any = false;
     while (rows && sqlite3_step(rows.get()) == SQLITE_ROW) {
         any = true;
@@ -114,8 +132,8 @@ void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::
                                   name + "%'",
                               hasRow);
         if (!id || !hasRow) continue;
-        const Statement update = prepare(db, "UPDATE " + table + " SET " + idColumn + " = ?1 WHERE id = ?2");
-        sqlite3_bind_text(update.get(), 1, id->data(), static_cast<int>(id->size()), SQLITE_STATIC);
+        const Statement update = prepare(db, "UPDATE tree SET " + idColumn + " = ?1 WHERE id = ?2");
+        bind(update, 1, *id);
         sqlite3_bind_int64(update.get(), 2, sqlite3_column_int64(rows.get(), 0));
         begin(db);
         sqlite3_step(update.get());
@@ -124,4 +142,4 @@ void convertNameRecordToNewId(sqlite3* db, const std::string& table, const std::
     if (any) commit(db);
 }
 
-}  // namespace literal
+}  // namespace statements
