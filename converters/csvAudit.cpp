@@ -1,5 +1,8 @@
 #include "converters/csvAudit.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "fieldtext/textHelpers.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
@@ -22,7 +25,7 @@ class Audit {
     Outcome finish();
     Extent extent() const { return {lineIndex <= CSVa.rowCount(), headingCommas < CSVa.columnCount()}; }
 
-    int lineIndex = 0;
+    std::int64_t lineIndex = 0;
 
   private:
     Outcome noteError(const std::string& line, int commas);
@@ -38,7 +41,8 @@ Outcome Audit::checkLine(const std::string& line) {
     if (lineIndex == 0) headingCommas = appSystem::countCommas(line);
     const int commas = appSystem::countCommas(line);
     if (commas != headingCommas && noteError(line, commas) == Outcome::endConversion) return Outcome::endConversion;
-    appSystem::extractfields(line, lineIndex, ",");
+    // A file may have more lines than an int counts; those behind the grid are all dropped alike.
+    appSystem::extractfields(line, static_cast<int>(std::min<std::int64_t>(lineIndex, CSVa.rowCount())), ",");
     return Outcome::goOn;
 }
 

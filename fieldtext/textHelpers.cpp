@@ -67,7 +67,10 @@ void extractfields(std::string_view text, int row, std::string_view delimiter) {
     guarded([&] {
         std::string_view remaining = text;
         int column = 0;
+        // Millions of lines may lie outside the grid, and an exception for each of them would take minutes.
+        const auto isOutside = [&] { return row >= CSVa.rowCount() || column >= CSVa.columnCount(); };
         for (std::size_t comma = 0; (comma = remaining.find(',')) != std::string_view::npos;) {
+            if (isOutside()) return;
             const std::size_t end = delimiter == "," ? comma : remaining.find(delimiter);
             if (end != std::string_view::npos) {
                 storeField(row, column, remaining.substr(0, end));
@@ -76,7 +79,7 @@ void extractfields(std::string_view text, int row, std::string_view delimiter) {
             ++column;
             RuntimeBackgroundTask(yielding::character);
         }
-        storeField(row, column, remaining);
+        if (!isOutside()) storeField(row, column, remaining);
     });
 }
 

@@ -1,5 +1,7 @@
 #include "shell/app.h"
 
+#include <csignal>
+
 #include "platform/database/sqliteDatabase.h"
 #include "platform/database/waiting.h"
 #include "platform/desktop/painting.h"
@@ -9,7 +11,20 @@
 #include "shell/windows/frmSplash.h"
 #include "shell/windows/pictures.h"
 
+namespace {
+
+/// Has a write beyond the file size limit fail, so that it is reported, instead of ending the process. The handler is
+/// empty rather than SIG_IGN, which the programs that are launched would inherit.
+void surviveFileSizeLimit() {
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, [](int) {});
+#endif
+}
+
+}  // namespace
+
 App::App(int& argumentCount, char** arguments) : Application(argumentCount, arguments) {
+    surviveFileSizeLimit();
     declareFileTypes();
     majorVersion = TOLVARIS_MAJOR;
     minorVersion = TOLVARIS_MINOR;

@@ -2,6 +2,7 @@
 
 #include "fieldtext/normalisers.h"
 #include "fieldtext/textHelpers.h"
+#include "platform/files/textStream.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 #include "shell/state/appSystem.h"
@@ -58,6 +59,19 @@ TEST_F(FieldText, CleanTrimsFirstAndThenTakesOutQuotesAndLineEnds) {
                           {"\xA0name", "\xA0name"},  // no UTF-8: a letter for all that is known
                           {"a\0b"s, "a\0b"s}}) {
         EXPECT_EQ(clean(c.in), c.out);
+    }
+}
+
+TEST_F(FieldText, ALineEndsAtEitherCharacterAlsoBetweenTwoBuffers) {
+    constexpr std::size_t buffer = 65536;
+    for (const std::string end : {"\n", "\r", "\r\n"}) {
+        for (const std::size_t size : {buffer - 2, buffer - 1, buffer, 2 * buffer - 1}) {
+            const std::string line(size, 'x');
+            TextInputStream file(write("lines.csv", line + end + "Ada" + end + end + "Bob"));
+            Texts lines;
+            while (!file.atEnd()) lines.push_back(file.readLine());
+            EXPECT_TRUE(lines == (Texts{line, "Ada", "", "Bob"})) << size << " bytes, " << lines.size() << " lines";
+        }
     }
 }
 

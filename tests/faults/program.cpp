@@ -75,7 +75,6 @@ void convert(WindowDriver& driver, const Order& order, const std::string& folder
     setenv("HOME", folder.c_str(), 1);
     setenv("TMPDIR", folder.c_str(), 1);
     if (fileLimit > 0) {
-        signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{fileLimit, fileLimit};
         setrlimit(RLIMIT_FSIZE, &limit);
     }

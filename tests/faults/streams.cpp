@@ -78,6 +78,15 @@ FILE* fopen64(const char* path, const char* mode) {
     return faults::covers(path) ? openCovered(path, mode) : real(path, mode);
 }
 
+// The C library reads a stream of this kind byte by byte where it has no buffer.
+int setvbuf(FILE* stream, char* buffer, int mode, size_t size) noexcept {
+    static auto* const real = reinterpret_cast<int (*)(FILE*, char*, int, size_t)>(dlsym(RTLD_NEXT, "setvbuf"));
+    for (const OpenStream& entry : streams) {
+        if (entry.stream == stream && mode == _IONBF) return real(stream, nullptr, _IOFBF, 1U << 16U);
+    }
+    return real(stream, buffer, mode, size);
+}
+
 int fileno(FILE* stream) noexcept {
     static auto* const real = reinterpret_cast<int (*)(FILE*)>(dlsym(RTLD_NEXT, "fileno"));
     for (const OpenStream& entry : streams) {

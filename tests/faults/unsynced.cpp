@@ -1,7 +1,8 @@
-// What would be missing if the power went now.
+// Files and folders that would lose changes if the power failed now.
 
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <sys/stat.h>
 
@@ -13,26 +14,42 @@ namespace {
 struct Changed {
     dev_t device = 0;
     ino_t number = 0;
-    char path[PATH_MAX] = "";  ///< empty: this place is free
+    char path[PATH_MAX] = "";  ///< empty: the entry is unused
 };
 
-/// A file is the same through whichever descriptor it is written or synced.
+/// By file and not by path, as a file may be written through one path and synced through another.
 Changed changed[64];
 
 bool isSame(const Changed& entry, const struct stat& found) {
     return entry.path[0] != '\0' && entry.device == found.st_dev && entry.number == found.st_ino;
 }
 
-void add(const struct stat& found, const char* path) {
-    Changed* place = nullptr;
+/// Whether the entry's path still leads to the file. The number of a removed file is given to the next new one.
+bool isThere(const Changed& entry) {
+    struct stat found {};
+    return stat(entry.path, &found) == 0 && isSame(entry, found);
+}
+
+/// Returns an unused entry, or that of a removed file, which is no loss.
+Changed& freeEntry() {
     for (Changed& entry : changed) {
-        if (isSame(entry, found)) return;
-        if (place == nullptr && entry.path[0] == '\0') place = &entry;
+        if (entry.path[0] == '\0') return entry;
     }
-    if (place == nullptr) return;
-    place->device = found.st_dev;
-    place->number = found.st_ino;
-    std::snprintf(place->path, sizeof place->path, "%s", path);
+    for (Changed& entry : changed) {
+        if (!isThere(entry)) return entry;
+    }
+    std::fputs("Too many files were changed and not synced.\n", stderr);
+    std::abort();
+}
+
+void add(const struct stat& found, const char* path) {
+    for (const Changed& entry : changed) {
+        if (isSame(entry, found) && isThere(entry)) return;
+    }
+    Changed& entry = freeEntry();
+    entry.device = found.st_dev;
+    entry.number = found.st_ino;
+    std::snprintf(entry.path, sizeof entry.path, "%s", path);
 }
 
 }  // namespace
@@ -66,9 +83,7 @@ void faultsUnsynced(char* text, unsigned long size) {
     unsigned long used = 0;
     text[0] = '\0';
     for (const faults::Changed& entry : faults::changed) {
-        struct stat found {};
-        // What is not there any more is nobody's loss.
-        if (entry.path[0] == '\0' || stat(entry.path, &found) != 0 || !isSame(entry, found)) continue;
+        if (entry.path[0] == '\0' || !faults::isThere(entry)) continue;
         const int added = std::snprintf(text + used, size - used, "%s\n", entry.path);
         if (added < 0 || used + added >= size) return;
         used += added;

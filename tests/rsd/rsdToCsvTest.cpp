@@ -97,8 +97,9 @@ TEST_F(RsdToCsv, ProgressComesEveryFiftyRecords) {
     });
     for (const int count : {0, 49, 51, 101}) {
         const std::string name = "n" + std::to_string(count) + ".rsd";
-        std::string sql = ";";
+        std::string sql = "BEGIN;";
         for (int i = 0; i < count; ++i) sql += "INSERT INTO tree(name) VALUES ('x');";
+        sql += "COMMIT";
         prepare(name, sql);
         progress.clear();
         const std::string text = exported(name);
@@ -130,9 +131,9 @@ TEST_F(RsdToCsv, WhatCannotBeReadOrWrittenEndsInSilence) {
     SqlFile(path("notree.rsd")).run("CREATE TABLE settings(id)");
     EXPECT_EQ(exported("notree.rsd"), "no file");
 
-    std::string rows = ";";
-    for (int i = 0; i < 2000; ++i) rows += "INSERT INTO tree(name) VALUES ('" + std::string(100, 'x') + "');";
-    prepare("full.rsd", rows);
+    prepare("full.rsd",
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 2000) "
+            "INSERT INTO tree(name) SELECT hex(zeroblob(50)) FROM n");
     fs::create_symlink("/dev/full", path("full( tree ).csv"));
     driver.boxes.clear();
     convert("Rsd", "Csv", path("full.rsd"));
