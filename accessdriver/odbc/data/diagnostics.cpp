@@ -5,6 +5,7 @@
 #include <new>
 
 #include "accessdriver/jet/error.h"
+#include "accessdriver/odbc/data/text.h"
 #include "accessdriver/sql/values/error.h"
 
 namespace odbc {
@@ -36,6 +37,9 @@ constexpr std::array<FaultCode, 19> faultCodes = {{
 constexpr SQLINTEGER refusedStatement = -1200;  // any refusal of the SQL room, told apart by its SQLSTATE
 constexpr SQLINTEGER internalFault = -1900;
 
+// Bytes. A message may name tables and files of any length, and applications have no room for texts of any length.
+constexpr std::size_t longestMessage = 900;
+
 constexpr const char* prefix = "[Tolvaris][Access Driver] ";
 
 }  // namespace
@@ -43,7 +47,7 @@ constexpr const char* prefix = "[Tolvaris][Access Driver] ";
 void Diagnostics::add(const char* state, SQLINTEGER native, const std::string& message) {
     // Errors come before warnings, and native codes are for errors.
     const auto place = native == 0 ? records_.end() : records_.begin();
-    records_.insert(place, {state, native, prefix + message});
+    records_.insert(place, {state, native, prefix + abbreviated(message, longestMessage)});
 }
 
 void Diagnostics::refuse(const char* state, const std::string& message) { add(state, refusedStatement, message); }

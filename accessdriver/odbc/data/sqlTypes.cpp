@@ -15,9 +15,10 @@ constexpr SQLINTEGER mostText = 255;
 constexpr SQLSMALLINT none = -1;
 constexpr SQLSMALLINT all = SQL_PRED_SEARCHABLE;
 
-// Sizes, display sizes and octet lengths by the ODBC reference's appendix on data types.
+// Sizes, display sizes and octet lengths by the ODBC reference's appendix on data types; but the shortest text of a
+// REAL that reads back as the same number has up to nine digits: -1.00051195e-36.
 constexpr std::array<SqlType, 14> types = {{
-    {ColumnType::guid, "GUID", SQL_GUID, SQL_GUID, SQL_C_GUID, 36, 38, 16, none, 0, SQL_TRUE, SQL_PRED_NONE, "'",
+    {ColumnType::guid, "GUID", SQL_GUID, SQL_GUID, SQL_C_GUID, 36, 36, 16, none, 0, SQL_TRUE, SQL_PRED_NONE, "'",
      nullptr},
     {ColumnType::memo, "LONGCHAR", SQL_WLONGVARCHAR, SQL_WLONGVARCHAR, SQL_C_WCHAR, longText, longText, 2 * longText,
      none, 0, SQL_TRUE, all, "'", nullptr},
@@ -38,7 +39,7 @@ constexpr std::array<SqlType, 14> types = {{
      nullptr, nullptr},
     {ColumnType::integer, "SMALLINT", SQL_SMALLINT, SQL_SMALLINT, SQL_C_SSHORT, 5, 6, 2, 0, 10, SQL_FALSE, all, nullptr,
      nullptr},
-    {ColumnType::single, "REAL", SQL_REAL, SQL_REAL, SQL_C_FLOAT, 24, 14, 4, none, 2, SQL_FALSE, all, nullptr, nullptr},
+    {ColumnType::single, "REAL", SQL_REAL, SQL_REAL, SQL_C_FLOAT, 24, 15, 4, none, 2, SQL_FALSE, all, nullptr, nullptr},
     {ColumnType::doubleFloat, "DOUBLE", SQL_DOUBLE, SQL_DOUBLE, SQL_C_DOUBLE, 53, 24, 8, none, 2, SQL_FALSE, all,
      nullptr, nullptr},
     {ColumnType::dateTime, "DATETIME", SQL_TYPE_TIMESTAMP, SQL_DATETIME, SQL_C_TYPE_TIMESTAMP, 19, 19, 16, 0, 0,
@@ -60,9 +61,10 @@ Extent extentOf(ColumnType type, int length, int precision, int scale) {
     const SqlType& known = sqlTypeOf(type);
     if (type == ColumnType::text && length > 0) return {length, length, 2 * length, none};
     if (type == ColumnType::binary && length > 0) return {length, 2 * length, length, none};
-    // A sign and a point.
+    // A sign and a point, and a zero before the point where all digits are behind it.
     if (type == ColumnType::numeric && precision > 0) {
-        return {precision, precision + 2, precision + 2, static_cast<SQLSMALLINT>(scale)};
+        const int characters = precision + (scale == precision ? 3 : 2);
+        return {precision, characters, characters, static_cast<SQLSMALLINT>(scale)};
     }
     return {known.size, known.displaySize, known.octets, known.decimals};
 }

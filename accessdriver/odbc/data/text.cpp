@@ -72,6 +72,15 @@ std::string utf8From(const SQLWCHAR* text, SQLLEN length) {
     return jet::utf8FromUnits(text, unitsOf(text, length));
 }
 
+std::string abbreviated(std::string_view utf8, std::size_t mostBytes) {
+    if (utf8.size() <= mostBytes) return std::string(utf8);
+    const auto continuesCharacter = [&](std::size_t at) {
+        return (static_cast<unsigned char>(utf8[at]) & 0xC0) == 0x80;
+    };
+    while (mostBytes > 0 && continuesCharacter(mostBytes)) --mostBytes;
+    return std::string(utf8.substr(0, mostBytes)) + "...";
+}
+
 std::string encoded(std::string_view utf8, Width width) {
     if (width == Width::narrow) return std::string(utf8);
     std::string out;

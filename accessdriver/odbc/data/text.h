@@ -31,6 +31,10 @@ std::optional<std::string> optionalUtf8From(const Char* text, SQLLEN length) {
     return utf8From(text, length);
 }
 
+/// The beginning of a UTF-8 text for a message that quotes it, with "..." where it was cut: pyodbc fails on messages of
+/// more than 32,767 characters.
+std::string abbreviated(std::string_view utf8, std::size_t mostBytes = 60);
+
 /// UTF-8 text as the bytes that a caller of that width gets, without an ending zero.
 std::string encoded(std::string_view utf8, Width width);
 

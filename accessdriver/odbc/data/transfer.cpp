@@ -10,6 +10,7 @@
 
 #include "accessdriver/odbc/data/sqlTypes.h"
 #include "accessdriver/odbc/data/text.h"
+#include "accessdriver/odbc/data/variable.h"
 #include "accessdriver/sql/values/calendar.h"
 #include "accessdriver/sql/values/convert.h"
 #include "accessdriver/sql/values/decimal.h"
@@ -37,13 +38,13 @@ struct Job {
 
     template <class T>
     void put(const T& out) const {
-        if (target.buffer != nullptr) std::memcpy(target.buffer, &out, sizeof out);
+        storeAt(target.buffer, out);
         putLength(sizeof out);
     }
 
     void putLength(std::size_t bytes) const {
-        if (target.indicator != nullptr) *target.indicator = 0;
-        if (target.length != nullptr) *target.length = static_cast<SQLLEN>(bytes);
+        storeAt(target.indicator, SQLLEN{0});
+        storeAt(target.length, static_cast<SQLLEN>(bytes));
     }
 
     void warnOfLoss(const char* what) const { diagnostics.warn("01S07", what); }
@@ -70,7 +71,7 @@ Number numberFrom(std::int64_t whole) { return {static_cast<double>(whole), whol
 // Of a Decimal too; whole numbers have more digits there than a double keeps.
 Number numberFromText(const std::string& text) {
     const auto real = sql::readNumber(text);
-    if (!real) throw sql::Error("22018", "The text '" + text + "' is no number.");
+    if (!real) throw sql::Error("22018", "The text '" + abbreviated(text) + "' is no number.");
     Number out = numberFrom(*real);
     std::string_view digits = sql::trimmed(text);
     if (digits.starts_with('+')) digits.remove_prefix(1);
@@ -128,7 +129,7 @@ sql::Moment momentFrom(const Value& value) {
     const auto* text = std::get_if<std::string>(&value);
     if (text == nullptr) refuseConversion();
     const auto date = sql::readDate(*text, sql::localeDateOrder());
-    if (!date) throw sql::Error("22007", "The text '" + *text + "' is no date.");
+    if (!date) throw sql::Error("22007", "The text '" + abbreviated(*text) + "' is no date.");
     return sql::toMoment(*date);
 }
 
@@ -163,7 +164,7 @@ void putNumeric(const Job& job) {
     const int own =
         job.column.type == jet::ColumnType::numeric ? job.column.scale : sqlTypeOf(job.column.type).decimals;
     const std::string digits = digitsFrom(job);
-    if (!sql::readNumber(digits)) throw sql::Error("22018", "The text '" + digits + "' is no number.");
+    if (!sql::readNumber(digits)) throw sql::Error("22018", "The text '" + abbreviated(digits) + "' is no number.");
     constexpr int mostDecimals = 15;  // of a floating-point number or a text
     const auto exact = sql::readDecimal(digits, own < 0 ? mostDecimals : own);
     const auto decimal = job.target.scale ? sql::readDecimal(digits, *job.target.scale) : exact;
@@ -238,8 +239,7 @@ std::string bytesFor(SQLSMALLINT cType, const Value& value, jet::ColumnType type
 }
 
 // How many characters of a number, date or yes/no must fit for it to be worth anything: what stands before the
-// decimals. Texts and bytes may be cut anywhere, and so may GUIDs, whose braces have no room in the size that ODBC
-// gives to them.
+// decimals. Texts and bytes may be cut anywhere.
 std::size_t leastCharacters(const Value& value, jet::ColumnType type) {
     const auto kind = sql::kindOf(type);
     if (kind != sql::ValueKind::number && kind != sql::ValueKind::date) return 0;
@@ -258,7 +258,10 @@ SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Prog
     const auto room = static_cast<std::size_t>(job.target.capacity) / unit;
     const bool isCut = room * unit < rest.size() + zero && progress.given == 0 && zero > 0;
     // A buffer of no bytes at all asks for the length.
-    if (isCut && job.target.capacity > 0 && room <= leastCharacters(job.value, type)) refuseRange();
+    if (isCut && job.target.capacity > 0) {
+        const std::size_t least = leastCharacters(job.value, type);
+        if (least > 0 && room <= least) refuseRange();
+    }
     const Copied copied = copyOut(rest, unit, zero, job.target.buffer, job.target.capacity);
     progress.given += copied.bytes;
     progress.finished = !copied.truncated;
@@ -282,7 +285,7 @@ SQLRETURN transfer(const Value& value, const sql::ResultColumn& column, const Ta
     if (std::holds_alternative<std::monostate>(value)) {
         if (target.indicator == nullptr)
             throw sql::Error("22002", "The value is Null and there is no indicator for it.");
-        *target.indicator = SQL_NULL_DATA;
+        storeAt(target.indicator, SQLLEN{SQL_NULL_DATA});
         progress.finished = true;
         return SQL_SUCCESS;
     }

@@ -4,6 +4,7 @@
 
 #include "accessdriver/odbc/data/diagnostics.h"
 #include "accessdriver/odbc/data/text.h"
+#include "accessdriver/odbc/data/variable.h"
 
 namespace odbc {
 
@@ -16,7 +17,7 @@ void giveText(Diagnostics* diagnostics, std::string_view utf8, Char* buffer, SQL
               Unit unit = Unit::characters) {
     const std::string bytes = encoded(utf8, widthOf<Char>);
     const std::size_t perUnit = unit == Unit::bytes ? 1 : sizeof(Char);
-    if (length != nullptr) *length = static_cast<Length>(bytes.size() / perUnit);
+    storeAt(length, static_cast<Length>(bytes.size() / perUnit));
     if (buffer == nullptr) return;
     const Copied copied = copyOut(bytes, sizeof(Char), sizeof(Char), buffer, capacity * static_cast<SQLLEN>(perUnit));
     if (copied.truncated && diagnostics != nullptr) {
@@ -27,8 +28,8 @@ void giveText(Diagnostics* diagnostics, std::string_view utf8, Char* buffer, SQL
 /// Hands a plain value to the caller's variable, if there is one, and its size to the caller's length.
 template <class T, class Length = SQLINTEGER>
 void giveValue(T value, SQLPOINTER place, Length* length = nullptr) {
-    if (place != nullptr) *static_cast<T*>(place) = value;
-    if (length != nullptr) *length = sizeof value;
+    storeAt(place, value);
+    storeAt(length, static_cast<Length>(sizeof value));
 }
 
 }  // namespace odbc

@@ -134,13 +134,13 @@ SQLRETURN SQL_API SQLSetDescRec(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT ty
 }
 
 SQLRETURN SQL_API SQLCopyDesc(SQLHDESC from, SQLHDESC to) {
-    return withHandle<Descriptor>(to, [&](Descriptor& descriptor) {
-        const auto source = std::static_pointer_cast<Descriptor>(findHandle(from, Descriptor::handleType));
-        if (!source) throw sql::Error("HY000", "The descriptor that was to be copied is not there.");
-        if (&source->connection() == &descriptor.connection()) return descriptor.copyFrom(*source);
-        const std::scoped_lock lock(source->mutex());
-        descriptor.copyFrom(*source);
-    });
+    // One lock at a time: two threads may copy between two connections in opposite directions.
+    const auto source = std::static_pointer_cast<Descriptor>(findHandle(from, Descriptor::handleType));
+    if (!source) return SQL_INVALID_HANDLE;
+    DescriptorContent content;
+    const SQLRETURN read = withHandle<Descriptor>(from, [&](Descriptor& descriptor) { content = descriptor; });
+    if (!SQL_SUCCEEDED(read)) return read;
+    return withHandle<Descriptor>(to, [&](Descriptor& descriptor) { descriptor.copyFrom(content, source->kind()); });
 }
 
 }  // extern "C"

@@ -1,7 +1,9 @@
 #include "accessdriver/odbc/handles/connection.h"
 
 #include <array>
+#include <atomic>
 #include <chrono>
+#include <pthread.h>
 
 #include "accessdriver/sql/values/error.h"
 
@@ -34,6 +36,13 @@ constexpr std::array<AttributeRule, 12> connectionRules = {{
     {SQL_ATTR_CONNECTION_DEAD, SQL_CD_TRUE, Takes::nothing},
 }};
 
+// How many forks lie between the process that loaded the driver and this one.
+int forkCount() {
+    static std::atomic<int> forks = 0;
+    [[maybe_unused]] static const int registered = pthread_atfork(nullptr, nullptr, [] { ++forks; });
+    return forks;
+}
+
 // Another program's commit is over sooner than that.
 constexpr std::chrono::seconds usualWait{3};
 
@@ -43,6 +52,11 @@ Environment::Environment() : Handle(SQL_HANDLE_ENV), attributes(environmentRules
 
 Connection::Connection(std::shared_ptr<Environment> environment)
     : Handle(SQL_HANDLE_DBC), environment_(std::move(environment)), attributes_(connectionRules) {}
+
+// In a child process the session is left as it is: closing it would undo the parent's open transaction in the file.
+Connection::~Connection() {
+    if (session_ && forksBefore_ != forkCount()) static_cast<void>(session_.release());
+}
 
 void Connection::open(const std::string& path, const std::string& password, const std::string& source, bool readOnly) {
     if (session_) throw sql::Error("08002", "The connection is open already.");
@@ -59,6 +73,7 @@ void Connection::open(const std::string& path, const std::string& password, cons
     session_ = std::make_unique<sql::Session>(jet::Database::open(path, password, options));
     attributes_.set(SQL_ATTR_ACCESS_MODE, session_->database().readOnly() ? SQL_MODE_READ_ONLY : SQL_MODE_READ_WRITE);
     session_->setAutocommit(attributes_.get(SQL_ATTR_AUTOCOMMIT) == SQL_AUTOCOMMIT_ON);
+    forksBefore_ = forkCount();
     path_ = path;
     source_ = source;
 }
@@ -77,25 +92,39 @@ void Connection::close() {
 
 sql::Session& Connection::session() const {
     if (!session_) throw sql::Error("08003", "The connection is not open.");
+    requireOwnProcess();
     return *session_;
+}
+
+void Connection::requireOwnProcess() const {
+    if (forksBefore_ == forkCount()) return;
+    throw sql::Error("08003",
+                     "The connection belongs to the parent process. A child process opens a connection of its own.");
+}
+
+void Connection::requireWritable() const {
+    if (attributes_.get(SQL_ATTR_ACCESS_MODE) != SQL_MODE_READ_ONLY) return;
+    throw jet::Error(jet::Fault::readOnly, "The connection is set to reading only (SQL_ATTR_ACCESS_MODE).");
 }
 
 SQLULEN Connection::attribute(SQLINTEGER attribute) const {
     if (attribute == SQL_ATTR_CONNECTION_DEAD) {
-        return session_ && session_->database().alive() ? SQL_CD_FALSE : SQL_CD_TRUE;
+        const bool alive = session_ && forksBefore_ == forkCount() && session_->database().alive();
+        return alive ? SQL_CD_FALSE : SQL_CD_TRUE;
     }
     return attributes_.get(attribute);
 }
 
 void Connection::setAttribute(SQLINTEGER attribute, SQLULEN value) {
-    if (attribute == SQL_ATTR_ACCESS_MODE && session_ && value != attributes_.get(attribute)) {
-        return diagnostics.warn("01S02", "An open file stays open for what it is.");
+    if (attribute == SQL_ATTR_ACCESS_MODE && session_ && value != SQL_MODE_READ_ONLY &&
+        session_->database().readOnly()) {
+        return diagnostics.warn("01S02", "The file stays open for reading only.");
     }
     if (attribute == SQL_ATTR_AUTOCOMMIT) {
         if (value != SQL_AUTOCOMMIT_ON && value != SQL_AUTOCOMMIT_OFF) {
             throw sql::Error("HY024", "Autocommit is on or off.");
         }
-        if (session_) session_->setAutocommit(value == SQL_AUTOCOMMIT_ON);
+        if (session_) session().setAutocommit(value == SQL_AUTOCOMMIT_ON);
     }
     if (!attributes_.set(attribute, value)) diagnostics.warn("01S02", "The attribute keeps its value.");
 }

@@ -30,6 +30,7 @@ class Connection : public Handle {
     static constexpr SQLSMALLINT handleType = SQL_HANDLE_DBC;
 
     explicit Connection(std::shared_ptr<Environment> environment);
+    ~Connection() override;
 
     std::mutex& mutex() override { return mutex_; }
 
@@ -43,8 +44,15 @@ class Connection : public Handle {
 
     bool isOpen() const { return session_ != nullptr; }
 
-    /// The open session. Throws sql::Error(08003) if there is none.
+    /// The open session. Throws sql::Error(08003) if there is none, and as requireOwnProcess() does.
     sql::Session& session() const;
+
+    /// Throws sql::Error(08003) in a child process of the one that opened the connection. Parent and child would share
+    /// the file's position and locks, and each would overwrite the other's pages.
+    void requireOwnProcess() const;
+
+    /// Throws jet::Error(readOnly) if the application has set SQL_ATTR_ACCESS_MODE to SQL_MODE_READ_ONLY.
+    void requireWritable() const;
 
     const Environment* environment() const { return environment_.get(); }
     const std::string& path() const { return path_; }
@@ -60,6 +68,7 @@ class Connection : public Handle {
     std::shared_ptr<Environment> environment_;
     std::mutex mutex_;
     std::unique_ptr<sql::Session> session_;
+    int forksBefore_ = 0;  // as forkCount() was when the file was opened
     Attributes attributes_;
     int cursors_ = 0;
     std::string path_;

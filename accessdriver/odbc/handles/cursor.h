@@ -24,6 +24,9 @@ class Cursor {
     /// through the rowset from its first row to its last.
     bool toRow(SQLULEN row);
 
+    /// Says how many rows the rowset got in the end: the next one begins behind them.
+    void endRowset(SQLULEN rows) { size_ = static_cast<SQLLEN>(rows); }
+
     /// The number of the current row in the result, from 1; 0 if there is none.
     SQLULEN rowNumber() const { return rowNumber_; }
     bool scrollable() const { return scrollable_; }

@@ -254,16 +254,13 @@ void Descriptor::setName(SQLSMALLINT number, const std::string& name) {
     record(static_cast<SQLUSMALLINT>(std::max<SQLSMALLINT>(number, 0))).name = name;
 }
 
-void Descriptor::copyFrom(const Descriptor& other) {
+void Descriptor::copyFrom(const DescriptorContent& other, Kind otherKind) {
     if (kind_ == Kind::row) throw sql::Error("HY016", "The description of a result can't be changed.");
-    arraySize = other.arraySize;
-    arrayStatus = other.arrayStatus;
-    bindOffset = other.bindOffset;
-    bindType = other.bindType;
-    rowsProcessed = other.rowsProcessed;
-    records = other.records;
-    if (other.kind_ != Kind::row) return;
-    if (other.columns.empty()) throw sql::Error("HY007", "There is no result whose description could be copied.");
+    if (otherKind == Kind::row && other.columns.empty()) {
+        throw sql::Error("HY007", "There is no result whose description could be copied.");
+    }
+    DescriptorContent::operator=(other);
+    columns.clear();
     for (const sql::ResultColumn& column : other.columns) {
         const auto number = [&](SQLUSMALLINT field) { return std::get<SQLLEN>(columnAttribute(column, field)); };
         DescriptorRecord record;

@@ -6,6 +6,7 @@
 #include <variant>
 #include <vector>
 
+#include "accessdriver/odbc/data/variable.h"
 #include "accessdriver/odbc/handles/connection.h"
 #include "accessdriver/sql/run/rowSet.h"
 
@@ -27,10 +28,21 @@ struct DescriptorRecord {
     std::string name = {};
 };
 
+/// What SQLCopyDesc copies of a descriptor: header and records. The pointers lead to variables of the application.
+struct DescriptorContent {
+    SQLULEN arraySize = 1;
+    SQLUSMALLINT* arrayStatus = nullptr;
+    SQLULEN* bindOffset = nullptr;
+    SQLULEN bindType = SQL_BIND_BY_COLUMN;
+    SQLULEN* rowsProcessed = nullptr;
+    std::vector<DescriptorRecord> records = {};   ///< number 1 first; none for an IRD
+    std::vector<sql::ResultColumn> columns = {};  ///< of an IRD
+};
+
 /// A descriptor: the variables of the application for rows (ARD) or parameters (APD), what the parameters are described
 /// as (IPD), or the columns of the result (IRD). Each statement has one of each; an application may put its own in
 /// the place of the first two.
-class Descriptor : public Handle {
+class Descriptor : public Handle, public DescriptorContent {
   public:
     static constexpr SQLSMALLINT handleType = SQL_HANDLE_DESC;
 
@@ -48,16 +60,7 @@ class Descriptor : public Handle {
     Kind kind() const { return kind_; }
     bool isAutomatic() const { return allocation_ == SQL_DESC_ALLOC_AUTO; }
 
-    // The header.
-    SQLULEN arraySize = 1;
-    SQLUSMALLINT* arrayStatus = nullptr;
-    SQLULEN* bindOffset = nullptr;
-    SQLULEN bindType = SQL_BIND_BY_COLUMN;
-    SQLULEN* rowsProcessed = nullptr;
-
-    std::vector<DescriptorRecord> records;   ///< number 1 first; none for an IRD
-    std::vector<sql::ResultColumn> columns;  ///< of an IRD
-    bool freed = false;                      ///< the application has let go of it
+    bool freed = false;  ///< the application has freed the descriptor
 
     /// A record to write to, made if it is not there. Throws sql::Error(07009) for number 0.
     DescriptorRecord& record(SQLUSMALLINT number);
@@ -74,16 +77,18 @@ class Descriptor : public Handle {
     void setField(SQLSMALLINT number, SQLSMALLINT field, SQLLEN value);
     void setName(SQLSMALLINT number, const std::string& name);
 
-    /// Takes over header and records. Throws sql::Error: HY016 for an IRD, HY007 from an IRD without columns.
-    void copyFrom(const Descriptor& other);
+    /// Takes over header and records of another descriptor; a column of an IRD becomes a record. Throws sql::Error:
+    /// HY016 if this is an IRD, HY007 if the other one is an IRD without columns.
+    void copyFrom(const DescriptorContent& other, Kind otherKind);
 
-    /// Element `row` of an array of the application that begins at `base`, whose elements have so many bytes where
-    /// arrays are bound column by column. A null pointer stays null.
+    /// Returns the address of element `row` of an array of the application that begins at `base`, whose elements have
+    /// so many bytes where arrays are bound column by column. A null pointer stays null. The address need not be
+    /// aligned.
     template <class T>
     T* element(T* base, SQLULEN row, SQLULEN bytes) const {
         if (base == nullptr) return nullptr;
         const SQLULEN stride = bindType == SQL_BIND_BY_COLUMN ? bytes : bindType;
-        const SQLULEN offset = bindOffset == nullptr ? 0 : *bindOffset;
+        const SQLULEN offset = bindOffset == nullptr ? 0 : loadFrom<SQLULEN>(bindOffset);
         return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(base) + row * stride + offset);
     }
 

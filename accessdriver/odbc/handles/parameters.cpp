@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "accessdriver/odbc/data/text.h"
+#include "accessdriver/odbc/data/variable.h"
 #include "accessdriver/sql/values/calendar.h"
 #include "accessdriver/sql/values/convert.h"
 #include "accessdriver/sql/values/decimal.h"
@@ -24,9 +25,7 @@ struct Source {
 
     template <class T>
     T as() const {
-        T value;
-        std::memcpy(&value, data, sizeof value);
-        return value;
+        return loadFrom<T>(data);
     }
 };
 
@@ -195,7 +194,8 @@ ParameterSets::ParameterSets(const Descriptor& application, const Descriptor& im
 }
 
 bool ParameterSets::isIgnored(SQLULEN set) const {
-    return application_->arrayStatus != nullptr && application_->arrayStatus[set] == SQL_PARAM_IGNORE;
+    return application_->arrayStatus != nullptr &&
+           loadFrom<SQLUSMALLINT>(application_->arrayStatus + set) == SQL_PARAM_IGNORE;
 }
 
 SQLSMALLINT ParameterSets::cTypeOf(std::size_t parameter) const {
@@ -210,9 +210,9 @@ SQLLEN ParameterSets::lengthOf(const ParameterPlace& place) const {
     const DescriptorRecord& record = application_->records[place.parameter];
     const auto at = [&](SQLLEN* base) { return application_->element(base, place.set, sizeof(SQLLEN)); };
     const SQLLEN* const indicator = at(record.indicatorPlace);
-    if (indicator != nullptr && *indicator == SQL_NULL_DATA) return SQL_NULL_DATA;
+    if (indicator != nullptr && loadFrom<SQLLEN>(indicator) == SQL_NULL_DATA) return SQL_NULL_DATA;
     const SQLLEN* const length = at(record.lengthPlace);
-    return length == nullptr ? SQL_NTS : *length;
+    return length == nullptr ? SQLLEN{SQL_NTS} : loadFrom<SQLLEN>(length);
 }
 
 const char* ParameterSets::dataOf(const ParameterPlace& place) const {

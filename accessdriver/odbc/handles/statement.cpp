@@ -97,6 +97,7 @@ void Statement::putData(const void* data, SQLLEN length) {
 }
 
 SQLRETURN Statement::run(const ParameterSets& parameters) {
+    if (!plan().returnsRows()) connection_->requireWritable();
     if (parameters.sets() == 1) {
         runSets(parameters);
     } else {
@@ -112,11 +113,11 @@ SQLRETURN Statement::run(const ParameterSets& parameters) {
 // All sets are one statement: the first one that fails ends it, and what it did is undone as for any other.
 void Statement::runSets(const ParameterSets& parameters) {
     const auto report = [&](SQLULEN set, SQLUSMALLINT status) {
-        if (ipd_->arrayStatus != nullptr) ipd_->arrayStatus[set] = status;
-        if (ipd_->rowsProcessed != nullptr && status != SQL_PARAM_UNUSED) *ipd_->rowsProcessed = set + 1;
+        if (ipd_->arrayStatus != nullptr) storeAt(ipd_->arrayStatus + set, status);
+        if (status != SQL_PARAM_UNUSED) storeAt(ipd_->rowsProcessed, set + 1);
     };
     for (SQLULEN set = 0; set < parameters.sets(); ++set) report(set, SQL_PARAM_UNUSED);
-    if (ipd_->rowsProcessed != nullptr) *ipd_->rowsProcessed = 0;
+    storeAt(ipd_->rowsProcessed, SQLULEN{0});
     for (SQLULEN set = 0; set < parameters.sets(); ++set) {
         if (parameters.isIgnored(set)) continue;
         try {
@@ -153,29 +154,36 @@ Statement::Rowset Statement::rowset() const {
 
 SQLRETURN Statement::fetch(SQLSMALLINT orientation, SQLLEN offset, const Rowset& wanted) {
     if (!cursor_) throw sql::Error("24000", "There is no result to fetch from.");
+    connection_->requireOwnProcess();
     partColumn_ = 0;
     rowsetSize_ = 0;
     bool cut = false;
     SQLULEN failed = 0;
-    const auto tell = [&](SQLULEN row, SQLUSMALLINT status) {
-        if (wanted.status != nullptr) wanted.status[row] = status;
+    const auto report = [&](SQLULEN row, SQLUSMALLINT status) {
+        if (wanted.status != nullptr) storeAt(wanted.status + row, status);
     };
     if (cursor_->move(orientation, offset, wanted.size, cut)) {
-        for (; rowsetSize_ < wanted.size && cursor_->toRow(rowsetSize_); ++rowsetSize_) {
+        bool readable = true;
+        for (; readable && rowsetSize_ < wanted.size; ++rowsetSize_) {
             const std::size_t warnings = diagnostics.records().size();
             try {
+                readable = false;
+                if (!cursor_->toRow(rowsetSize_)) break;
+                readable = true;
                 fillBoundColumns(rowsetSize_);
-                tell(rowsetSize_,
-                     diagnostics.records().size() == warnings ? SQL_ROW_SUCCESS : SQL_ROW_SUCCESS_WITH_INFO);
+                report(rowsetSize_,
+                       diagnostics.records().size() == warnings ? SQL_ROW_SUCCESS : SQL_ROW_SUCCESS_WITH_INFO);
             } catch (...) {
                 diagnostics.addCurrentException();
-                tell(rowsetSize_, SQL_ROW_ERROR);
+                report(rowsetSize_, SQL_ROW_ERROR);
                 ++failed;
             }
         }
+        // A row that can't be read from the file is the last one of its rowset; the next rowset begins behind it.
+        cursor_->endRowset(rowsetSize_);
     }
-    for (SQLULEN row = rowsetSize_; row < wanted.size; ++row) tell(row, SQL_ROW_NOROW);
-    if (wanted.fetched != nullptr) *wanted.fetched = rowsetSize_;
+    for (SQLULEN row = rowsetSize_; row < wanted.size; ++row) report(row, SQL_ROW_NOROW);
+    storeAt(wanted.fetched, rowsetSize_);
     if (rowsetSize_ == 0) return SQL_NO_DATA;
     if (cut) diagnostics.warn("01S06", "The rowset begins with the first row.");
     if (cursor_->scrollable() && rowsetSize_ > 1) cursor_->toRow(0);

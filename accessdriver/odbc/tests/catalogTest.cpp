@@ -11,39 +11,27 @@ namespace {
 
 using namespace odbctest;
 
-class CatalogTest : public OdbcTest {
+class CatalogTest : public ConnectedTest {
   protected:
-    void SetUp() override {
-        ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(makeCav())));
-        statement_ = std::make_unique<Statement>(connection_);
-    }
-
-    void TearDown() override { statement_.reset(); }
-
     // One column of all rows of the answer.
     Texts columnOf(SQLUSMALLINT column) {
         Texts out;
-        while (SQL_SUCCEEDED(SQLFetch(statement_->handle()))) out.push_back(statement_->text(column).value_or("Null"));
-        SQLFreeStmt(statement_->handle(), SQL_CLOSE);
+        while (SQL_SUCCEEDED(SQLFetch(handle_))) out.push_back(statement_->text(column).value_or("Null"));
+        SQLFreeStmt(handle_, SQL_CLOSE);
         return out;
     }
 
     Texts tables(const char* table, const char* types) {
         const auto text = [](const char* t) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(t)); };
-        EXPECT_EQ(SQLTables(statement_->handle(), nullptr, 0, nullptr, 0, text(table), SQL_NTS, text(types), SQL_NTS),
-                  SQL_SUCCESS);
+        EXPECT_EQ(SQLTables(handle_, nullptr, 0, nullptr, 0, text(table), SQL_NTS, text(types), SQL_NTS), SQL_SUCCESS);
         return columnOf(3);
     }
 
     Texts columns(const std::string& table, const std::string& column) {
-        EXPECT_EQ(
-            SQLColumns(statement_->handle(), nullptr, 0, nullptr, 0, chars(table), SQL_NTS, chars(column), SQL_NTS),
-            SQL_SUCCESS);
+        EXPECT_EQ(SQLColumns(handle_, nullptr, 0, nullptr, 0, chars(table), SQL_NTS, chars(column), SQL_NTS),
+                  SQL_SUCCESS);
         return columnOf(4);
     }
-
-    Connection connection_;
-    std::unique_ptr<Statement> statement_;
 };
 
 TEST_F(CatalogTest, TablesByPatternAndType) {
@@ -58,6 +46,20 @@ TEST_F(CatalogTest, TablesByPatternAndType) {
     EXPECT_EQ(tables("tr\\_e", nullptr), Texts{});
     EXPECT_EQ(tables("", nullptr), Texts{});
     EXPECT_EQ(tables((std::string(60, '%') + "x").c_str(), nullptr), Texts{}) << "and takes no time";
+}
+
+// With SQL_ATTR_METADATA_ID names are identifiers and no patterns; for one statement, or for all of a connection.
+TEST_F(CatalogTest, NamesAreIdentifiersIfAsked) {
+    set(SQL_ATTR_METADATA_ID, SQL_TRUE);
+    EXPECT_EQ(tables("tr_e", nullptr), Texts{});
+    EXPECT_EQ(tables("TREE ", nullptr), Texts{"tree"});
+    EXPECT_EQ(columns("tree", "%"), Texts{});
+    EXPECT_EQ(columns("tree", "NAME"), Texts{"name"});
+    set(SQL_ATTR_METADATA_ID, SQL_FALSE);
+    EXPECT_EQ(tables("tr_e", nullptr), Texts{"tree"});
+    SQLSetConnectAttr(connection_.handle(), SQL_ATTR_METADATA_ID, attribute(SQL_TRUE), 0);
+    EXPECT_EQ(tables("tr_e", nullptr), Texts{});
+    EXPECT_EQ(tables("tree", nullptr), Texts{"tree"});
 }
 
 TEST_F(CatalogTest, WhatColumnsAskOfTheirValues) {
@@ -79,10 +81,12 @@ TEST_F(CatalogTest, WhatColumnsAskOfTheirValues) {
     EXPECT_EQ(statement.outcome("UPDATE t SET a = ''").substr(0, 5), "23000");
     ASSERT_EQ(SQLColumns(statement.handle(), nullptr, 0, nullptr, 0, chars("t"), SQL_NTS, chars("%"), SQL_NTS),
               SQL_SUCCESS);
-    constexpr SQLUSMALLINT nullable = 18, byDefault = 13;
+    constexpr SQLUSMALLINT nullable = 11, byDefault = 13, isNullable = 18;
     ASSERT_EQ(SQLFetch(statement.handle()), SQL_SUCCESS);
-    EXPECT_EQ(statement.text(nullable), "NO");
+    EXPECT_EQ(statement.text(nullable), std::to_string(SQL_NO_NULLS));
+    EXPECT_EQ(statement.text(isNullable), "NO");
     ASSERT_EQ(SQLFetch(statement.handle()), SQL_SUCCESS);
+    EXPECT_EQ(statement.text(nullable), std::to_string(SQL_NULLABLE));
     EXPECT_EQ(statement.text(byDefault), "4");
 }
 
@@ -91,24 +95,21 @@ TEST_F(CatalogTest, ColumnsKeysAndIndexes) {
     EXPECT_EQ(columns("tree", "CUSTOMFIELD_"),
               (Texts{"customfield1", "customfield2", "customfield3", "customfield4", "customfield5", "customfield6",
                      "customfield7", "customfield8", "customfield9"}));
-    ASSERT_EQ(SQLColumns(statement_->handle(), nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, chars("dob"), SQL_NTS),
-              SQL_SUCCESS);
+    ASSERT_EQ(SQLColumns(handle_, nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, chars("dob"), SQL_NTS), SQL_SUCCESS);
     EXPECT_EQ(statement_->rows(), Texts{"Null|Null|tree|dob|93|DATETIME|19|16|0|Null|1|Null|Null|9|3|Null|6|YES"});
 
-    ASSERT_EQ(SQLPrimaryKeys(statement_->handle(), nullptr, 0, nullptr, 0, chars("TREE"), SQL_NTS), SQL_SUCCESS);
+    ASSERT_EQ(SQLPrimaryKeys(handle_, nullptr, 0, nullptr, 0, chars("TREE"), SQL_NTS), SQL_SUCCESS);
     EXPECT_EQ(columnOf(4), Texts{"id"});
-    ASSERT_EQ(SQLPrimaryKeys(statement_->handle(), nullptr, 0, nullptr, 0, chars("none"), SQL_NTS), SQL_SUCCESS);
+    ASSERT_EQ(SQLPrimaryKeys(handle_, nullptr, 0, nullptr, 0, chars("none"), SQL_NTS), SQL_SUCCESS);
     EXPECT_EQ(columnOf(4), Texts{});
 
-    ASSERT_EQ(
-        SQLStatistics(statement_->handle(), nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, SQL_INDEX_ALL, SQL_QUICK),
-        SQL_SUCCESS);
+    ASSERT_EQ(SQLStatistics(handle_, nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, SQL_INDEX_ALL, SQL_QUICK),
+              SQL_SUCCESS);
     EXPECT_EQ(columnOf(9), (Texts{"Null", "id", "name"}));
-    ASSERT_EQ(SQLStatistics(statement_->handle(), nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, SQL_INDEX_UNIQUE,
-                            SQL_QUICK),
+    ASSERT_EQ(SQLStatistics(handle_, nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS, SQL_INDEX_UNIQUE, SQL_QUICK),
               SQL_SUCCESS);
     EXPECT_EQ(columnOf(9), (Texts{"Null", "id"}));
-    ASSERT_EQ(SQLSpecialColumns(statement_->handle(), SQL_BEST_ROWID, nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS,
+    ASSERT_EQ(SQLSpecialColumns(handle_, SQL_BEST_ROWID, nullptr, 0, nullptr, 0, chars("tree"), SQL_NTS,
                                 SQL_SCOPE_SESSION, SQL_NULLABLE),
               SQL_SUCCESS);
     EXPECT_EQ(columnOf(2), Texts{"id"});
@@ -151,11 +152,11 @@ TEST_F(CatalogTest, RelationshipsAreForeignKeys) {
 }
 
 TEST_F(CatalogTest, TypeInfo) {
-    ASSERT_EQ(SQLGetTypeInfo(statement_->handle(), SQL_ALL_TYPES), SQL_SUCCESS);
+    ASSERT_EQ(SQLGetTypeInfo(handle_, SQL_ALL_TYPES), SQL_SUCCESS);
     EXPECT_EQ(columnOf(1).size(), 14U);
-    ASSERT_EQ(SQLGetTypeInfo(statement_->handle(), SQL_TYPE_TIMESTAMP), SQL_SUCCESS);
+    ASSERT_EQ(SQLGetTypeInfo(handle_, SQL_TYPE_TIMESTAMP), SQL_SUCCESS);
     EXPECT_EQ(columnOf(1), Texts{"DATETIME"});
-    ASSERT_EQ(SQLGetTypeInfo(statement_->handle(), SQL_BIGINT), SQL_SUCCESS);
+    ASSERT_EQ(SQLGetTypeInfo(handle_, SQL_BIGINT), SQL_SUCCESS);
     EXPECT_EQ(columnOf(1), Texts{});
 }
 
@@ -196,7 +197,7 @@ TEST_F(CatalogTest, InfoOfEachKind) {
 }
 
 TEST_F(CatalogTest, AttributesKeepToWhatTheDriverCan) {
-    const SQLHSTMT handle = statement_->handle();
+    const SQLHSTMT handle = handle_;
     EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_CURSOR_TYPE, attribute(SQL_CURSOR_DYNAMIC), 0), SQL_SUCCESS_WITH_INFO);
     EXPECT_EQ(statement_->diagnosis().state, "01S02");
     EXPECT_EQ(SQLSetStmtAttr(handle, SQL_ATTR_USE_BOOKMARKS, attribute(SQL_UB_VARIABLE), 0), SQL_ERROR);

@@ -1,7 +1,6 @@
 #include "accessdriver/odbc/tests/client.h"
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
@@ -156,27 +155,21 @@ fs::path OdbcTest::makeCav(const std::string& name, jet::CavColumns columns, con
     return file;
 }
 
-std::optional<fs::path> OdbcTest::copySample(const std::string& name) const {
-    const char* const named = std::getenv("TOLVARIS_SHARED");
-    const fs::path shared = named != nullptr ? fs::path(named) : fs::path(SOURCE_ROOT) / ".." / "shared";
-    const fs::path sample = shared / "cav" / name;
-    if (!fs::exists(sample)) return std::nullopt;
-    const fs::path copy = folder_ / name;
-    fs::copy_file(sample, copy);
-    fs::permissions(copy, fs::perms::owner_read | fs::perms::owner_write);
-    return copy;
+void ConnectedTest::SetUp() {
+    file_ = makeCav();
+    ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(file_)));
+    statement_ = std::make_unique<Statement>(connection_);
+    handle_ = statement_->handle();
 }
 
-std::optional<std::string> outputOf(const std::string& command) {
-    constexpr int notFound = 127;
-    std::FILE* const pipe = popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr) return std::nullopt;
-    std::string out;
-    std::array<char, 4096> piece{};
-    while (const std::size_t got = std::fread(piece.data(), 1, piece.size(), pipe)) out.append(piece.data(), got);
-    const int status = pclose(pipe);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == notFound) return std::nullopt;
-    return out;
+void ConnectedTest::prepare(const std::string& text) {
+    ASSERT_EQ(SQLPrepare(handle_, chars(text), SQL_NTS), SQL_SUCCESS) << statement_->diagnosis().message;
+}
+
+SQLRETURN ConnectedTest::bindParameter(SQLUSMALLINT number, SQLSMALLINT cType, SQLSMALLINT sqlType, void* variable,
+                                       SQLLEN bytes, SQLLEN* indicator) {
+    constexpr SQLULEN size = 255;
+    return SQLBindParameter(handle_, number, SQL_PARAM_INPUT, cType, sqlType, size, 0, variable, bytes, indicator);
 }
 
 }  // namespace odbctest

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -88,17 +89,39 @@ class OdbcTest : public testing::Test {
     std::filesystem::path makeCav(const std::string& name = "a.cav", jet::CavColumns columns = jet::CavColumns::typed,
                                   const std::string& password = jet::cavPassword) const;
 
-    /// A copy of one of the sample files that lie beside the project; nothing where they are not there.
-    std::optional<std::filesystem::path> copySample(const std::string& name) const;
-
     const std::filesystem::path& folder() const { return folder_; }
 
   private:
     std::filesystem::path folder_;
 };
 
-/// What a program printed; nothing if it can't be run.
-std::optional<std::string> outputOf(const std::string& command);
+/// A test with an open connection to an empty CAV file, and a statement on it.
+class ConnectedTest : public OdbcTest {
+  protected:
+    void SetUp() override;
+    void TearDown() override { statement_.reset(); }
+
+    /// Sets an attribute of the statement: a number, or a pointer to a variable.
+    template <class Value>
+    SQLRETURN set(SQLINTEGER name, Value value) {
+        if constexpr (std::is_pointer_v<Value>)
+            return SQLSetStmtAttr(handle_, name, value, 0);
+        else
+            return SQLSetStmtAttr(handle_, name, attribute(static_cast<SQLULEN>(value)), 0);
+    }
+
+    void prepare(const std::string& text);
+    SQLRETURN bindParameter(SQLUSMALLINT number, SQLSMALLINT cType, SQLSMALLINT sqlType, void* variable,
+                            SQLLEN bytes = 0, SQLLEN* indicator = nullptr);
+
+    /// The rows of another statement on the connection.
+    Texts rowsOf(const std::string& text) const { return Statement(connection_).rows(text); }
+
+    std::filesystem::path file_;
+    Connection connection_;
+    std::unique_ptr<Statement> statement_;
+    SQLHSTMT handle_ = nullptr;
+};
 
 /// Where the drivers and data sources of this run are listed.
 const std::filesystem::path& registrationFolder();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <fstream>
 
 #include "accessdriver/jet/database.h"
@@ -13,49 +12,49 @@ namespace {
 
 using namespace odbctest;
 
-class FetchTest : public OdbcTest {
+class FetchTest : public ConnectedTest {
   protected:
     void SetUp() override {
-        ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(makeCav())));
-        Statement writer(connection_);
-        ASSERT_EQ(writer.outcome("INSERT INTO tree (ps,dob,weight,price,deceased,notes,cage) VALUES "
-                                 "('Zoë 🐹','2020-02-29 10:20:30',1321.9,-12.5,True,'" +
-                                 std::string(5000, 'n') + "','70000')"),
+        ConnectedTest::SetUp();
+        ASSERT_EQ(statement_->outcome("INSERT INTO tree (ps,dob,weight,price,deceased,notes,cage) VALUES "
+                                      "('Zoë 🐹','2020-02-29 10:20:30',1321.9,-12.5,True,'" +
+                                      std::string(5000, 'n') + "','70000')"),
                   "ok");
-        statement_ = std::make_unique<Statement>(connection_);
     }
-
-    void TearDown() override { statement_.reset(); }
 
     SQLHSTMT select(const std::string& columns) {
         EXPECT_EQ(statement_->outcome("SELECT " + columns + " FROM tree"), "ok");
-        EXPECT_EQ(SQLFetch(statement_->handle()), SQL_SUCCESS);
-        return statement_->handle();
+        EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+        return handle_;
     }
-
-    Connection connection_;
-    std::unique_ptr<Statement> statement_;
 };
 
-// The buffer stands between two marks, and neither may be touched, whatever its size.
+// The buffer is between two marks, and neither may be touched, whatever the buffer's size.
 TEST_F(FetchTest, CutTextsKeepWithinTheirBuffer) {
-    const std::string name = "Zoë 🐹";
-    ASSERT_EQ(name.size(), 9U);
-    for (SQLLEN capacity = 0; capacity <= 12; ++capacity) {
-        const SQLHSTMT handle = select("ps");
-        std::array<char, 32> memory;
-        memory.fill('#');
-        SQLLEN length = -99;
-        const SQLRETURN result = SQLGetData(handle, 1, SQL_C_CHAR, memory.data() + 8, capacity, &length);
-        EXPECT_EQ(length, 9) << capacity;
-        EXPECT_EQ(result, capacity >= 10 ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO) << capacity;
-        EXPECT_EQ(statement_->diagnosis().state, capacity < 10 ? "01004" : "") << capacity;
-        const auto given = static_cast<std::size_t>(std::clamp<SQLLEN>(capacity - 1, 0, 9));
-        EXPECT_EQ(std::string(memory.data() + 8, given), name.substr(0, given)) << capacity;
-        EXPECT_EQ(memory[8 + given], capacity > 0 ? '\0' : '#') << capacity;
-        EXPECT_EQ(std::string(memory.data(), 8), "########") << capacity;
-        const std::size_t used = capacity == 0 ? 0 : given + 1;
-        EXPECT_EQ(std::string(memory.data() + 8 + used, 24 - used), std::string(24 - used, '#')) << capacity;
+    const std::u16string wide = u"Zoë 🐹";
+    struct Case {
+        SQLSMALLINT type;
+        std::size_t unit;  // bytes
+        std::string bytes;
+    };
+    for (const Case& c : {Case{SQL_C_CHAR, 1, "Zoë 🐹"},
+                          Case{SQL_C_WCHAR, 2, {reinterpret_cast<const char*>(wide.data()), wide.size() * 2}}}) {
+        for (std::size_t capacity = 0; capacity <= c.bytes.size() + 4; ++capacity) {
+            SCOPED_TRACE(capacity);
+            const bool fits = capacity >= c.bytes.size() + c.unit;
+            std::string memory(40, '#');
+            SQLLEN length = -99;
+            EXPECT_EQ(SQLGetData(select("ps"), 1, c.type, memory.data() + 8, static_cast<SQLLEN>(capacity), &length),
+                      fits ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO);
+            EXPECT_EQ(length, static_cast<SQLLEN>(c.bytes.size()));
+            EXPECT_EQ(statement_->diagnosis().state, fits ? "" : "01004");
+            const std::size_t units = capacity / c.unit;
+            std::string wanted;
+            if (units > 0) {
+                wanted = c.bytes.substr(0, (units - 1) * c.unit) + std::string(c.unit, '\0');
+            }
+            EXPECT_EQ(memory, "########" + wanted + std::string(32 - wanted.size(), '#'));
+        }
     }
 }
 
@@ -91,24 +90,6 @@ TEST_F(FetchTest, WholeNumbersAndDatesAreNeverCut) {
     }
 }
 
-TEST_F(FetchTest, WideTextsAreCutAtWholeUnits) {
-    const std::u16string name = u"Zoë 🐹";
-    ASSERT_EQ(name.size(), 6U);
-    for (SQLLEN capacity = 0; capacity <= 16; ++capacity) {
-        const SQLHSTMT handle = select("ps");
-        std::array<char, 40> memory;
-        memory.fill('#');
-        SQLLEN length = -99;
-        SQLGetData(handle, 1, SQL_C_WCHAR, memory.data() + 8, capacity, &length);
-        EXPECT_EQ(length, 12) << capacity;
-        const auto units = static_cast<std::size_t>(std::clamp<SQLLEN>(capacity / 2 - 1, 0, 6));
-        EXPECT_EQ(std::memcmp(memory.data() + 8, name.data(), units * 2), 0) << capacity;
-        EXPECT_EQ(std::string(memory.data(), 8), "########") << capacity;
-        const std::size_t used = capacity < 2 ? 0 : units * 2 + 2;
-        EXPECT_EQ(std::string(memory.data() + 8 + used, 32 - used), std::string(32 - used, '#')) << capacity;
-    }
-}
-
 TEST_F(FetchTest, LongTextsComeInPieces) {
     const SQLHSTMT handle = select("notes,ps");
     std::string whole;
@@ -126,6 +107,12 @@ TEST_F(FetchTest, LongTextsComeInPieces) {
     EXPECT_EQ(SQLGetData(handle, 2, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_SUCCESS);
     EXPECT_EQ(SQLGetData(handle, 1, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_SUCCESS_WITH_INFO)
         << "another column in between begins anew";
+    select("Null,name");
+    for (const SQLUSMALLINT column : {1, 2}) {
+        EXPECT_EQ(SQLGetData(handle, column, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_SUCCESS);
+        EXPECT_EQ(length, SQL_NULL_DATA);
+        EXPECT_EQ(SQLGetData(handle, column, SQL_C_CHAR, piece.data(), piece.size(), &length), SQL_NO_DATA);
+    }
 }
 
 template <class T>
@@ -153,6 +140,11 @@ TEST_F(FetchTest, NumbersInEveryCType) {
     EXPECT_EQ(asNumber<SQLDOUBLE>(handle, 3, SQL_C_DOUBLE), "-12.500000");
     EXPECT_EQ(asNumber<SQLCHAR>(handle, 4, SQL_C_BIT), "1");
     EXPECT_EQ(asNumber<SQLCHAR>(select("-0.5"), 1, SQL_C_BIT), "22003");
+    EXPECT_EQ(asNumber<SQLCHAR>(select("1.5"), 1, SQL_C_BIT), "1 01S07");
+    EXPECT_EQ(asNumber<SQLCHAR>(select("2"), 1, SQL_C_BIT), "22003");
+    EXPECT_EQ(asNumber<SQLREAL>(select("-1.5"), 1, SQL_C_FLOAT), "-1.500000");
+    EXPECT_EQ(asNumber<SQLREAL>(select("1e39"), 1, SQL_C_FLOAT), "22003");
+    EXPECT_EQ(asNumber<SQLREAL>(select("-1e39"), 1, SQL_C_FLOAT), "22003");
     const std::pair<const char*, const char*> texts[] = {{"'9007199254740993'", "9007199254740993"},
                                                          {"' +9223372036854775807.0'", "9223372036854775807"},
                                                          {"'-9223372036854775808.5'", "-9223372036854775808 01S07"},
@@ -229,23 +221,6 @@ TEST_F(FetchTest, BoundColumnsAreFilledRowByRow) {
     EXPECT_EQ(SQLFetch(handle), SQL_SUCCESS);
     EXPECT_EQ(SQLFetch(handle), SQL_ERROR) << "a Null without an indicator";
     EXPECT_EQ(statement_->diagnosis().state, "22002") << "before the warning of the cut name";
-}
-
-// Rows that grow leave their pages, and come back with the transaction that made them grow.
-TEST_F(FetchTest, AWalkMeetsEachRowOnceWhileItsRowsGrowAndShrink) {
-    constexpr int rows = 600;
-    Statement writer(connection_);
-    for (int i = 1; i < rows; ++i) ASSERT_EQ(writer.outcome("INSERT INTO tree (oldId) VALUES ('o')"), "ok");
-    connection_.autocommit(false);
-    const SQLHSTMT walk = select("id");
-    for (int row = 1; row <= rows; ++row) {
-        EXPECT_EQ(statement_->text(1), std::to_string(row));
-        const std::string id = std::to_string((row + 13) % rows + 1);
-        const std::string text(static_cast<std::size_t>(row) % 250, 't');
-        ASSERT_EQ(writer.outcome("UPDATE tree SET ps='" + text + "',pd='" + text + "' WHERE id=" + id), "ok");
-        if (row == rows / 2) connection_.rollback();
-        ASSERT_EQ(SQLFetch(walk), row == rows ? SQL_NO_DATA : SQL_SUCCESS) << row;
-    }
 }
 
 #if defined(__linux__) && !defined(__SANITIZE_ADDRESS__)
@@ -334,6 +309,38 @@ TEST_F(FetchTest, AResultIsDescribedBeforeItRuns) {
     EXPECT_EQ(SQLColAttribute(handle, 2, SQL_DESC_TYPE_NAME, label.data(), 5, &length, nullptr), SQL_SUCCESS_WITH_INFO);
     EXPECT_STREQ(label.data(), "DATE");
     EXPECT_EQ(length, 8);
+}
+
+// The text of the longest value of a column is as long as its display size says.
+TEST_F(FetchTest, DisplaySizesHoldTheLongestValue) {
+    using jet::ColumnType;
+    const std::string path = folder() / "sizes.mdb";
+    jet::makeFile(path, {"",
+                         {{"t",
+                           {{"real", ColumnType::single},
+                            {"fraction", ColumnType::numeric, 0, false, true, 5, 5},
+                            {"amount", ColumnType::numeric, 0, false, true, 18, 2},
+                            {"price", ColumnType::currency},
+                            {"number", ColumnType::doubleFloat},
+                            {"mark", ColumnType::guid}},
+                           {}}}});
+    Connection connection;
+    ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
+    Statement statement(connection);
+    const Texts values = {"-1.00051195e-36",          "-0.12345",
+                          "-1234567890123456.78",     "-922337203685477.5808",
+                          "-2.2250738585072014e-308", "01234567-89AB-CDEF-0123-456789ABCDEF"};
+    std::string list;
+    for (const std::string& value : values) list += (list.empty() ? "'" : ",'") + value + "'";
+    ASSERT_EQ(statement.outcome("INSERT INTO t VALUES (" + list + ")"), "ok");
+    ASSERT_EQ(statement.outcome("SELECT * FROM t"), "ok");
+    ASSERT_EQ(SQLFetch(statement.handle()), SQL_SUCCESS);
+    for (SQLUSMALLINT column = 1; column <= values.size(); ++column) {
+        SQLLEN size = 0;
+        SQLColAttribute(statement.handle(), column, SQL_DESC_DISPLAY_SIZE, nullptr, 0, nullptr, &size);
+        EXPECT_EQ(statement.text(column), values[column - 1U]);
+        EXPECT_EQ(size, static_cast<SQLLEN>(values[column - 1U].size())) << values[column - 1U];
+    }
 }
 
 }  // namespace

@@ -219,7 +219,7 @@ TEST(ConversionTest, RefusalsNameColumnAndValue) {
 TEST(ConversionTest, BytesAsText) {
     const jet::Bytes bytes = {0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66,
                               0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF};
-    EXPECT_EQ(sql::textOf(bytes, ColumnType::guid), "{00112233-4455-6677-8899-AABBCCDDEEFF}");
+    EXPECT_EQ(sql::textOf(bytes, ColumnType::guid), "00112233-4455-6677-8899-AABBCCDDEEFF");
     EXPECT_EQ(sql::textOf(jet::Bytes{0x01, 0xAF}, ColumnType::binary), "01AF");
 }
 

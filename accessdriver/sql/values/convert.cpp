@@ -197,8 +197,8 @@ constexpr std::array<std::uint8_t, 16> guidOrder = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9
 std::string guidText(const jet::Bytes& bytes) {
     jet::Bytes shown;
     for (const std::uint8_t from : guidOrder) shown.push_back(bytes[from]);
-    std::string out = "{" + hexadecimal(shown) + "}";
-    for (const std::size_t dash : {9, 14, 19, 24}) out.insert(dash, 1, '-');
+    std::string out = hexadecimal(shown);
+    for (const std::size_t dash : {8, 13, 18, 23}) out.insert(dash, 1, '-');
     return out;
 }
 

@@ -31,7 +31,8 @@ jet::Value displayValue(jet::Value stored, const jet::ColumnInfo& column);
 /// string.
 Literal literalOf(const jet::Value& stored, const jet::ColumnInfo& column, std::string& text);
 
-/// A value as text: yes/no is 1 or 0, dates yyyy-mm-dd hh:mm:ss, a GUID {8-4-4-4-12}, other bytes hexadecimal.
+/// A value as text: yes/no is 1 or 0, dates yyyy-mm-dd hh:mm:ss, a GUID 8-4-4-4-12 digits without braces (36
+/// characters), other bytes hexadecimal.
 std::string textOf(const jet::Value& value, jet::ColumnType type);
 
 }  // namespace sql

@@ -24,7 +24,7 @@ my %binary = (chip => SQL_VARBINARY, photo => SQL_LONGVARBINARY);
 
 sub row {
     return (shift, $notes, 1, 200, -300, 70000, '-12.5000', '0.5', '1321.9', '2020-02-29 10:20:30',
-        "\x00\x01\xFE\xFF", 'picture' x 1000, '{01234567-89AB-CDEF-0123-456789ABCDEF}', '12345678901234.5678');
+        "\x00\x01\xFE\xFF", 'picture' x 1000, '01234567-89AB-CDEF-0123-456789ABCDEF', '12345678901234.5678');
 }
 
 my $db = DBI->connect("dbi:ODBC:$ARGV[0]", '', '',

@@ -26,7 +26,7 @@ $columns = ['name', 'notes', 'tame', 'legs', 'cage', 'tag', 'price', 'ratio', 'w
 $names = ['Снежок', 'Ωmega', '兎', 'Paw 🐾', 'Việt', "O'Brien", str_repeat('a', 127), str_repeat('b', 128)];
 $notes = str_repeat('Fell: glänzend, 🐹. ', 1053);
 $row = fn(string $name): array => [$name, $notes, '1', '200', '-300', '70000', '-12.5000', '0.5', '1321.9',
-    '2020-02-29 10:20:30', "\x00\x01\xFE\xFF", str_repeat('picture', 1000), '{01234567-89AB-CDEF-0123-456789ABCDEF}',
+    '2020-02-29 10:20:30', "\x00\x01\xFE\xFF", str_repeat('picture', 1000), '01234567-89AB-CDEF-0123-456789ABCDEF',
     '12345678901234.5678'];
 
 $db = new PDO('odbc:' . $argv[1], '', '', [PDO::ATTR_ERRMODE => PDO::ERRMODE_EXCEPTION]);

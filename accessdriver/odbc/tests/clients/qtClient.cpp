@@ -52,7 +52,7 @@ QVariantList rowOf(const QString& name, const QString& notes) {
             QDateTime(QDate(2020, 2, 29), QTime(10, 20, 30)),
             QByteArray("\x00\x01\xFE\xFF", 4),
             QByteArray("picture").repeated(1000),
-            "{01234567-89AB-CDEF-0123-456789ABCDEF}",
+            "01234567-89AB-CDEF-0123-456789ABCDEF",
             "12345678901234.5678"};
 }
 

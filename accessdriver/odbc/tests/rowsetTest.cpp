@@ -1,124 +1,29 @@
-// Many rows or parameters at once, data at execution, scrolling, and the descriptors behind them.
+// Rowsets: many rows at once, scrolling, and the descriptors of columns.
 
 #include <array>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
+#include "accessdriver/jet/making/maker.h"
 #include "accessdriver/odbc/tests/client.h"
 
 namespace {
 
 using namespace odbctest;
 
-class BlockTest : public OdbcTest {
-  protected:
-    void SetUp() override {
-        ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(makeCav())));
-        statement_ = std::make_unique<Statement>(connection_);
-        handle_ = statement_->handle();
-    }
+class RowsetTest : public ConnectedTest {};
 
-    void TearDown() override { statement_.reset(); }
-
-    void prepare(const std::string& text) {
-        ASSERT_EQ(SQLPrepare(handle_, chars(text), SQL_NTS), SQL_SUCCESS) << statement_->diagnosis().message;
-    }
-
-    Texts names() { return Statement(connection_).rows("SELECT name FROM tree"); }
-
-    Connection connection_;
-    std::unique_ptr<Statement> statement_;
-    SQLHSTMT handle_ = nullptr;
-};
-
-struct Animal {
-    char name[8];
-    SQLLEN nameLength;
-    SQLINTEGER oldId;
-    SQLLEN oldIdLength;
-};
-
-TEST_F(BlockTest, ArraysOfParametersAreOneStatement) {
-    std::array<Animal, 4> animals = {
-        {{"Ann", SQL_NTS, 1, 0}, {"left", SQL_NTS, 2, 0}, {"Cathy!", 5, 0, SQL_NULL_DATA}, {"Don", 3, 4, 0}}};
-    std::array<SQLUSMALLINT, 4> wanted = {SQL_PARAM_PROCEED, SQL_PARAM_IGNORE, SQL_PARAM_PROCEED, SQL_PARAM_PROCEED};
-    std::array<SQLUSMALLINT, 4> status{};
-    SQLULEN processed = 0;
-    prepare("INSERT INTO tree (name, weight) VALUES (?, ?)");
-    SQLSetStmtAttr(handle_, SQL_ATTR_PARAM_BIND_TYPE, attribute(sizeof(Animal)), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_PARAMSET_SIZE, attribute(4), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_PARAM_OPERATION_PTR, wanted.data(), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_PARAM_STATUS_PTR, status.data(), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_PARAMS_PROCESSED_PTR, &processed, 0);
-    SQLBindParameter(handle_, 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 8, 0, animals[0].name, 8,
-                     &animals[0].nameLength);
-    SQLBindParameter(handle_, 2, SQL_PARAM_INPUT, SQL_C_SLONG, SQL_INTEGER, 0, 0, &animals[0].oldId, 0,
-                     &animals[0].oldIdLength);
-    ASSERT_EQ(SQLExecute(handle_), SQL_SUCCESS) << statement_->diagnosis().message;
-    EXPECT_EQ(statement_->changed(), 3);
-    EXPECT_EQ(processed, 4U);
-    EXPECT_EQ(status,
-              (std::array<SQLUSMALLINT, 4>{SQL_PARAM_SUCCESS, SQL_PARAM_UNUSED, SQL_PARAM_SUCCESS, SQL_PARAM_SUCCESS}));
-    EXPECT_EQ(Statement(connection_).rows("SELECT name,weight FROM tree"), (Texts{"Ann|1", "Cathy|Null", "Don|4"}));
-
-    // One that fails undoes those before it.
-    SQLBindParameter(handle_, 2, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 8, 0, animals[0].name, 8,
-                     &animals[0].nameLength);
-    std::strcpy(animals[0].name, "7");
-    EXPECT_EQ(SQLExecute(handle_), SQL_ERROR);
-    EXPECT_EQ(statement_->diagnosis().state, "22018");
-    EXPECT_EQ(status[0], SQL_PARAM_SUCCESS);
-    EXPECT_EQ(status[2], SQL_PARAM_ERROR);
-    EXPECT_EQ(status[3], SQL_PARAM_UNUSED);
-    EXPECT_EQ(names().size(), 3U);
-}
-
-TEST_F(BlockTest, DataAtExecutionComesInPieces) {
-    prepare("INSERT INTO tree (name, notes, tag) VALUES (?, ?, 'x')");
-    SQLLEN nameLength = SQL_DATA_AT_EXEC;
-    SQLLEN notesLength = SQL_LEN_DATA_AT_EXEC(6);
-    int first = 0;
-    int second = 0;
-    SQLBindParameter(handle_, 1, SQL_PARAM_INPUT, SQL_C_CHAR, SQL_VARCHAR, 255, 0, &first, 0, &nameLength);
-    SQLBindParameter(handle_, 2, SQL_PARAM_INPUT, SQL_C_WCHAR, SQL_WLONGVARCHAR, 0, 0, &second, 0, &notesLength);
-    for (const bool cancelled : {true, false}) {
-        ASSERT_EQ(SQLExecute(handle_), SQL_NEED_DATA);
-        SQLPOINTER token = nullptr;
-        ASSERT_EQ(SQLParamData(handle_, &token), SQL_NEED_DATA);
-        EXPECT_EQ(token, &first);
-        EXPECT_EQ(SQLPutData(handle_, chars("Zo"), 2), SQL_SUCCESS);
-        if (cancelled) {
-            SQLCancel(handle_);
-            continue;
-        }
-        EXPECT_EQ(SQLPutData(handle_, chars("ë"), SQL_NTS), SQL_SUCCESS);
-        ASSERT_EQ(SQLParamData(handle_, &token), SQL_NEED_DATA);
-        EXPECT_EQ(token, &second);
-        char16_t notes[] = u"a🐹";
-        EXPECT_EQ(SQLPutData(handle_, notes, 4), SQL_SUCCESS) << "half a pair";
-        EXPECT_EQ(SQLPutData(handle_, notes + 2, 2), SQL_SUCCESS) << "and its other half";
-        EXPECT_EQ(SQLParamData(handle_, &token), SQL_SUCCESS);
-    }
-    EXPECT_EQ(Statement(connection_).rows("SELECT name,notes,tag FROM tree"), Texts{"Zoë|a🐹|x"});
-    ASSERT_EQ(SQLExecute(handle_), SQL_NEED_DATA);
-    SQLPOINTER token = nullptr;
-    SQLParamData(handle_, &token);
-    EXPECT_EQ(SQLPutData(handle_, nullptr, SQL_NULL_DATA), SQL_SUCCESS);
-    SQLParamData(handle_, &token);
-    EXPECT_EQ(SQLPutData(handle_, nullptr, 0), SQL_SUCCESS);
-    EXPECT_EQ(SQLParamData(handle_, &token), SQL_SUCCESS);
-    EXPECT_EQ(Statement(connection_).rows("SELECT name,notes FROM tree WHERE id=2"), Texts{"Null|"});
-}
-
-TEST_F(BlockTest, AStaticCursorGoesAnywhereInBlocks) {
+TEST_F(RowsetTest, AStaticCursorGoesAnywhereInBlocks) {
     Statement writer(connection_);
     for (int i = 1; i <= 7; ++i) writer.outcome("INSERT INTO tree (name) VALUES ('a" + std::to_string(i) + "')");
     std::array<SQLINTEGER, 3> ids{};
     std::array<SQLUSMALLINT, 3> status{};
     SQLULEN fetched = 0;
-    SQLSetStmtAttr(handle_, SQL_ATTR_CURSOR_TYPE, attribute(SQL_CURSOR_STATIC), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_ROW_ARRAY_SIZE, attribute(3), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_ROW_STATUS_PTR, status.data(), 0);
-    SQLSetStmtAttr(handle_, SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
+    set(SQL_ATTR_CURSOR_TYPE, SQL_CURSOR_STATIC);
+    set(SQL_ATTR_ROW_ARRAY_SIZE, 3);
+    set(SQL_ATTR_ROW_STATUS_PTR, status.data());
+    set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched);
     SQLBindCol(handle_, 1, SQL_C_SLONG, ids.data(), 0, nullptr);
     ASSERT_EQ(statement_->run("SELECT id,name FROM tree"), SQL_SUCCESS);
     EXPECT_EQ(statement_->changed(), 7) << "how many rows there are";
@@ -166,7 +71,22 @@ TEST_F(BlockTest, AStaticCursorGoesAnywhereInBlocks) {
     EXPECT_EQ(SQLSetPos(handle_, 4, SQL_POSITION, SQL_LOCK_NO_CHANGE), SQL_ERROR);
     SQLFreeStmt(handle_, SQL_CLOSE);
 
-    SQLSetStmtAttr(handle_, SQL_ATTR_CURSOR_TYPE, attribute(SQL_CURSOR_FORWARD_ONLY), 0);
+    set(SQL_ATTR_MAX_ROWS, 5);
+    ASSERT_EQ(statement_->run("SELECT id FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(statement_->changed(), 5);
+    EXPECT_EQ(SQLFetchScroll(handle_, SQL_FETCH_LAST, 0), SQL_SUCCESS);
+    EXPECT_EQ(ids[2], 5);
+    EXPECT_EQ(SQLFetch(handle_), SQL_NO_DATA);
+    SQLFreeStmt(handle_, SQL_CLOSE);
+
+    set(SQL_ATTR_CURSOR_TYPE, SQL_CURSOR_FORWARD_ONLY);
+    ASSERT_EQ(statement_->run("SELECT id FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
+    EXPECT_EQ(fetched, 2U);
+    EXPECT_EQ(status[2], SQL_ROW_NOROW);
+    SQLFreeStmt(handle_, SQL_CLOSE);
+    set(SQL_ATTR_MAX_ROWS, 0);
     ASSERT_EQ(statement_->run("SELECT id FROM tree"), SQL_SUCCESS);
     EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
     EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
@@ -175,7 +95,7 @@ TEST_F(BlockTest, AStaticCursorGoesAnywhereInBlocks) {
     EXPECT_EQ(statement_->diagnosis().state, "HY106");
 }
 
-TEST_F(BlockTest, DescriptorsTellAndTake) {
+TEST_F(RowsetTest, DescriptorsTellAndTake) {
     prepare("SELECT id,dob,price FROM tree WHERE name = ?");
     SQLHDESC row = nullptr;
     SQLHDESC variables = nullptr;
@@ -239,7 +159,94 @@ TEST_F(BlockTest, DescriptorsTellAndTake) {
     EXPECT_EQ(id, 0) << "bound to the descriptor that is gone";
 }
 
-TEST_F(BlockTest, OldApplicationsAndNames) {
+#pragma pack(push, 1)
+// The members of each second element are at odd addresses.
+struct Row {
+    SQLINTEGER number;
+    SQLLEN numberLength;
+    char text[5];
+    SQLLEN textLength;
+};
+#pragma pack(pop)
+
+TEST_F(RowsetTest, ARowThatFailsCostsNoOtherRow) {
+    using jet::ColumnType;
+    const std::string path = folder() / "rows.mdb";
+    jet::makeFile(path, {"", {{"t", {{"id", ColumnType::longInteger, 0, true}, {"notes", ColumnType::memo}}, {}}}});
+    const std::string columns = "SELECT notes,id FROM t";
+    {
+        Connection connection;
+        ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
+        Statement writer(connection);
+        for (const char* notes : {"1", "x", "3", "4"}) {
+            ASSERT_EQ(writer.outcome("INSERT INTO t (notes) VALUES ('" + std::string(notes) + "')"), "ok");
+        }
+        std::array<Row, 4> rows{};
+        std::array<SQLUSMALLINT, 4> status{};
+        SQLULEN fetched = 0;
+        char* const first = reinterpret_cast<char*>(rows.data());
+        const auto member = [&](std::size_t offset) { return reinterpret_cast<SQLLEN*>(first + offset); };
+        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROW_BIND_TYPE, attribute(sizeof(Row)), 0);
+        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROW_ARRAY_SIZE, attribute(4), 0);
+        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROW_STATUS_PTR, status.data(), 0);
+        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
+        SQLBindCol(writer.handle(), 1, SQL_C_SLONG, first, 0, member(offsetof(Row, numberLength)));
+        SQLBindCol(writer.handle(), 2, SQL_C_CHAR, first + offsetof(Row, text), sizeof Row::text,
+                   member(offsetof(Row, textLength)));
+        ASSERT_EQ(writer.run(columns), SQL_SUCCESS);
+        EXPECT_EQ(SQLFetch(writer.handle()), SQL_SUCCESS_WITH_INFO);
+        EXPECT_EQ(writer.diagnosis().state, "22018");
+        EXPECT_EQ(fetched, 4U);
+        EXPECT_EQ(status,
+                  (std::array<SQLUSMALLINT, 4>{SQL_ROW_SUCCESS, SQL_ROW_ERROR, SQL_ROW_SUCCESS, SQL_ROW_SUCCESS}));
+        EXPECT_STREQ(rows[3].text, "4");
+        EXPECT_EQ(std::memcmp(&rows[3].number, "\x04\0\0", 4), 0);
+        const SQLLEN length = rows[3].textLength;
+        EXPECT_EQ(length, 1);
+        SQLFreeStmt(writer.handle(), SQL_CLOSE);
+        for (const char* letter : {"a", "b", "c"}) {
+            ASSERT_EQ(writer.outcome("UPDATE t SET notes='" + std::string(9000, *letter) +
+                                     "' WHERE id=" + std::to_string(*letter - 'a' + 1)),
+                      "ok");
+        }
+    }
+    // The second row's memo loses a page: reading it fails, and the rows around it are as good as before.
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    const std::string content{std::istreambuf_iterator<char>(file), {}};
+    constexpr std::size_t pageSize = 4096;
+    std::string lost;
+    for (int i = 0; i < 1000; ++i) lost += {'b', '\0'};
+    const std::size_t at = content.find(lost);
+    ASSERT_NE(at, std::string::npos);
+    const std::size_t page = at / pageSize * pageSize;
+    file.seekp(static_cast<std::streamoff>(page));
+    file.write(std::string(pageSize, '\0').data(), pageSize);
+    file.close();
+
+    Connection connection;
+    ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
+    Statement reader(connection);
+    std::array<SQLINTEGER, 3> ids{};
+    std::array<SQLUSMALLINT, 3> status{};
+    SQLULEN fetched = 0;
+    SQLSetStmtAttr(reader.handle(), SQL_ATTR_ROW_ARRAY_SIZE, attribute(3), 0);
+    SQLSetStmtAttr(reader.handle(), SQL_ATTR_ROW_STATUS_PTR, status.data(), 0);
+    SQLSetStmtAttr(reader.handle(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
+    SQLBindCol(reader.handle(), 2, SQL_C_SLONG, ids.data(), 0, nullptr);
+    ASSERT_EQ(reader.run(columns), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(reader.handle()), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(reader.diagnosis().native, -1009) << "damaged";
+    EXPECT_EQ(fetched, 2U);
+    EXPECT_EQ(ids[0], 1);
+    EXPECT_EQ(status, (std::array<SQLUSMALLINT, 3>{SQL_ROW_SUCCESS, SQL_ROW_ERROR, SQL_ROW_NOROW}));
+    EXPECT_EQ(SQLFetch(reader.handle()), SQL_SUCCESS);
+    EXPECT_EQ(fetched, 2U);
+    EXPECT_EQ(ids[0], 3);
+    EXPECT_EQ(ids[1], 4);
+    EXPECT_EQ(SQLFetch(reader.handle()), SQL_NO_DATA);
+}
+
+TEST_F(RowsetTest, OldApplicationsAndNames) {
     SQLHENV environment = nullptr;
     SQLHDBC old = nullptr;
     SQLHSTMT statement = nullptr;
