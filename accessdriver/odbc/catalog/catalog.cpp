@@ -27,7 +27,8 @@ bool isMeant(const std::string& name, const OptionalName& wanted, bool exact) {
 
 std::vector<std::string> sortedTables(const jet::Database& database) {
     std::vector<std::string> names = database.tableNames();
-    std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return sql::caseFolded(a) < sql::caseFolded(b); });
+    std::sort(names.begin(), names.end(),
+              [](const auto& a, const auto& b) { return sql::caseFolded(a) < sql::caseFolded(b); });
     return names;
 }
 
