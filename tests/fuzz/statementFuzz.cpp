@@ -10,6 +10,7 @@
 #include "accessdriver/sql/parse/parser.h"
 #include "accessdriver/sql/run/filter.h"
 #include "accessdriver/sql/run/session.h"
+#include "accessdriver/sql/run/tableRules.h"
 #include "accessdriver/sql/values/error.h"
 #include "tests/fuzz/fuzzTarget.h"
 
@@ -71,6 +72,21 @@ class Herd {
         fuzz::demand(rows == met, "an index or lookup finds what a walk through the table finds");
     }
 
+    /// The text as it may stand in a file as a column's default and rule.
+    static void applyAsRule(const std::string& text) {
+        const jet::TableInfo table = {.name = "t",
+                                      .columns = {{.name = "c",
+                                                   .type = jet::ColumnType::longInteger,
+                                                   .defaultValue = text,
+                                                   .validationRule = text}},
+                                      .indexes = {}};
+        const sql::TermValues values({}, sql::DateOrder::dayFirst, "0");
+        std::vector<jet::Assignment> row;
+        const sql::TableRules rules(table);
+        rules.addDefaults(row, values);
+        rules.check(row, true, values);
+    }
+
     void rollback() { session_->rollback(); }
 
   private:
@@ -78,17 +94,24 @@ class Herd {
     std::unique_ptr<sql::Session> session_;
 };
 
-}  // namespace
-
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static Herd herd;
+template <class Call>
+void attempt(Call call) {
     try {
-        herd.run(fuzz::textOf(data, size));
+        call();
     } catch (const sql::Error& error) {
         fuzz::demand(std::string_view(error.state()).size() == 5 && *error.what() != '\0', "a refusal is a sentence");
     } catch (const jet::Error&) {
         // The file may refuse a value as well.
     }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Herd herd;
+    const std::string text(fuzz::textOf(data, size));
+    attempt([&] { Herd::applyAsRule(text); });
+    attempt([&] { herd.run(text); });
     herd.rollback();
     return 0;
 }

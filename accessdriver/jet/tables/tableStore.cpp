@@ -60,18 +60,13 @@ void TableStore::applyProperties(const std::vector<PropertyList>& lists) {
     if (lists.empty()) rules_.clear();
 }
 
-// The values of a new row, with the defaults of the columns that have none, and Null for the others that must not be.
-std::vector<Assignment> TableStore::withDefaults(std::span<const Assignment> values) const {
+// The values of a new row, with Null for the columns that have none and need one.
+std::vector<Assignment> TableStore::withRequired(std::span<const Assignment> values) const {
     std::vector<Assignment> all(values.begin(), values.end());
     std::vector<bool> given(table_.columns.size());
     for (const Assignment& value : values) given[value.column] = true;
     for (std::size_t i = 0; i < rules_.size(); ++i) {
-        if (given[i]) continue;
-        if (rules_[i].hasDefault()) {
-            all.push_back({i, rules_[i].defaultValue()});
-        } else if (rules_[i].required()) {
-            all.push_back({i, {}});
-        }
+        if (!given[i] && rules_[i].required()) all.push_back({i, {}});
     }
     return all;
 }
@@ -170,7 +165,7 @@ void TableStore::requireNotNull(const Index& index, const IndexKey& key) const {
 RowId TableStore::insert(std::span<const Assignment> values) {
     requireWritable(values);
     Draft draft(table_.columns.size());
-    rules_.empty() ? encodeAssignments(values, draft) : encodeAssignments(withDefaults(values), draft);
+    rules_.empty() ? encodeAssignments(values, draft) : encodeAssignments(withRequired(values), draft);
     fillAutoNumber(draft);
     storeLongValues(draft);
     buildRow(draft);

@@ -57,7 +57,7 @@ class TableStore {
     struct Draft;
 
     void requireWritable(std::span<const Assignment> values) const;
-    std::vector<Assignment> withDefaults(std::span<const Assignment> values) const;
+    std::vector<Assignment> withRequired(std::span<const Assignment> values) const;
     void encodeAssignments(std::span<const Assignment> values, Draft& draft) const;
     void storeLongValues(Draft& draft);
     void fillAutoNumber(Draft& draft);

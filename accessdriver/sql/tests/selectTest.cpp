@@ -90,7 +90,7 @@ TEST_F(SelectTest, YesIsMinusOneAndComesBeforeNo) {
         {"COUNT(*) FROM animals WHERE deceased < 1 AND deceased >= -1 AND deceased > -1.5", {"6"}},
         {"id FROM animals WHERE deceased BETWEEN -1 AND -0.5", {"1", "4"}},
         {"COUNT(*) FROM animals WHERE deceased BETWEEN -1 AND 0", {"6"}},
-        {"id FROM animals WHERE deceased = -1 AND deceased = 1 AND deceased IN ('Yes')", {"1", "4"}},
+        {"id FROM animals WHERE deceased = -1 AND deceased = 1 AND deceased IN (0.5)", {"1", "4"}},
         {"id FROM animals WHERE deceased LIKE '-1'", {"1", "4"}},
         {"id FROM animals WHERE deceased = weight OR deceased = price", {}},
     });

@@ -37,7 +37,8 @@ jet::TableSpec animals() {
                         {.name = "legs", .type = integer}},
             .indexes = {{.name = "PrimaryKey", .columns = {"id"}, .primaryKey = true, .descending = {}},
                         {.name = "tag", .columns = {"tag"}, .unique = true, .descending = {}},
-                        {.name = "legs", .columns = {"legs"}, .descending = {}}}};
+                        {.name = "legs", .columns = {"legs"}, .descending = {}},
+                        {.name = "deceased", .columns = {"deceased"}, .descending = {}}}};
 }
 
 }  // namespace
