@@ -2,6 +2,7 @@
 
 #include "fieldtext/normalisers.h"
 #include "fieldtext/textHelpers.h"
+#include "platform/files/files.h"
 #include "platform/files/textStream.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
@@ -73,6 +74,10 @@ TEST_F(FieldText, ALineEndsAtEitherCharacterAlsoBetweenTwoBuffers) {
             EXPECT_TRUE(lines == (Texts{line, "Ada", "", "Bob"})) << size << " bytes, " << lines.size() << " lines";
         }
     }
+}
+
+TEST_F(FieldText, AddressesAreSafeInsideSingleQuotes) {
+    EXPECT_EQ(FileReference("/O'Hara/käfig 1/").url(), "file:///O%27Hara/k%C3%A4fig%201");
 }
 
 TEST_F(FieldText, CommasAreCountedAndSplitWhereverTheyStand) {

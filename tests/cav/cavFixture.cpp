@@ -1,11 +1,24 @@
 #include "tests/cav/cavFixture.h"
 
 #include <filesystem>
+#include <sstream>
 
 const std::string intoTree =
     "INSERT INTO tree (name,colour,breed,sex,dob,oldId,fatherId,motherId,ps,pd,tag,prefix,suffix,health,cage,notes,"
     "customfield1,customfield2,customfield3,customfield4,customfield5,customfield6,customfield7,customfield8,"
     "customfield9,customfield10,customfield11,customfield12,customfield13,customfield14,customfield15)VALUES ('";
+
+std::string insertOf(const std::map<std::string, std::string>& values) {
+    const std::size_t first = intoTree.find('(') + 1;
+    std::istringstream columns(intoTree.substr(first, intoTree.find(')') - first));
+    std::string list;
+    for (std::string column; std::getline(columns, column, ',');) {
+        const auto value = values.find(column);
+        const std::string standard = column == "sex" ? "undefined" : column == "dob" ? "1925-01-01" : "";
+        list += (list.empty() ? "" : "','") + (value == values.end() ? standard : value->second);
+    }
+    return intoTree + list + "')";
+}
 
 const char* const lostRow =
     "Unable to connect to Tolvaris database. Make sure the database isn't opened in your Tolvaris program.";

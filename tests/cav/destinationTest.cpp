@@ -85,7 +85,8 @@ TEST_F(CavDestination, APathThatWouldBeMoreThanAPathIsRefusedBeforeAnyConnection
                                     {"x;DRIVER=.cav", "semicolon"},
                                     {"a}b.cav", "brace"},
                                     {"{a.cav", "brace"},
-                                    {"a\tb.cav", "control character"}}) {
+                                    {"a\tb.cav", "control character"},
+                                    {"a\x7F.cav", "control character"}}) {
         const std::string said =
             "Database Error: -1023\n\n'" + path(name) + "' is not a valid path: it has a " + has + ".";
         driver.boxes.clear();

@@ -71,11 +71,6 @@ TEST_F(CavProgress, EveryFifthRowOfEachTableIsShown) {
                             "Adding Treatment record # 0 | 0 of 6", "Adding Treatment record # 5 | 5 of 6"}));
 }
 
-TEST_F(CavProgress, EveryTwentiethAnimalIsShownWithoutABar) {
-    convertToCav("Csv", animals(41));
-    EXPECT_EQ(shown, (Lines{"Found  - Ada 20\n20 records | no bar", "Found  - Ada 40\n40 records | no bar"}));
-}
-
 TEST_F(CavProgress, LinkingCountsOneMoreThanThereIs) {
     std::vector<recording::Row> ids;
     std::vector<recording::Row> parents;
@@ -91,12 +86,6 @@ TEST_F(CavProgress, LinkingCountsOneMoreThanThereIs) {
     convertToCav("Csv", write("herd.csv", "name\nAda\n"));
     EXPECT_EQ(shown, (Lines{"Getting name from id  #0 | 0 of 22", "Getting name from id  #20 | 20 of 22",
                             "Found sex  of O'Bob - female | 1 of 22"}));
-}
-
-TEST_F(CavProgress, CountOfErrorsIsShownWithoutABar) {
-    driver.answers = {"No", "Yes"};
-    convertToCav("Csv", write("herd.csv", "name,sex\nAda\nBob\nCid,m\nDan\n"));
-    EXPECT_EQ(shown, (Lines{"Found 1 errors. | no bar", "Found 2 errors. | no bar", "Found 3 errors. | no bar"}));
 }
 
 TEST_F(CavProgress, CancelAndYesDeletesTheFileAndTheCsvRouteRunsOn) {
@@ -120,15 +109,6 @@ TEST_F(CavProgress, CancelAndYesDeletesTheFileAndTheCsvRouteRunsOn) {
     EXPECT_EQ(driver.text("frmMain", "lblDestinationFilePath"), destination());
     EXPECT_EQ(shown, (Lines{"Found  - Ada 20\n20 records | no bar", "Found  - Ada 40\n40 records | no bar"}));
     EXPECT_FALSE(driver.isOpen("frmWait"));
-}
-
-TEST_F(CavProgress, CancelAndNoKeepsTheFile) {
-    cancelAt = "Found  - Ada 20\n20 records";
-    driver.answers = {"No"};
-    convertToCav("Csv", animals(25));
-    EXPECT_TRUE(std::filesystem::exists(destination()));
-    EXPECT_EQ(recorder.texts(Kind::statement).size(), 25U);
-    EXPECT_EQ(boxes(), (Lines{question, "Operation completed"}));
 }
 
 TEST_F(CavProgress, CancelEndsTheTableBeingReadAndTheNextTablesFollow) {

@@ -10,7 +10,6 @@
 #include <memory>
 #include <sstream>
 #include <stdexcept>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -18,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include "shell/app.h"
+#include "tests/support/fileSizeLimit.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ constexpr char unsyncedMark = '\1';
 
 /// Gone before the variables of the program are, as in the program itself.
 std::unique_ptr<App> app;
-unsigned long fileLimit = 0;
+unsigned long fileLimit = RLIM_INFINITY;
 
 void note(int descriptor, const std::string& text) {
     const std::string entry = text + '\0';
@@ -74,10 +74,7 @@ void convert(WindowDriver& driver, const Order& order, const std::string& folder
                              const std::string& plan, int notes) {
     setenv("HOME", folder.c_str(), 1);
     setenv("TMPDIR", folder.c_str(), 1);
-    if (fileLimit > 0) {
-        const rlimit limit{fileLimit, fileLimit};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
+    const FileSizeLimit limit(fileLimit);
     // A CAV file is synced when its connection goes, at the end of the conversion.
     const bool intoCav = order.to == "Cav";
     driver.onBox([notes, intoCav](const Box& box) {

@@ -37,5 +37,5 @@ struct End {
 End convertUnderFaults(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan,
                        const std::string& notes);
 
-/// The largest file that the programs to come may write; 0: any size. Writing past it fails as on a full disk.
+/// Limits the size in bytes of files that later programs write. Writing past it fails as on a full disk.
 void limitFiles(unsigned long bytes);

@@ -1,8 +1,7 @@
 // Sources and texts that nobody should have to convert: never a crash, a hang or another file touched.
 
-#include <sys/resource.h>
-
 #include "shell/state/appSystem.h"
+#include "tests/support/fileSizeLimit.h"
 #include "tests/support/programFixture.h"
 #include "tests/support/sqlFile.h"
 
@@ -57,36 +56,22 @@ TEST_F(BadInput, AWidthOrLengthAtTheEdge) {
     EXPECT_EQ(tree("name"), Texts{"Ada"});
 }
 
-/// No file grows beyond this size; the writer gets a failure, as on a full disk.
-class SmallDisk {
-  public:
-    explicit SmallDisk(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit small{bytes, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
-
-  private:
-    rlimit before_{};
-};
-
 TEST_F(BadInput, ADiskThatIsFullBeforeAllRowsAreInEndsTheImportWithTheReason) {
-    // In the middle of the tables; when the rows of a small herd are committed; when those of a large one spill over.
+    // At the first page; in the middle of the tables; when the rows of a small herd are committed; when those of a
+    // large one spill over.
     struct Case {
-        rlim_t size;
+        unsigned long size;
         int animals;
     };
-    for (const auto& [size, animals] : {Case{40'000, 10}, Case{200'000, 2000}, Case{1'000'000, 20'000}}) {
+    for (const auto& [size, animals] :
+         {Case{100, 10}, Case{40'000, 10}, Case{200'000, 2000}, Case{1'000'000, 20'000}}) {
         std::string text = "name,sex,breed\n";
         for (int i = 1; i <= animals; ++i) text += "Ada " + std::to_string(i) + ",f," + std::string(100, 'b') + "\n";
         const std::string source = write("herd.csv", text);
         fs::remove(path("herd.cax"));
         driver.boxes.clear();
         {
-            const SmallDisk disk(size);
+            const FileSizeLimit limit(size);
             convert("Csv", "Rsd", source);
         }
         ASSERT_EQ(driver.boxes.size(), 1U) << size;
@@ -96,6 +81,7 @@ TEST_F(BadInput, ADiskThatIsFullBeforeAllRowsAreInEndsTheImportWithTheReason) {
         }
         EXPECT_NE(driver.boxes[0].text.find("disk"), std::string::npos) << driver.boxes[0].text;
         EXPECT_FALSE(fs::exists(path("herd.cax-journal"))) << size;
+        EXPECT_EQ(fs::exists(path("herd.cax")), size > 100) << "a file that can't be made stays in nobody's way";
         EXPECT_EQ(read(source), text);
     }
 }

@@ -9,7 +9,9 @@
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QStyle>
 
+#include "platform/desktop/eventHandler.h"
 #include "platform/desktop/messageBox.h"
+#include "platform/values/failure.h"
 #include "shell/windows/frmMain.h"
 #include "shell/windows/frmSplash.h"
 #include "shell/windows/frmWait.h"
@@ -36,6 +38,20 @@ TEST_F(Boxes, StandInFrontOfAWindowOfTheProgramAlsoWhenOneHasJustClosed) {
     frmMain().close();
     showMessage("with no window left");
     EXPECT_EQ(parents, (std::vector<std::string>{"frmWait", "frmMain", "none"}));
+}
+
+TEST_F(Boxes, RaiseTheFailureOfAHandlerThatRanWhileTheyWereOpen) {
+    driver.onBox([](const Box&) { events::run([] { throw FileFailure("the disk is full"); }); });
+    bool raised = false;
+    events::run([&] {
+        try {
+            showMessage("in front");
+        } catch (const FileFailure&) {
+            raised = true;
+        }
+    });
+    EXPECT_TRUE(raised);
+    EXPECT_EQ(driver.boxes.size(), 1U) << "the failure is reported by whoever opened the box, or dropped there";
 }
 
 TEST_F(Boxes, EnterGivesTheSafeAnswerWhereYesDestroys) {
