@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "converters/headingWords.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/text.h"
@@ -14,11 +13,11 @@ namespace {
 
 using csvAudit::Outcome;
 
-std::optional<Key> keyOf(std::string_view heading, Key lastKey) {
-    for (const auto& [key, words] : headingWords()) {
-        if (key > lastKey) return std::nullopt;
-        for (const std::string& word : words) {
-            if (text::equals(word, heading)) return key;
+std::optional<Key> keyOf(std::string_view heading, const Route& route) {
+    for (const animalFields::Field& field : animalFields::all()) {
+        if (route.isCav && !field.hasCavHeading()) continue;
+        for (const std::string& word : field.words) {
+            if (text::equals(word, heading)) return field.key;
         }
     }
     return std::nullopt;
@@ -27,8 +26,8 @@ std::optional<Key> keyOf(std::string_view heading, Key lastKey) {
 /// Gives the column the first custom field that is still free; false if all are taken.
 bool takeCustomField(ColumnMap& columnMap, int column, const std::string& heading, const Route& route) {
     for (int number = 1; number <= 15; ++number) {
-        if (columnMap.has(customfield(number))) continue;
-        columnMap[customfield(number)] = column;
+        if (columnMap.has(animalFields::customfield(number))) continue;
+        columnMap[animalFields::customfield(number)] = column;
         route.saveHeading(number, heading);
         return true;
     }
@@ -41,8 +40,8 @@ std::string scan(ColumnMap& columnMap, const csvAudit::Extent& extent, const Rou
     for (int column = 0; !extent.cell(0, column).empty(); ++column) {
         const std::string cell(extent.cell(0, column));
         std::string heading = text::lower(cell);
-        if (route.trimsHeading) heading = text::trim(heading);
-        if (const auto key = keyOf(heading, route.lastKey)) {
+        if (!route.isCav) heading = text::trim(heading);
+        if (const auto key = keyOf(heading, route)) {
             columnMap[*key] = column;
         } else if (!takeCustomField(columnMap, column, heading, route)) {
             unknownColumns += ", " + cell;
@@ -57,16 +56,16 @@ std::string scan(ColumnMap& columnMap, const csvAudit::Extent& extent, const Rou
 Outcome run(ColumnMap& columnMap, const csvAudit::Extent& extent, const Route& route) {
     const std::string lineEnd(text::endOfLine());
     const std::string unknownColumns = scan(columnMap, extent, route);
-    if (!columnMap.has(name)) {
+    if (!columnMap.has(animalFields::name)) {
         showMessage(
             "The program cannot determine which column contains the animal name. Open your CSV file and make sure your "
             "first row contains the column headers. Rename the animal name column -   NAME" +
             lineEnd + "See Help for more details.");
         return Outcome::endConversion;
     }
-    if (!columnMap.has(sex)) publicVariables::noSexColumn = true;
-    if (!columnMap.has(ps)) publicVariables::noPS = true;
-    if (!columnMap.has(pd)) publicVariables::noPd = true;
+    if (!columnMap.has(animalFields::sex)) publicVariables::noSexColumn = true;
+    if (!columnMap.has(animalFields::ps)) publicVariables::noPS = true;
+    if (!columnMap.has(animalFields::pd)) publicVariables::noPd = true;
     if (unknownColumns.empty()) return Outcome::goOn;
     const bool goOn =
         askYesNo("Before you begin!", "The column(s) " + std::string(text::mid(unknownColumns, 2)) +

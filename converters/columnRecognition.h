@@ -5,39 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "converters/animalFields.h"
 #include "converters/csvAudit.h"
 
 /// Decides from the heading row in CSVa which column of a breeder's file feeds which field of an animal.
 namespace columnRecognition {
 
-/// The target fields, in the order in which their heading words are tested.
-enum Key : int {
-    name,
-    colour,
-    breed,
-    sex,
-    DOB,
-    oldId,
-    fatherId,
-    motherId,
-    ps,
-    pd,
-    tag,
-    prefix,
-    suffix,
-    health,
-    cage,
-    callname,
-    notes,
-    dateBought,
-    BoughtFrom,
-    purchasePrice,
-    customfield1,
-    customfield15 = customfield1 + 14,
-    keyCount
-};
-
-constexpr Key customfield(int number) { return static_cast<Key>(customfield1 + number - 1); }
+using animalFields::Key;
 
 /// The column of a field that the file does not have. It is a real column, the last one, which a file of up to 70
 /// columns never writes: such a field reads an empty text with no test at all.
@@ -52,15 +26,14 @@ class ColumnMap {
     bool has(Key key) const { return (*this)[key] != noColumn; }
 
   private:
-    std::array<int, keyCount> columns_{};
+    std::array<int, animalFields::keyCount> columns_{};
 };
 
-/// In what the two routes differ.
+/// The differences between the two routes.
 struct Route {
-    /// The last field whose heading words are tested; headings of later fields count as unknown.
-    Key lastKey = customfield15;
-    /// Whether a heading is trimmed again after it was lower-cased.
-    bool trimsHeading = true;
+    /// Whether fewer headings are recognised (animalFields::CavUse), and a heading is not trimmed again after it was
+    /// lower-cased.
+    bool isCav = false;
     /// Saves a heading as the name of the custom field of that number, 1 to 15.
     std::function<void(int number, const std::string& heading)> saveHeading;
 };

@@ -2,17 +2,16 @@
 
 #include <algorithm>
 
+#include "converters/animalFields.h"
 #include "converters/columnRecognition.h"
 #include "converters/csvAudit.h"
 #include "converters/csvRows.h"
 #include "fieldtext/normalisers.h"
-#include "fieldtext/textHelpers.h"
 #include "linking/linking.h"
 #include "platform/database/odbcConnection.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
 #include "platform/values/failure.h"
-#include "platform/values/text.h"
 #include "shell/state/appSystem.h"
 #include "shell/state/publicVariables.h"
 #include "shell/windows/frmWait.h"
@@ -22,10 +21,7 @@ namespace convertCsvToCav {
 namespace {
 
 using columnRecognition::ColumnMap;
-using columnRecognition::Key;
 using csvAudit::Outcome;
-
-std::string parentId(std::string_view cell) { return text::equals(cell, "1") ? std::string() : std::string(cell); }
 
 /// An animal without a date of birth counts as born on a fixed day.
 std::string birthDate(std::string_view cell) {
@@ -34,33 +30,21 @@ std::string birthDate(std::string_view cell) {
     return date->sqlForm();
 }
 
-/// The INSERT of one animal, every value between quotes.
+std::string valueOf(animalFields::Treatment treatment, std::string_view cell) {
+    if (animalFields::isNoParent(treatment, cell)) return {};
+    return treatment == animalFields::Treatment::date ? birthDate(cell) : animalFields::normalised(treatment, cell);
+}
+
+/// Returns the INSERT of one animal, every value between quotes.
 std::string insertStatement(int row, const ColumnMap& columnMap) {
-    const auto cell = [&](Key key) { return appSystem::CSVa.cell(row, columnMap[key]); };
-    const std::string father = parentId(cell(columnRecognition::fatherId));
-    const std::string mother = parentId(cell(columnRecognition::motherId));
-    const std::string born = birthDate(cell(columnRecognition::DOB));
-    const std::string sex = appSystem::convertSex(cell(columnRecognition::sex));
     std::string sql(cavStore::insertTreeOpening());
-    const auto add = [&](std::string_view value) { sql.append(value).append("','"); };
-    add(appSystem::rma(cell(columnRecognition::name)));
-    add(appSystem::rma(cell(columnRecognition::colour)));
-    add(appSystem::rma(cell(columnRecognition::breed)));
-    add(sex);
-    add(born);
-    add(cell(columnRecognition::oldId));
-    add(father);
-    add(mother);
-    add(appSystem::rma(cell(columnRecognition::ps)));
-    add(appSystem::rma(cell(columnRecognition::pd)));
-    add(cell(columnRecognition::tag));
-    add(cell(columnRecognition::prefix));
-    add(cell(columnRecognition::suffix));
-    add(appSystem::rma(cell(columnRecognition::health)));
-    add(cell(columnRecognition::cage));
-    add(appSystem::rma(cell(columnRecognition::notes)));
-    for (int number = 1; number < 15; ++number) add(appSystem::rma(cell(columnRecognition::customfield(number))));
-    return sql + appSystem::rma(cell(columnRecognition::customfield(15))) + "')";
+    std::string_view separator;
+    for (const animalFields::Field& field : animalFields::all()) {
+        if (!field.hasCavColumn()) continue;
+        sql.append(separator).append(valueOf(field.treatment, appSystem::CSVa.cell(row, columnMap[field.key])));
+        separator = "','";
+    }
+    return sql + "')";
 }
 
 void writeRows(OdbcConnection& connection, const ColumnMap& columnMap, const csvAudit::Extent& extent) {
@@ -85,9 +69,7 @@ void convert() {
     // The apostrophe would end a quoted value, so it is out of every line before anything else sees it.
     const auto withoutApostrophes = [](std::string& line) { std::replace(line.begin(), line.end(), '\'', '$'); };
     if (csvAudit::run(extent, withoutApostrophes) == Outcome::endConversion) return;
-    const columnRecognition::Route route{.lastKey = columnRecognition::notes,
-                                         .trimsHeading = false,
-                                         .saveHeading = [](int number, const std::string& heading) {
+    const columnRecognition::Route route{.isCav = true, .saveHeading = [](int number, const std::string& heading) {
                                              saveToSettings("fldCustomName" + std::to_string(number), heading);
                                          }};
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;

@@ -1,15 +1,14 @@
 #include "converters/convertCsvToRsd.h"
 
+#include "converters/animalFields.h"
 #include "converters/columnRecognition.h"
 #include "converters/csvAudit.h"
 #include "converters/csvRows.h"
 #include "fieldtext/normalisers.h"
-#include "fieldtext/textHelpers.h"
 #include "linking/linking.h"
 #include "platform/database/sqliteDatabase.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/yield.h"
-#include "platform/values/text.h"
 #include "shell/state/appSystem.h"
 #include "shell/state/paths.h"
 #include "shell/windows/frmWait.h"
@@ -22,83 +21,17 @@ namespace convertCsvToRsd {
 namespace {
 
 using columnRecognition::ColumnMap;
-using columnRecognition::customfield;
-using columnRecognition::Key;
 using csvAudit::Outcome;
-
-/// What happens to a cell on its way into a column of `tree`.
-enum class Treatment { asItStands, rma, sex, date, parentId };
-
-struct Mapping {
-    const char* column;
-    Key key;
-    Treatment treatment;
-};
-
-/// In the order in which a record is filled.
-constexpr Mapping mappings[] = {
-    {"name", columnRecognition::name, Treatment::rma},
-    {"colour", columnRecognition::colour, Treatment::rma},
-    {"breed", columnRecognition::breed, Treatment::rma},
-    {"sex", columnRecognition::sex, Treatment::sex},
-    {"DOB", columnRecognition::DOB, Treatment::date},
-    {"oldId", columnRecognition::oldId, Treatment::asItStands},
-    {"fatherId", columnRecognition::fatherId, Treatment::parentId},
-    {"motherId", columnRecognition::motherId, Treatment::parentId},
-    {"ps", columnRecognition::ps, Treatment::rma},
-    {"pd", columnRecognition::pd, Treatment::rma},
-    {"tag", columnRecognition::tag, Treatment::asItStands},
-    {"prefix", columnRecognition::prefix, Treatment::asItStands},
-    {"suffix", columnRecognition::suffix, Treatment::asItStands},
-    {"callname", columnRecognition::callname, Treatment::asItStands},
-    {"health", columnRecognition::health, Treatment::rma},
-    {"cage", columnRecognition::cage, Treatment::asItStands},
-    {"notes", columnRecognition::notes, Treatment::rma},
-    {"BoughtFrom", columnRecognition::BoughtFrom, Treatment::rma},
-    {"dateBought", columnRecognition::dateBought, Treatment::date},
-    {"purchasePrice", columnRecognition::purchasePrice, Treatment::asItStands},
-    {"customfield1", customfield(1), Treatment::rma},
-    {"customfield2", customfield(2), Treatment::rma},
-    {"customfield3", customfield(3), Treatment::rma},
-    {"customfield4", customfield(4), Treatment::rma},
-    {"customfield5", customfield(5), Treatment::rma},
-    {"customfield6", customfield(6), Treatment::rma},
-    {"customfield7", customfield(7), Treatment::rma},
-    {"customfield8", customfield(8), Treatment::rma},
-    {"customfield9", customfield(9), Treatment::rma},
-    {"customfield10", customfield(10), Treatment::rma},
-    {"customfield11", customfield(11), Treatment::rma},
-    {"customfield12", customfield(12), Treatment::rma},
-    {"customfield13", customfield(13), Treatment::rma},
-    {"customfield14", customfield(14), Treatment::rma},
-    {"customfield15", customfield(15), Treatment::rma},
-};
-
-void setColumn(DatabaseRecord& record, const Mapping& mapping, std::string_view cell) {
-    switch (mapping.treatment) {
-        case Treatment::asItStands:
-            record.setColumn(mapping.column, std::string(cell));
-            return;
-        case Treatment::rma:
-            record.setColumn(mapping.column, appSystem::rma(cell));
-            return;
-        case Treatment::sex:
-            record.setColumn(mapping.column, appSystem::convertSex(cell));
-            return;
-        case Treatment::date:
-            record.setColumn(mapping.column, appSystem::convDisplayDateToSql(cell));
-            return;
-        case Treatment::parentId:
-            // The id 1 means no parent: the column stays NULL.
-            if (!text::equals(cell, "1")) record.setColumn(mapping.column, std::string(cell));
-            return;
-    }
-}
 
 DatabaseRecord makeRecord(int row, const ColumnMap& columnMap) {
     DatabaseRecord record;
-    for (const Mapping& mapping : mappings) {
-        setColumn(record, mapping, appSystem::CSVa.cell(row, columnMap[mapping.key]));
+    for (const animalFields::Field& field : animalFields::all()) {
+        const std::string_view cell = appSystem::CSVa.cell(row, columnMap[field.key]);
+        // The column stays NULL.
+        if (animalFields::isNoParent(field.treatment, cell)) continue;
+        record.setColumn(field.column, field.treatment == animalFields::Treatment::date
+                                           ? appSystem::convDisplayDateToSql(cell)
+                                           : animalFields::normalised(field.treatment, cell));
     }
     return record;
 }

@@ -10,7 +10,7 @@
 namespace csvRows {
 
 bool isEnd(int row, const columnRecognition::ColumnMap& columnMap, const csvAudit::Extent& extent) {
-    const int nameColumn = columnMap[columnRecognition::name];
+    const int nameColumn = columnMap[animalFields::name];
     return extent.cell(row, nameColumn).empty() && extent.cell(row + 1, nameColumn).empty();
 }
 
@@ -18,7 +18,7 @@ void report(int row, const columnRecognition::ColumnMap& columnMap) {
     if (row % 20 != 0) return;
     frmWait().show();
     frmWait().ProgressBar1().setVisible(false);
-    const std::string name(appSystem::CSVa.cell(row, columnMap[columnRecognition::name]));
+    const std::string name(appSystem::CSVa.cell(row, columnMap[animalFields::name]));
     frmWait().lblMessage().setText("Found  - " + name + std::string(text::endOfLine()) + std::to_string(row) +
                                    " records");
     frmWait().refresh(true);

@@ -1,9 +1,11 @@
 // CSV to CAV: the heading row, and the custom headings that go to `cavyUser` on connections of their own.
 
+#include "converters/animalFields.h"
 #include "shell/state/appSystem.h"
 #include "stores/cavStore.h"
 #include "tests/cav/beepCounter.h"
 #include "tests/cav/cavFixture.h"
+#include "tests/support/sqlFile.h"
 
 namespace {
 
@@ -51,6 +53,41 @@ TEST_F(CsvToCavHeadings, WordsBehindNotesAreCustomHeadingsHere) {
                                                                 {"customfield6", "f"},
                                                                 {"customfield7", "g"},
                                                                 {"customfield8", "h"}}));
+}
+
+TEST_F(CsvToCavHeadings, EveryFieldArrivesOnBothRoutesButCallNamesInCav) {
+    std::string headings;
+    std::string cells;
+    std::map<std::string, std::string> arriving;
+    for (const animalFields::Field& field : animalFields::all()) {
+        if (field.key >= animalFields::customfield1) continue;
+        std::string& cell = arriving[field.column] = "cell of " + field.column;
+        if (field.key == animalFields::DOB) cell = "2010-04-03";
+        if (field.key == animalFields::dateBought) cell = "2011-05-06";
+        if (field.treatment == animalFields::Treatment::sex) cell = "male";
+        headings += field.words.front() + ",";
+        cells += cell + ",";
+    }
+    ASSERT_GE(arriving.size(), 20U);
+    const std::string source = write("herd.csv", headings + "1\n" + cells + "custom\n");
+
+    convert("Csv", "Rsd", source);
+    SqlFile result(path("herd.cax"));
+    for (const auto& [column, cell] : arriving) {
+        // The passes have overwritten the names of parents that are not in the file.
+        const bool isOverwritten = column == "ps" || column == "pd";
+        EXPECT_EQ(result.value("SELECT " + column + " FROM tree"), isOverwritten ? "" : cell);
+    }
+
+    headingRows({{"1"}});
+    convertToCav("Csv", source);
+    const Lines statements = recorder.texts(Kind::statement);
+    const auto row = std::find_if(statements.begin(), statements.end(),
+                                  [](const std::string& text) { return text.starts_with(intoTree); });
+    ASSERT_NE(row, statements.end());
+    for (const auto& [column, cell] : arriving) {
+        EXPECT_EQ(row->find("'" + cell + "'") != std::string::npos, column != "callname") << column;
+    }
 }
 
 TEST_F(CsvToCavHeadings, RowOneIsUpdatedAndElseTheRefusedInsertSavesNothing) {

@@ -15,14 +15,14 @@ my $page = content('help/converter_help.htm');
 sub rows { my $id = shift; map { [/<td>(.*?)<\/td>/sg] } $page =~ /id="$id".*?<tbody>(.*?)<\/tbody>/s ? $1 =~ /<tr>(.*?)<\/tr>/sg : () }
 sub words { join '|', shift =~ /<code>(.*?)<\/code>/g }
 
-# Fields behind the notes are marked, for the routes to Old Tolvaris do not know them.
+# Fields that the routes to Old Tolvaris don't recognise are marked.
 my @fields = rows('fields');
-my $mark = '';
-for (content('converters/headingWords.cpp') =~ /(\{\w+,\s*\{"[^}]*\})/g) {
+my @declared = content('converters/animalFields.cpp') =~ /Cav::(\w+),\s*(\{"[^}]*\})/g;
+while (my ($cav, $words) = splice @declared, 0, 2) {
+    last if $cav eq 'customOnly';
     my $row = shift @fields or last;
-    fault("Headings of $row->[0]: ", words($row->[1]), ' for ', quoted($_)) if words($row->[1]) ne quoted($_);
-    fault("Mark of $row->[0]") if ($row->[0] =~ /<sup>2</ ? 'new' : '') ne $mark;
-    $mark = 'new' if /^\{notes,/;
+    fault("Headings of $row->[0]: ", words($row->[1]), ' for ', quoted($words)) if words($row->[1]) ne quoted($words);
+    fault("Mark of $row->[0]") if ($row->[0] =~ /<sup>2</ ? 'unknown' : '') ne ($cav eq 'unknown' ? $cav : '');
 }
 for my $number (1, 15) {
     my $row = shift @fields;
