@@ -6,8 +6,8 @@
 #include "fieldtext/textHelpers.h"
 #include "platform/database/database.h"
 #include "shell/state/appSystem.h"
+#include "stores/animalNames.h"
 #include "stores/cavStore.h"
-#include "stores/rsdAccess.h"
 
 namespace cavStatements {
 namespace {
@@ -18,7 +18,8 @@ constexpr std::string_view end = "')";
 /// Puts a statement together, value by value, each with the text that follows it.
 class Statement {
   public:
-    Statement(RecordSet& records, std::string_view opening) : records_(records), sql_(opening) {}
+    Statement(RecordSet& records, stores::AnimalNames& names, std::string_view opening)
+        : records_(records), names_(names), sql_(opening) {}
 
     Statement& raw(const char* field, std::string_view after = comma) {
         return add(records_.requiredField(field).text(), after);
@@ -27,8 +28,7 @@ class Statement {
         return add(appSystem::rma(records_.requiredField(field).text()), after);
     }
     Statement& animal(const char* idField, std::string_view after = comma) {
-        const std::string id(records_.requiredField(idField).text());
-        return add(appSystem::getNameFromId(appSystem::db.get(), id), after);
+        return add(names_.of(appSystem::db.get(), records_.requiredField(idField).text()), after);
     }
     Statement& yesNo(const char* field, std::string_view after = comma) {
         return add(appSystem::getBooleanString(records_.requiredField(field).text()), after);
@@ -45,13 +45,14 @@ class Statement {
     }
 
     RecordSet& records_;
+    stores::AnimalNames& names_;
     std::string sql_;
 };
 
 }  // namespace
 
-std::string tree(RecordSet& records) {
-    Statement statement(records, cavStore::insertTreeOpening());
+std::string tree(RecordSet& records, stores::AnimalNames& names) {
+    Statement statement(records, names, cavStore::insertTreeOpening());
     statement.rma("name").raw("Colour").raw("Breed").raw("Sex").raw("DOB", "',");
     statement.nothing(",").nothing(",").nothing(",'");
     statement.rma("ps").rma("pd").raw("tag").raw("Prefix").raw("Suffix", "',");
@@ -61,8 +62,8 @@ std::string tree(RecordSet& records) {
     return statement.rma("Customfield15", end).take();
 }
 
-std::string matings(RecordSet& records) {
-    Statement statement(records,
+std::string matings(RecordSet& records, stores::AnimalNames& names) {
+    Statement statement(records, names,
                         "INSERT INTO matings (Breed, Boar, Sow, Due, Mated, Born, numBoars, NumSows, Colour, Sold, "
                         "Unsuccessful, Stillborn, numUndefined) VALUES ('");
     statement.raw("breed").animal("fatherId").animal("motherId").raw("due").raw("mated").raw("born");
@@ -70,14 +71,15 @@ std::string matings(RecordSet& records) {
     return statement.raw("stillborn").raw("numUndefined", end).take();
 }
 
-std::string soldStock(RecordSet& records) {
-    Statement statement(records, "INSERT INTO soldStock (Dam, Offspring, Colour, DateSold, SoldTo, Sire) VALUES ('");
+std::string soldStock(RecordSet& records, stores::AnimalNames& names) {
+    Statement statement(records, names,
+                        "INSERT INTO soldStock (Dam, Offspring, Colour, DateSold, SoldTo, Sire) VALUES ('");
     statement.animal("motherId").animal("nameId", "").raw("notes").raw("dateSold").raw("soldTo");
     return statement.animal("fatherId", end).take();
 }
 
-std::string vaccinations(RecordSet& records) {
-    Statement statement(records, "INSERT INTO vaccinations (dueDate,name,vaccination,done) VALUES ('");
+std::string vaccinations(RecordSet& records, stores::AnimalNames& names) {
+    Statement statement(records, names, "INSERT INTO vaccinations (dueDate,name,vaccination,done) VALUES ('");
     return statement.raw("dueDate").animal("nameId").raw("vaccination").raw("done", end).take();
 }
 

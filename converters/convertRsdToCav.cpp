@@ -12,6 +12,7 @@
 #include "shell/state/appSystem.h"
 #include "shell/windows/frmMain.h"
 #include "shell/windows/frmWait.h"
+#include "stores/animalNames.h"
 #include "stores/cavStore.h"
 #include "stores/rsdAccess.h"
 
@@ -21,7 +22,7 @@ namespace {
 /// One table on its way: what is selected, the statement of a row, and the text on frmWait.
 struct Table {
     const char* select;
-    std::string (*statement)(RecordSet& records);
+    std::string (*statement)(RecordSet& records, stores::AnimalNames& names);
     std::string (*label)(RecordSet& records, int index);
 };
 
@@ -52,8 +53,9 @@ void copy(const Table& table, OdbcConnection& connection) {
     const auto records = appSystem::GetRecordset(table.select);
     if (!records) throw NullReference("the record set");
     const auto total = static_cast<double>(records->recordCount());
+    stores::AnimalNames names(appSystem::db);
     for (int i = 0; !records->atEnd(); ++i) {
-        const std::string statement = table.statement(*records);
+        const std::string statement = table.statement(*records, names);
         if (connection.connect()) {
             connection.execute(statement);
             connection.commit();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <utility>
 
 #include "platform/desktop/yield.h"
@@ -9,7 +10,9 @@
 #include "stores/rsdAccess.h"
 
 namespace stores {
+namespace {
 
+/// Returns the number of an id of digits alone, which means the same in a comparison as in the text of a statement.
 std::optional<std::int64_t> plainNumber(std::string_view id) {
     std::int64_t number = 0;
     const auto [end, failed] = std::from_chars(id.data(), id.data() + id.size(), number);
@@ -17,6 +20,9 @@ std::optional<std::int64_t> plainNumber(std::string_view id) {
     return isNumber ? std::optional(number) : std::nullopt;
 }
 
+}  // namespace
+
+/// Returns whether the ids are as they have to be.
 bool AnimalNames::read() {
     auto rows = db_->prepare("SELECT id, name FROM tree");
     while (rows.step()) {
@@ -33,7 +39,7 @@ bool AnimalNames::read() {
 
 std::string_view AnimalNames::find(std::int64_t id) const {
     if (ids_.empty() || id < ids_.front()) return {};
-    // Most herds have few gaps, so that its own place is near where it would be without any.
+    // Without gaps between the ids the place is known; most herds have few.
     const auto first = static_cast<std::uint64_t>(ids_.front());
     const auto most = std::min<std::uint64_t>(static_cast<std::uint64_t>(id) - first, ids_.size() - 1);
     const auto guess = ids_.begin() + static_cast<std::ptrdiff_t>(most);
@@ -45,12 +51,12 @@ std::string_view AnimalNames::find(std::int64_t id) const {
 }
 
 std::string AnimalNames::of(SQLiteDatabase* db, std::string_view id) {
-    // Without one there is no statement; a third of a herd may have no father.
+    // A statement without an id is refused; a third of a herd may have no father.
     if (id.empty()) return {};
     const auto number = plainNumber(id);
     if (!number || db == nullptr || db != db_.get() || !db->isOpen()) return appSystem::getNameFromId(db, id);
     if (!std::exchange(tried_, true)) guarded([&] { known_ = read(); });
-    // Closed on the way, maybe.
+    // The connection may have been closed while the names were read.
     if (!known_ || !db->isOpen()) return appSystem::getNameFromId(db, id);
     return std::string(find(*number));
 }

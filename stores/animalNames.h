@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,19 +11,19 @@
 
 namespace stores {
 
-/// An id of digits alone, which means the same as a parameter as in the text of a statement. Most ids are.
-std::optional<std::int64_t> plainNumber(std::string_view id);
-
-/// The names of all animals by their own ids, read once for an export that needs two of them in each row: what
-/// appSystem::getNameFromId gives, without a statement for each.
+/// The names of all animals by their own ids, read once for an export that needs one or two of them in each row. Gives
+/// what appSystem::getNameFromId gives, without a statement for each.
 ///
-/// Only where every id is a whole number, greater than the one before, as where it is the row's own. Everywhere else,
-/// for an id that is not plain, and once the connection is closed, the statement itself runs.
+/// The names are used if every id of the table is a whole number and greater than the one before, as a primary key is.
+/// For any other table, for an id that has other characters than digits, and once the connection is closed, the
+/// statement is executed.
 class AnimalNames {
   public:
     explicit AnimalNames(std::shared_ptr<SQLiteDatabase> db) : db_(std::move(db)) {}
 
-    /// The first time reads all names. Yields then.
+    /// Returns the name of the animal with this id; empty if there is none, or for any failure. `db` is the connection
+    /// of now; the names are used as long as it is the one given to the constructor. The first call reads all names,
+    /// and yields.
     std::string of(SQLiteDatabase* db, std::string_view id);
 
   private:
@@ -34,9 +33,9 @@ class AnimalNames {
     std::shared_ptr<SQLiteDatabase> db_;
     bool tried_ = false;
     bool known_ = false;
-    std::string names_;              ///< one after the other
-    std::vector<std::int64_t> ids_;  ///< rising
-    std::vector<std::size_t> ends_;  ///< of each name
+    std::string names_;              ///< one after the other, in the order of ids_
+    std::vector<std::int64_t> ids_;  ///< ascending
+    std::vector<std::size_t> ends_;  ///< of each name in names_
 };
 
 }  // namespace stores

@@ -6,7 +6,6 @@
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 #include "shell/state/appSystem.h"
-#include "stores/animalNames.h"
 
 namespace appSystem {
 namespace {
@@ -105,13 +104,6 @@ std::string getNameFromId(SQLiteDatabase* db, std::string_view id) {
     std::string result;
     guarded([&] {
         if (db == nullptr) throw NullReference("the database");
-        if (const auto number = stores::plainNumber(id)) {
-            SQLiteStatement& statement = db->prepareOnce("SELECT name FROM tree WHERE id =?1");
-            statement.bind(1, *number);
-            if (statement.step()) result = statement.text(0);
-            statement.reset();
-            return;
-        }
         const auto records = db->select("SELECT name FROM tree WHERE id =" + std::string(id));
         if (!records) return;
         result = records->requiredField("name").text();

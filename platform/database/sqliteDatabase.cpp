@@ -81,7 +81,7 @@ bool SQLiteDatabase::openCopy() {
 }
 
 bool SQLiteDatabase::createDatabaseFile() {
-    forgetStatements();
+    inserts_.clear();
     connection_.reset();
     const std::string& path = DatabaseFile.nativePath();
     if (DatabaseFile.exists()) return refuse(SQLITE_CANTOPEN, "there is a file of that name already");
@@ -129,7 +129,7 @@ bool SQLiteDatabase::makeReady() {
 
 bool SQLiteDatabase::connect() {
     if (connection_ && connection_->isOpen()) return connection_->usable();
-    forgetStatements();
+    inserts_.clear();
     connection_.reset();
     if (!DatabaseFile.isRegular()) return refuse(SQLITE_CANTOPEN, sqlite3_errstr(SQLITE_CANTOPEN));
     const int flags = ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
@@ -210,27 +210,13 @@ int SQLiteDatabase::errorCode() const { return connection_ ? connection_->errorC
 std::string SQLiteDatabase::errorMessage() const { return connection_ ? connection_->errorMessage() : openMessage_; }
 
 void SQLiteDatabase::close() {
-    forgetStatements();
+    inserts_.clear();
     if (connection_) connection_->close();
 }
 
 SQLiteStatement SQLiteDatabase::prepare(std::string_view sql) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
     return {connection_, sql};
-}
-
-void SQLiteDatabase::forgetStatements() {
-    inserts_.clear();
-    kept_.reset();
-}
-
-SQLiteStatement& SQLiteDatabase::prepareOnce(std::string_view sql) {
-    if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
-    if (!kept_ || sql != keptSql_) {
-        kept_ = std::make_unique<SQLiteStatement>(connection_, sql);
-        keptSql_ = sql;
-    }
-    return *kept_;
 }
 
 SQLiteRowUpdates SQLiteDatabase::updateRows(std::string_view table, const std::vector<std::string>& columns,

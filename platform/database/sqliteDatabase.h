@@ -59,10 +59,6 @@ class SQLiteDatabase : public Database {
     /// Raises DatabaseFailure without a connection, or if the statement does not compile.
     SQLiteStatement prepare(std::string_view sql);
 
-    /// The same for a statement that runs again and again: it is prepared at its first call and kept until another one
-    /// is asked for.
-    SQLiteStatement& prepareOnce(std::string_view sql);
-
     /// Keeps everybody else from the file until the next commit, without anything written yet. False, and nothing kept,
     /// where a transaction is open already or somebody else is at the file.
     bool lock();
@@ -82,7 +78,6 @@ class SQLiteDatabase : public Database {
     int unlock(const detail::CipherGeneration* generation);
     bool makeReady();
     bool refuse(int code, std::string message);
-    void forgetStatements();
 
     std::shared_ptr<detail::SQLiteConnection> connection_;
     int openError_ = 0;
@@ -98,7 +93,4 @@ class SQLiteDatabase : public Database {
 
     /// Rows of one table have the same columns, but for the few that a row may leave out.
     std::vector<Insert> inserts_;
-
-    std::string keptSql_;
-    std::unique_ptr<SQLiteStatement> kept_;
 };
