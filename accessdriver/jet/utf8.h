@@ -84,4 +84,12 @@ std::string utf8FromUnits(const Unit* units, std::size_t count) {
     return text;
 }
 
+/// The beginning of a text for a message that quotes it, with "..." where it was cut: pyodbc fails on messages of more
+/// than 32,767 characters.
+inline std::string abbreviated(std::string_view text, std::size_t mostBytes = 60) {
+    if (text.size() <= mostBytes) return std::string(text);
+    while (mostBytes > 0 && (static_cast<unsigned char>(text[mostBytes]) & 0xC0) == 0x80) --mostBytes;
+    return std::string(text.substr(0, mostBytes)) + "...";
+}
+
 }  // namespace jet

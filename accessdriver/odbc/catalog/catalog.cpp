@@ -19,7 +19,7 @@ using jet::TableInfo;
 using jet::Value;
 using namespace catalogRows;
 
-bool isMeant(const std::string& name, const OptionalName& wanted, bool exact) {
+bool matchesName(const std::string& name, const OptionalName& wanted, bool exact) {
     if (!wanted) return true;
     if (exact) return sql::sameName(name, sql::trimmed(*wanted));
     return matchesPattern(sql::caseFolded(name), sql::caseFolded(*wanted));
@@ -71,9 +71,9 @@ std::vector<Value> columnRow(const TableInfo& table, std::size_t at) {
 
 }  // namespace
 
-sql::RowSet tablesAnswer(const jet::Database& database, const OptionalName& catalog, const OptionalName& schema,
+sql::RowSet tablesResult(const jet::Database& database, const OptionalName& catalog, const OptionalName& schema,
                          const OptionalName& table, const OptionalName& types, bool exact) {
-    sql::RowSet answer = emptyAnswer(
+    sql::RowSet answer = emptyResult(
         {{"TABLE_CAT", text}, {"TABLE_SCHEM", text}, {"TABLE_NAME", text}, {"TABLE_TYPE", text}, {"REMARKS", text}});
     const auto isEmpty = [](const OptionalName& name) { return name && name->empty(); };
     if (isEmpty(table) && (catalog == SQL_ALL_CATALOGS || schema == SQL_ALL_SCHEMAS) &&
@@ -86,13 +86,13 @@ sql::RowSet tablesAnswer(const jet::Database& database, const OptionalName& cata
     }
     if (types && !types->empty() && !listsType(*types, "TABLE")) return answer;
     for (const std::string& name : sortedTables(database)) {
-        if (isMeant(name, table, exact)) answer.add({null, null, name, str("TABLE"), null});
+        if (matchesName(name, table, exact)) answer.add({null, null, name, str("TABLE"), null});
     }
     return answer;
 }
 
-sql::RowSet columnsAnswer(jet::Database& database, const OptionalName& table, const OptionalName& column, bool exact) {
-    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+sql::RowSet columnsResult(jet::Database& database, const OptionalName& table, const OptionalName& column, bool exact) {
+    sql::RowSet answer = emptyResult({{"TABLE_CAT", text},
                                       {"TABLE_SCHEM", text},
                                       {"TABLE_NAME", text},
                                       {"COLUMN_NAME", text},
@@ -111,17 +111,17 @@ sql::RowSet columnsAnswer(jet::Database& database, const OptionalName& table, co
                                       {"ORDINAL_POSITION", number},
                                       {"IS_NULLABLE", text}});
     for (const std::string& name : sortedTables(database)) {
-        if (!isMeant(name, table, exact)) continue;
+        if (!matchesName(name, table, exact)) continue;
         const TableInfo& info = database.table(name);
         for (std::size_t at = 0; at < info.columns.size(); ++at) {
-            if (isMeant(info.columns[at].name, column, exact)) answer.add(columnRow(info, at));
+            if (matchesName(info.columns[at].name, column, exact)) answer.add(columnRow(info, at));
         }
     }
     return answer;
 }
 
-sql::RowSet primaryKeysAnswer(jet::Database& database, const std::string& table) {
-    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+sql::RowSet primaryKeysResult(jet::Database& database, const std::string& table) {
+    sql::RowSet answer = emptyResult({{"TABLE_CAT", text},
                                       {"TABLE_SCHEM", text},
                                       {"TABLE_NAME", text},
                                       {"COLUMN_NAME", text},
@@ -137,8 +137,8 @@ sql::RowSet primaryKeysAnswer(jet::Database& database, const std::string& table)
     return answer;
 }
 
-sql::RowSet statisticsAnswer(jet::Database& database, const std::string& table, bool uniqueOnly) {
-    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+sql::RowSet statisticsResult(jet::Database& database, const std::string& table, bool uniqueOnly) {
+    sql::RowSet answer = emptyResult({{"TABLE_CAT", text},
                                       {"TABLE_SCHEM", text},
                                       {"TABLE_NAME", text},
                                       {"NON_UNIQUE", small},
@@ -172,8 +172,8 @@ sql::RowSet statisticsAnswer(jet::Database& database, const std::string& table, 
     return answer;
 }
 
-sql::RowSet specialColumnsAnswer(jet::Database& database, SQLUSMALLINT kind, const std::string& table) {
-    sql::RowSet answer = emptyAnswer({{"SCOPE", small},
+sql::RowSet specialColumnsResult(jet::Database& database, SQLUSMALLINT kind, const std::string& table) {
+    sql::RowSet answer = emptyResult({{"SCOPE", small},
                                       {"COLUMN_NAME", text},
                                       {"DATA_TYPE", small},
                                       {"TYPE_NAME", text},
@@ -194,8 +194,8 @@ sql::RowSet specialColumnsAnswer(jet::Database& database, SQLUSMALLINT kind, con
     return answer;
 }
 
-sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalName& table, bool exact) {
-    sql::RowSet answer = emptyAnswer({{"TABLE_CAT", text},
+sql::RowSet tablePrivilegesResult(const jet::Database& database, const OptionalName& table, bool exact) {
+    sql::RowSet answer = emptyResult({{"TABLE_CAT", text},
                                       {"TABLE_SCHEM", text},
                                       {"TABLE_NAME", text},
                                       {"GRANTOR", text},
@@ -203,7 +203,7 @@ sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalN
                                       {"PRIVILEGE", text},
                                       {"IS_GRANTABLE", text}});
     for (const std::string& name : sortedTables(database)) {
-        if (!isMeant(name, table, exact)) continue;
+        if (!matchesName(name, table, exact)) continue;
         for (const char* privilege : {"DELETE", "INSERT", "SELECT", "UPDATE"}) {
             answer.add({null, null, name, null, str("admin"), str(privilege), str("NO")});
         }
@@ -211,8 +211,8 @@ sql::RowSet tablePrivilegesAnswer(const jet::Database& database, const OptionalN
     return answer;
 }
 
-sql::RowSet proceduresAnswer() {
-    return emptyAnswer({{"PROCEDURE_CAT", text},
+sql::RowSet proceduresResult() {
+    return emptyResult({{"PROCEDURE_CAT", text},
                         {"PROCEDURE_SCHEM", text},
                         {"PROCEDURE_NAME", text},
                         {"NUM_INPUT_PARAMS", number},
@@ -222,8 +222,8 @@ sql::RowSet proceduresAnswer() {
                         {"PROCEDURE_TYPE", small}});
 }
 
-sql::RowSet procedureColumnsAnswer() {
-    return emptyAnswer({{"PROCEDURE_CAT", text},
+sql::RowSet procedureColumnsResult() {
+    return emptyResult({{"PROCEDURE_CAT", text},
                         {"PROCEDURE_SCHEM", text},
                         {"PROCEDURE_NAME", text},
                         {"COLUMN_NAME", text},
@@ -244,8 +244,8 @@ sql::RowSet procedureColumnsAnswer() {
                         {"IS_NULLABLE", text}});
 }
 
-sql::RowSet columnPrivilegesAnswer() {
-    return emptyAnswer({{"TABLE_CAT", text},
+sql::RowSet columnPrivilegesResult() {
+    return emptyResult({{"TABLE_CAT", text},
                         {"TABLE_SCHEM", text},
                         {"TABLE_NAME", text},
                         {"COLUMN_NAME", text},
@@ -255,8 +255,8 @@ sql::RowSet columnPrivilegesAnswer() {
                         {"IS_GRANTABLE", text}});
 }
 
-sql::RowSet typeInfoAnswer(SQLSMALLINT sqlType) {
-    sql::RowSet answer = emptyAnswer({{"TYPE_NAME", text},
+sql::RowSet typeInfoResult(SQLSMALLINT sqlType) {
+    sql::RowSet answer = emptyResult({{"TYPE_NAME", text},
                                       {"DATA_TYPE", small},
                                       {"COLUMN_SIZE", number},
                                       {"LITERAL_PREFIX", text},

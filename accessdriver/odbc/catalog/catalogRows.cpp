@@ -23,9 +23,9 @@ bool takeOne(std::string_view& name, std::string_view& pattern) {
 
 }  // namespace
 
-sql::RowSet emptyAnswer(std::initializer_list<AnswerColumn> columns) {
+sql::RowSet emptyResult(std::initializer_list<CatalogColumn> columns) {
     std::vector<sql::ResultColumn> out;
-    for (const AnswerColumn& column : columns) {
+    for (const CatalogColumn& column : columns) {
         out.push_back({column.name, column.type, column.type == text ? 255 : 0});
     }
     return sql::RowSet(std::move(out));

@@ -9,19 +9,19 @@
 #include "accessdriver/jet/database.h"
 #include "accessdriver/sql/run/rowSet.h"
 
-/// What the answers of the catalog functions are made of.
+/// Columns, values and look-ups that the results of the catalog functions share.
 namespace odbc::catalogRows {
 
 inline constexpr jet::ColumnType text = jet::ColumnType::text;
 inline constexpr jet::ColumnType small = jet::ColumnType::integer;
 inline constexpr jet::ColumnType number = jet::ColumnType::longInteger;
 
-struct AnswerColumn {
+struct CatalogColumn {
     const char* name;
     jet::ColumnType type;
 };
 
-sql::RowSet emptyAnswer(std::initializer_list<AnswerColumn> columns);
+sql::RowSet emptyResult(std::initializer_list<CatalogColumn> columns);
 
 inline const jet::Value null;
 inline jet::Value num(SQLINTEGER value) { return std::int32_t{value}; }

@@ -38,7 +38,7 @@ jet::Value primaryKeyName(jet::Database& database, const Relationship& relations
     return same ? jet::Value(key->name) : null;
 }
 
-// One row of the answer: a pair of columns, and its place in the key, from 0.
+// One row of the result: a pair of columns, and its position in the key, from 0.
 struct Entry {
     const Relationship* relationship;
     std::size_t place;
@@ -46,7 +46,7 @@ struct Entry {
 
 }  // namespace
 
-sql::RowSet foreignKeysAnswer(jet::Database& database, const std::string& table, const std::string& foreignTable) {
+sql::RowSet foreignKeysResult(jet::Database& database, const std::string& table, const std::string& foreignTable) {
     if (table.empty() && foreignTable.empty()) throw sql::Error("HY009", "Neither of the two tables is named.");
     const std::vector<Relationship> all = database.relationships();
     std::vector<Entry> entries;
@@ -63,7 +63,7 @@ sql::RowSet foreignKeysAnswer(jet::Database& database, const std::string& table,
         const int order = other(a).compare(other(b));
         return order != 0 ? order < 0 : a.place < b.place;
     });
-    sql::RowSet answer = emptyAnswer({{"PKTABLE_CAT", text},
+    sql::RowSet answer = emptyResult({{"PKTABLE_CAT", text},
                                       {"PKTABLE_SCHEM", text},
                                       {"PKTABLE_NAME", text},
                                       {"PKCOLUMN_NAME", text},

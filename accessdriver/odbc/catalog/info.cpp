@@ -250,7 +250,7 @@ const auto* find(const Table& table, SQLUSMALLINT type) {
 
 }  // namespace
 
-Info infoOf(const Connection& connection, SQLUSMALLINT type) {
+Info infoValue(const ConnectionHandle& connection, SQLUSMALLINT type) {
     if (type == SQL_DATA_SOURCE_NAME) return connection.source();
     if (type == SQL_DATABASE_NAME) return connection.path();
     if (type == SQL_DATA_SOURCE_READ_ONLY) {

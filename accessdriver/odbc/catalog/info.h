@@ -9,11 +9,11 @@
 
 namespace odbc {
 
-/// An answer of SQLGetInfo: a text, or a number of 16 or 32 bits.
+/// A value that SQLGetInfo returns: a text, or a number of 16 or 32 bits.
 using Info = std::variant<std::string, SQLUSMALLINT, SQLUINTEGER>;
 
 /// Throws sql::Error(HY096) for a type of information that the driver does not know.
-Info infoOf(const Connection& connection, SQLUSMALLINT type);
+Info infoValue(const ConnectionHandle& connection, SQLUSMALLINT type);
 
 /// The numbers (SQL_API_...) of the functions that the driver has.
 std::span<const SQLUSMALLINT> offeredFunctions();

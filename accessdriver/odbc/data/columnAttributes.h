@@ -10,7 +10,7 @@
 
 namespace odbc {
 
-/// What SQLColAttribute tells of a result column: a text, or a number.
+/// An attribute of a result column that SQLColAttribute returns: a text, or a number.
 using ColumnAttribute = std::variant<std::string, SQLLEN>;
 
 /// Throws sql::Error(HY091) for a field that there is not.

@@ -5,7 +5,7 @@
 #include <new>
 
 #include "accessdriver/jet/error.h"
-#include "accessdriver/odbc/data/text.h"
+#include "accessdriver/jet/utf8.h"
 #include "accessdriver/sql/values/error.h"
 
 namespace odbc {
@@ -34,10 +34,10 @@ constexpr std::array<FaultCode, 19> faultCodes = {{
     {Fault::ruleBroken, "23000", -1109},
 }};
 
-constexpr SQLINTEGER refusedStatement = -1200;  // any refusal of the SQL room, told apart by its SQLSTATE
+constexpr SQLINTEGER refusedStatement = -1200;  // any refused statement; its SQLSTATE says why
 constexpr SQLINTEGER internalFault = -1900;
 
-// Bytes. A message may name tables and files of any length, and applications have no room for texts of any length.
+// In bytes. A message may name tables and files of any length, but applications have buffers of about 1,000 bytes.
 constexpr std::size_t longestMessage = 900;
 
 constexpr const char* prefix = "[Tolvaris][Access Driver] ";
@@ -47,7 +47,7 @@ constexpr const char* prefix = "[Tolvaris][Access Driver] ";
 void Diagnostics::add(const char* state, SQLINTEGER native, const std::string& message) {
     // Errors come before warnings, and native codes are for errors.
     const auto place = native == 0 ? records_.end() : records_.begin();
-    records_.insert(place, {state, native, prefix + abbreviated(message, longestMessage)});
+    records_.insert(place, {state, native, prefix + jet::abbreviated(message, longestMessage)});
 }
 
 void Diagnostics::refuse(const char* state, const std::string& message) { add(state, refusedStatement, message); }

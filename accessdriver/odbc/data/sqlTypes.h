@@ -15,7 +15,7 @@ struct SqlType {
     const char* name;         ///< as Access calls it
     SQLSMALLINT sqlType;      ///< concise type
     SQLSMALLINT verboseType;  ///< SQL_DATETIME for dates, else as sqlType
-    SQLSMALLINT cType;        ///< what SQL_C_DEFAULT stands for
+    SQLSMALLINT cType;        ///< what SQL_C_DEFAULT means
     SQLINTEGER size;          ///< column size as the ODBC reference counts it; the most for text
     SQLINTEGER displaySize;   ///< characters
     SQLINTEGER octets;        ///< transfer octet length
@@ -32,7 +32,7 @@ std::span<const SqlType> sqlTypes();
 
 const SqlType& sqlTypeOf(jet::ColumnType type);
 
-/// How much room a column's values take: text, binary and Decimal columns have sizes of their own.
+/// The sizes of a column's values: text, binary and Decimal columns have sizes of their own.
 struct Extent {
     SQLINTEGER size = 0;
     SQLINTEGER displaySize = 0;

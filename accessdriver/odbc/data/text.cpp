@@ -72,15 +72,6 @@ std::string utf8From(const SQLWCHAR* text, SQLLEN length) {
     return jet::utf8FromUnits(text, unitsOf(text, length));
 }
 
-std::string abbreviated(std::string_view utf8, std::size_t mostBytes) {
-    if (utf8.size() <= mostBytes) return std::string(utf8);
-    const auto continuesCharacter = [&](std::size_t at) {
-        return (static_cast<unsigned char>(utf8[at]) & 0xC0) == 0x80;
-    };
-    while (mostBytes > 0 && continuesCharacter(mostBytes)) --mostBytes;
-    return std::string(utf8.substr(0, mostBytes)) + "...";
-}
-
 std::string encoded(std::string_view utf8, Width width) {
     if (width == Width::narrow) return std::string(utf8);
     std::string out;
@@ -98,7 +89,8 @@ std::string encoded(std::string_view utf8, Width width) {
     return out;
 }
 
-Copied copyOut(std::string_view bytes, std::size_t unitBytes, std::size_t zeroBytes, void* buffer, SQLLEN capacity) {
+Copied copyBytesOut(std::string_view bytes, std::size_t unitBytes, std::size_t zeroBytes, void* buffer,
+                    SQLLEN capacity) {
     const auto room = static_cast<std::size_t>(std::max<SQLLEN>(capacity, 0));
     if (buffer == nullptr || room < zeroBytes) return {0, !bytes.empty() || buffer != nullptr};
     const std::size_t fitting = std::min(bytes.size(), (room - zeroBytes) / unitBytes * unitBytes);

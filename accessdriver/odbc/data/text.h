@@ -31,21 +31,18 @@ std::optional<std::string> optionalUtf8From(const Char* text, SQLLEN length) {
     return utf8From(text, length);
 }
 
-/// The beginning of a UTF-8 text for a message that quotes it, with "..." where it was cut: pyodbc fails on messages of
-/// more than 32,767 characters.
-std::string abbreviated(std::string_view utf8, std::size_t mostBytes = 60);
-
 /// UTF-8 text as the bytes that a caller of that width gets, without an ending zero.
 std::string encoded(std::string_view utf8, Width width);
 
-/// What copyOut did.
+/// The outcome of copyBytesOut.
 struct Copied {
-    std::size_t bytes = 0;   ///< so many of the given bytes are in the buffer
+    std::size_t bytes = 0;   ///< how many of the given bytes are in the buffer
     bool truncated = false;  ///< there were more
 };
 
 /// The one way in which text and bytes get into a caller's buffer: as many whole units of unitBytes as fit beside
 /// an ending zero of zeroBytes, and the zero. Nothing is written to a null buffer or one too small for the zero.
-Copied copyOut(std::string_view bytes, std::size_t unitBytes, std::size_t zeroBytes, void* buffer, SQLLEN capacity);
+Copied copyBytesOut(std::string_view bytes, std::size_t unitBytes, std::size_t zeroBytes, void* buffer,
+                    SQLLEN capacity);
 
 }  // namespace odbc

@@ -8,6 +8,7 @@
 #include <limits>
 #include <utility>
 
+#include "accessdriver/jet/utf8.h"
 #include "accessdriver/odbc/data/sqlTypes.h"
 #include "accessdriver/odbc/data/text.h"
 #include "accessdriver/odbc/data/variable.h"
@@ -30,7 +31,7 @@ using jet::Value;
 constexpr const char* truncatedText = "The text was cut to the size of the buffer.";
 
 // A value on its way into a plain variable.
-struct Job {
+struct Conversion {
     const Value& value;
     const sql::ResultColumn& column;
     const Target& target;
@@ -71,7 +72,7 @@ Number numberFrom(std::int64_t whole) { return {static_cast<double>(whole), whol
 // Of a Decimal too; whole numbers have more digits there than a double keeps.
 Number numberFromText(const std::string& text) {
     const auto real = sql::readNumber(text);
-    if (!real) throw sql::Error("22018", "The text '" + abbreviated(text) + "' is no number.");
+    if (!real) throw sql::Error("22018", "The text '" + jet::abbreviated(text) + "' is no number.");
     Number out = numberFrom(*real);
     std::string_view digits = sql::trimmed(text);
     if (digits.starts_with('+')) digits.remove_prefix(1);
@@ -102,23 +103,23 @@ Number numberFrom(const Value& value) {
 }
 
 template <class T>
-void putWhole(const Job& job) {
+void putWhole(const Conversion& job) {
     const Number number = numberFrom(job.value);
     if (!number.fits || !std::in_range<T>(number.whole)) refuseRange();
     if (number.hasFraction) job.warnOfLoss("The fraction of a number was cut off.");
     job.put(static_cast<T>(number.whole));
 }
 
-void putBit(const Job& job) {
+void putBit(const Conversion& job) {
     const Number number = numberFrom(job.value);
     if (number.real < 0 || number.real >= 2) refuseRange();
     if (number.hasFraction) job.warnOfLoss("The fraction of a number was cut off.");
     job.put(static_cast<SQLCHAR>(number.whole));
 }
 
-void putDouble(const Job& job) { job.put(numberFrom(job.value).real); }
+void putDouble(const Conversion& job) { job.put(numberFrom(job.value).real); }
 
-void putFloat(const Job& job) {
+void putFloat(const Conversion& job) {
     const double real = numberFrom(job.value).real;
     if (std::abs(real) > std::numeric_limits<float>::max()) refuseRange();
     job.put(static_cast<SQLREAL>(real));
@@ -129,24 +130,24 @@ sql::Moment momentFrom(const Value& value) {
     const auto* text = std::get_if<std::string>(&value);
     if (text == nullptr) refuseConversion();
     const auto date = sql::readDate(*text, sql::localeDateOrder());
-    if (!date) throw sql::Error("22007", "The text '" + abbreviated(*text) + "' is no date.");
+    if (!date) throw sql::Error("22007", "The text '" + jet::abbreviated(*text) + "' is no date.");
     return sql::toMoment(*date);
 }
 
-void putDate(const Job& job) {
+void putDate(const Conversion& job) {
     const sql::Moment m = momentFrom(job.value);
     if (m.hour != 0 || m.minute != 0 || m.second != 0) job.warnOfLoss("The time of a date was cut off.");
     job.put(SQL_DATE_STRUCT{static_cast<SQLSMALLINT>(m.year), static_cast<SQLUSMALLINT>(m.month),
                             static_cast<SQLUSMALLINT>(m.day)});
 }
 
-void putTime(const Job& job) {
+void putTime(const Conversion& job) {
     const sql::Moment m = momentFrom(job.value);
     job.put(SQL_TIME_STRUCT{static_cast<SQLUSMALLINT>(m.hour), static_cast<SQLUSMALLINT>(m.minute),
                             static_cast<SQLUSMALLINT>(m.second)});
 }
 
-void putTimestamp(const Job& job) {
+void putTimestamp(const Conversion& job) {
     const sql::Moment m = momentFrom(job.value);
     job.put(SQL_TIMESTAMP_STRUCT{static_cast<SQLSMALLINT>(m.year), static_cast<SQLUSMALLINT>(m.month),
                                  static_cast<SQLUSMALLINT>(m.day), static_cast<SQLUSMALLINT>(m.hour),
@@ -154,17 +155,18 @@ void putTimestamp(const Job& job) {
 }
 
 // The digits of a number as text, exactly.
-std::string digitsFrom(const Job& job) {
+std::string digitsFrom(const Conversion& job) {
     if (const auto* text = std::get_if<std::string>(&job.value)) return *text;
     numberFrom(job.value);  // refuses what is none
     return sql::textOf(job.value, job.column.type);
 }
 
-void putNumeric(const Job& job) {
+void putNumeric(const Conversion& job) {
     const int own =
         job.column.type == jet::ColumnType::numeric ? job.column.scale : sqlTypeOf(job.column.type).decimals;
     const std::string digits = digitsFrom(job);
-    if (!sql::readNumber(digits)) throw sql::Error("22018", "The text '" + abbreviated(digits) + "' is no number.");
+    if (!sql::readNumber(digits))
+        throw sql::Error("22018", "The text '" + jet::abbreviated(digits) + "' is no number.");
     constexpr int mostDecimals = 15;  // of a floating-point number or a text
     const auto exact = sql::readDecimal(digits, own < 0 ? mostDecimals : own);
     const auto decimal = job.target.scale ? sql::readDecimal(digits, *job.target.scale) : exact;
@@ -179,7 +181,7 @@ void putNumeric(const Job& job) {
     job.put(out);
 }
 
-void putGuid(const Job& job) {
+void putGuid(const Conversion& job) {
     jet::Value value = job.value;
     if (const auto* text = std::get_if<std::string>(&value)) {
         const jet::ColumnInfo guid{.name = job.column.name, .type = jet::ColumnType::guid};
@@ -192,12 +194,12 @@ void putGuid(const Job& job) {
     job.put(out);
 }
 
-struct Putter {
+struct Writer {
     SQLSMALLINT cType;
-    void (*put)(const Job&);
+    void (*put)(const Conversion&);
 };
 
-constexpr std::array<Putter, 22> putters = {{
+constexpr std::array<Writer, 22> writers = {{
     {SQL_C_BIT, putBit},
     {SQL_C_TINYINT, putWhole<SQLSCHAR>},
     {SQL_C_STINYINT, putWhole<SQLSCHAR>},
@@ -222,9 +224,9 @@ constexpr std::array<Putter, 22> putters = {{
     {SQL_C_TYPE_TIMESTAMP, putTimestamp},
 }};
 
-const Putter* putterOf(SQLSMALLINT cType) {
-    const auto* const found = std::find_if(putters.begin(), putters.end(), [&](auto& p) { return p.cType == cType; });
-    return found == putters.end() ? nullptr : found;
+const Writer* writerOf(SQLSMALLINT cType) {
+    const auto* const found = std::find_if(writers.begin(), writers.end(), [&](auto& p) { return p.cType == cType; });
+    return found == writers.end() ? nullptr : found;
 }
 
 bool isPiecewise(SQLSMALLINT cType) { return cType == SQL_C_CHAR || cType == SQL_C_WCHAR || cType == SQL_C_BINARY; }
@@ -238,8 +240,8 @@ std::string bytesFor(SQLSMALLINT cType, const Value& value, jet::ColumnType type
     refuseConversion();
 }
 
-// How many characters of a number, date or yes/no must fit for it to be worth anything: what stands before the
-// decimals. Texts and bytes may be cut anywhere.
+// How many characters of a number, date or yes/no have to fit in the buffer: those before the decimals. Texts and bytes
+// may be cut anywhere.
 std::size_t leastCharacters(const Value& value, jet::ColumnType type) {
     const auto kind = sql::kindOf(type);
     if (kind != sql::ValueKind::number && kind != sql::ValueKind::date) return 0;
@@ -248,7 +250,7 @@ std::size_t leastCharacters(const Value& value, jet::ColumnType type) {
     return hasDecimals ? std::min(text.find('.'), text.size()) : text.size();
 }
 
-SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Progress& progress) {
+SQLRETURN putPiece(SQLSMALLINT cType, const Conversion& job, jet::ColumnType type, Progress& progress) {
     if (!progress.bytes) progress.bytes = bytesFor(cType, job.value, type);
     const std::string_view rest = std::string_view(*progress.bytes).substr(progress.given);
     job.putLength(rest.size());
@@ -262,7 +264,7 @@ SQLRETURN putPiece(SQLSMALLINT cType, const Job& job, jet::ColumnType type, Prog
         const std::size_t least = leastCharacters(job.value, type);
         if (least > 0 && room <= least) refuseRange();
     }
-    const Copied copied = copyOut(rest, unit, zero, job.target.buffer, job.target.capacity);
+    const Copied copied = copyBytesOut(rest, unit, zero, job.target.buffer, job.target.capacity);
     progress.given += copied.bytes;
     progress.finished = !copied.truncated;
     if (copied.truncated) job.diagnostics.warn("01004", truncatedText);
@@ -276,7 +278,7 @@ SQLSMALLINT resolvedType(SQLSMALLINT cType, const sql::ResultColumn& column) {
 }
 
 bool isTargetType(SQLSMALLINT cType) {
-    return cType == SQL_C_DEFAULT || isPiecewise(cType) || putterOf(cType) != nullptr;
+    return cType == SQL_C_DEFAULT || isPiecewise(cType) || writerOf(cType) != nullptr;
 }
 
 SQLRETURN transfer(const Value& value, const sql::ResultColumn& column, const Target& target, Progress& progress,
@@ -290,11 +292,11 @@ SQLRETURN transfer(const Value& value, const sql::ResultColumn& column, const Ta
         return SQL_SUCCESS;
     }
     const SQLSMALLINT cType = resolvedType(target.cType, column);
-    const Job job{value, column, target, diagnostics};
+    const Conversion job{value, column, target, diagnostics};
     if (isPiecewise(cType)) return putPiece(cType, job, column.type, progress);
-    const Putter* const putter = putterOf(cType);
-    if (putter == nullptr) throw sql::Error("HY003", "The driver does not offer this C type.");
-    putter->put(job);
+    const Writer* const writer = writerOf(cType);
+    if (writer == nullptr) throw sql::Error("HY003", "The driver does not offer this C type.");
+    writer->put(job);
     progress.finished = true;
     return SQL_SUCCESS;
 }

@@ -21,7 +21,7 @@ struct Target {
     std::optional<int> scale = std::nullopt;  ///< of an SQL_C_NUMERIC; the column's own if not given
 };
 
-/// How far a value has been handed out, for SQLGetData, which gives long values in pieces.
+/// How much of a value SQLGetData has returned so far; it returns long values in pieces.
 struct Progress {
     std::optional<std::string> bytes;  ///< the value as the caller gets it, once begun
     std::size_t given = 0;             ///< bytes handed out

@@ -13,33 +13,33 @@ SQLULEN numberFrom(SQLPOINTER value) { return reinterpret_cast<SQLULEN>(value); 
 // Attributes of a connection are 32-bit numbers, but for two that are pointers or texts.
 template <class Char>
 SQLRETURN getConnectAttr(SQLHDBC raw, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER capacity, SQLINTEGER* length) {
-    return withHandle<Connection>(raw, [&](Connection& connection) {
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle& connection) {
         if (attribute == SQL_ATTR_CURRENT_CATALOG) {
-            giveText(&connection.diagnostics, connection.path(), static_cast<Char*>(value), capacity, length,
-                     Unit::bytes);
+            copyTextOut(&connection.diagnostics, connection.path(), static_cast<Char*>(value), capacity, length,
+                        Unit::bytes);
         } else if (attribute == SQL_ATTR_QUIET_MODE) {
-            giveValue(connection.attribute(attribute), value, length);
+            copyValueOut(connection.attribute(attribute), value, length);
         } else {
-            giveValue(static_cast<SQLUINTEGER>(connection.attribute(attribute)), value, length);
+            copyValueOut(static_cast<SQLUINTEGER>(connection.attribute(attribute)), value, length);
         }
     });
 }
 
 SQLRETURN setConnectAttr(SQLHDBC raw, SQLINTEGER attribute, SQLPOINTER value) {
-    return withHandle<Connection>(raw, [&](Connection& connection) {
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle& connection) {
         if (attribute == SQL_ATTR_CURRENT_CATALOG) throw sql::Error("HYC00", "A connection stays with its file.");
         connection.setAttribute(attribute, numberFrom(value));
     });
 }
 
 SQLRETURN getStmtAttr(SQLHSTMT raw, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER* length) {
-    return withHandle<Statement>(
-        raw, [&](Statement& statement) { giveValue(statement.attribute(attribute), value, length); });
+    return withHandle<StatementHandle>(
+        raw, [&](StatementHandle& statement) { copyValueOut(statement.attribute(attribute), value, length); });
 }
 
 SQLRETURN setStmtAttr(SQLHSTMT raw, SQLINTEGER attribute, SQLPOINTER value) {
-    return withHandle<Statement>(raw,
-                                 [&](Statement& statement) { statement.setAttribute(attribute, numberFrom(value)); });
+    return withHandle<StatementHandle>(
+        raw, [&](StatementHandle& statement) { statement.setAttribute(attribute, numberFrom(value)); });
 }
 
 }  // namespace
@@ -47,14 +47,14 @@ SQLRETURN setStmtAttr(SQLHSTMT raw, SQLINTEGER attribute, SQLPOINTER value) {
 extern "C" {
 
 SQLRETURN SQL_API SQLGetEnvAttr(SQLHENV raw, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER, SQLINTEGER* length) {
-    return withHandle<Environment>(raw, [&](Environment& environment) {
-        giveValue(static_cast<SQLINTEGER>(environment.attributes.get(attribute)), value, length);
+    return withHandle<EnvironmentHandle>(raw, [&](EnvironmentHandle& environment) {
+        copyValueOut(static_cast<SQLINTEGER>(environment.attributes.get(attribute)), value, length);
     });
 }
 
 SQLRETURN SQL_API SQLSetEnvAttr(SQLHENV raw, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER) {
-    return withHandle<Environment>(
-        raw, [&](Environment& environment) { environment.attributes.set(attribute, numberFrom(value)); });
+    return withHandle<EnvironmentHandle>(
+        raw, [&](EnvironmentHandle& environment) { environment.attributes.set(attribute, numberFrom(value)); });
 }
 
 SQLRETURN SQL_API SQLGetConnectAttr(SQLHDBC raw, SQLINTEGER attribute, SQLPOINTER value, SQLINTEGER capacity,

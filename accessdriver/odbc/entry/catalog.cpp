@@ -9,13 +9,14 @@ using namespace odbc;
 
 namespace {
 
-// Runs a catalog function: answerOf gets the database and whether names are identifiers instead of patterns.
+// Runs a catalog function: `catalogResult` returns its rows for the database; the second argument says whether names
+// are identifiers instead of patterns.
 template <class AnswerOf>
-SQLRETURN answerWith(SQLHSTMT raw, const AnswerOf& answerOf) {
-    return withHandle<Statement>(raw, [&](Statement& statement) {
+SQLRETURN runCatalogFunction(SQLHSTMT raw, const AnswerOf& catalogResult) {
+    return withHandle<StatementHandle>(raw, [&](StatementHandle& statement) {
         const bool exact = statement.attribute(SQL_ATTR_METADATA_ID) == SQL_TRUE ||
                            statement.connection().attribute(SQL_ATTR_METADATA_ID) == SQL_TRUE;
-        statement.answer(answerOf(statement.connection().session().database(), exact));
+        statement.setResult(catalogResult(statement.connection().session().database(), exact));
     });
 }
 
@@ -23,8 +24,8 @@ template <class Char>
 SQLRETURN tables(SQLHSTMT raw, const Char* catalog, SQLSMALLINT catalogLength, const Char* schema,
                  SQLSMALLINT schemaLength, const Char* table, SQLSMALLINT tableLength, const Char* types,
                  SQLSMALLINT typesLength) {
-    return answerWith(raw, [&](jet::Database& database, bool exact) {
-        return tablesAnswer(database, optionalUtf8From(catalog, catalogLength), optionalUtf8From(schema, schemaLength),
+    return runCatalogFunction(raw, [&](jet::Database& database, bool exact) {
+        return tablesResult(database, optionalUtf8From(catalog, catalogLength), optionalUtf8From(schema, schemaLength),
                             optionalUtf8From(table, tableLength), optionalUtf8From(types, typesLength), exact);
     });
 }
@@ -32,54 +33,55 @@ SQLRETURN tables(SQLHSTMT raw, const Char* catalog, SQLSMALLINT catalogLength, c
 template <class Char>
 SQLRETURN columns(SQLHSTMT raw, const Char* table, SQLSMALLINT tableLength, const Char* column,
                   SQLSMALLINT columnLength) {
-    return answerWith(raw, [&](jet::Database& database, bool exact) {
-        return columnsAnswer(database, optionalUtf8From(table, tableLength), optionalUtf8From(column, columnLength),
+    return runCatalogFunction(raw, [&](jet::Database& database, bool exact) {
+        return columnsResult(database, optionalUtf8From(table, tableLength), optionalUtf8From(column, columnLength),
                              exact);
     });
 }
 
 template <class Char>
 SQLRETURN primaryKeys(SQLHSTMT raw, const Char* table, SQLSMALLINT length) {
-    return answerWith(
-        raw, [&](jet::Database& database, bool) { return primaryKeysAnswer(database, utf8From(table, length)); });
+    return runCatalogFunction(
+        raw, [&](jet::Database& database, bool) { return primaryKeysResult(database, utf8From(table, length)); });
 }
 
 template <class Char>
 SQLRETURN statistics(SQLHSTMT raw, const Char* table, SQLSMALLINT length, SQLUSMALLINT unique) {
-    return answerWith(raw, [&](jet::Database& database, bool) {
-        return statisticsAnswer(database, utf8From(table, length), unique == SQL_INDEX_UNIQUE);
+    return runCatalogFunction(raw, [&](jet::Database& database, bool) {
+        return statisticsResult(database, utf8From(table, length), unique == SQL_INDEX_UNIQUE);
     });
 }
 
 template <class Char>
 SQLRETURN specialColumns(SQLHSTMT raw, SQLUSMALLINT kind, const Char* table, SQLSMALLINT length) {
-    return answerWith(raw, [&](jet::Database& database, bool) {
-        return specialColumnsAnswer(database, kind, utf8From(table, length));
+    return runCatalogFunction(raw, [&](jet::Database& database, bool) {
+        return specialColumnsResult(database, kind, utf8From(table, length));
     });
 }
 
 template <class Char>
 SQLRETURN foreignKeys(SQLHSTMT raw, const Char* table, SQLSMALLINT length, const Char* foreignTable,
                       SQLSMALLINT foreignLength) {
-    return answerWith(raw, [&](jet::Database& database, bool) {
-        return foreignKeysAnswer(database, utf8From(table, length), utf8From(foreignTable, foreignLength));
+    return runCatalogFunction(raw, [&](jet::Database& database, bool) {
+        return foreignKeysResult(database, utf8From(table, length), utf8From(foreignTable, foreignLength));
     });
 }
 
 template <class Char>
 SQLRETURN tablePrivileges(SQLHSTMT raw, const Char* table, SQLSMALLINT length) {
-    return answerWith(raw, [&](jet::Database& database, bool exact) {
-        return tablePrivilegesAnswer(database, optionalUtf8From(table, length), exact);
+    return runCatalogFunction(raw, [&](jet::Database& database, bool exact) {
+        return tablePrivilegesResult(database, optionalUtf8From(table, length), exact);
     });
 }
 
-// The same answer whatever is asked for.
-SQLRETURN giveEmpty(SQLHSTMT raw, sql::RowSet (*answer)()) {
-    return answerWith(raw, [&](jet::Database&, bool) { return answer(); });
+// The same empty result for all arguments.
+SQLRETURN returnEmptyResult(SQLHSTMT raw, sql::RowSet (*answer)()) {
+    return runCatalogFunction(raw, [&](jet::Database&, bool) { return answer(); });
 }
 
 SQLRETURN typeInfo(SQLHSTMT raw, SQLSMALLINT type) {
-    return withHandle<Statement>(raw, [&](Statement& statement) { statement.answer(typeInfoAnswer(type)); });
+    return withHandle<StatementHandle>(raw,
+                                       [&](StatementHandle& statement) { statement.setResult(typeInfoResult(type)); });
 }
 
 }  // namespace
@@ -155,31 +157,31 @@ SQLRETURN SQL_API SQLForeignKeysW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR
 }
 
 SQLRETURN SQL_API SQLProcedures(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, proceduresAnswer);
+    return returnEmptyResult(raw, proceduresResult);
 }
 
 SQLRETURN SQL_API SQLProceduresW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, proceduresAnswer);
+    return returnEmptyResult(raw, proceduresResult);
 }
 
 SQLRETURN SQL_API SQLProcedureColumns(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
                                       SQLCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, procedureColumnsAnswer);
+    return returnEmptyResult(raw, procedureColumnsResult);
 }
 
 SQLRETURN SQL_API SQLProcedureColumnsW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*,
                                        SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, procedureColumnsAnswer);
+    return returnEmptyResult(raw, procedureColumnsResult);
 }
 
 SQLRETURN SQL_API SQLColumnPrivileges(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT,
                                       SQLCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, columnPrivilegesAnswer);
+    return returnEmptyResult(raw, columnPrivilegesResult);
 }
 
 SQLRETURN SQL_API SQLColumnPrivilegesW(SQLHSTMT raw, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*, SQLSMALLINT, SQLWCHAR*,
                                        SQLSMALLINT, SQLWCHAR*, SQLSMALLINT) {
-    return giveEmpty(raw, columnPrivilegesAnswer);
+    return returnEmptyResult(raw, columnPrivilegesResult);
 }
 
 SQLRETURN SQL_API SQLTablePrivileges(SQLHSTMT raw, SQLCHAR*, SQLSMALLINT, SQLCHAR*, SQLSMALLINT, SQLCHAR* table,

@@ -1,4 +1,4 @@
-// Connecting, transactions, and what a connection tells of itself.
+// Connecting, transactions, SQLGetInfo and SQLGetFunctions.
 
 #include <algorithm>
 #include <array>
@@ -16,20 +16,20 @@ using namespace odbc;
 namespace {
 
 // One entry of a data source in the system's list of them; empty if it is not there.
-std::string sourceEntry(const std::string& source, const char* key) {
+std::string dataSourceEntry(const std::string& source, const char* key) {
     std::array<char, 4096> value{};
     const int length = SQLGetPrivateProfileString(source.c_str(), key, "", value.data(), value.size(), "odbc.ini");
     return {value.data(), static_cast<std::size_t>(std::clamp(length, 0, static_cast<int>(value.size())))};
 }
 
 std::string sourcePath(const std::string& source) {
-    const std::string path = sourceEntry(source, "DBQ");
-    return path.empty() ? sourceEntry(source, "Database") : path;
+    const std::string path = dataSourceEntry(source, "DBQ");
+    return path.empty() ? dataSourceEntry(source, "Database") : path;
 }
 
 bool isYes(std::string_view text) { return text == "1" || sql::sameName(text, "yes") || sql::sameName(text, "true"); }
 
-void openByText(Connection& connection, const std::string& text) {
+void openByConnectString(ConnectionHandle& connection, const std::string& text) {
     const ConnectString given(text);
     const std::string source = given.value("DSN");
     std::string path = given.value("DBQ");
@@ -38,8 +38,8 @@ void openByText(Connection& connection, const std::string& text) {
     std::string readOnly = given.value("ReadOnly");
     if (!source.empty()) {
         if (path.empty()) path = sourcePath(source);
-        if (password.empty()) password = sourceEntry(source, "PWD");
-        if (readOnly.empty()) readOnly = sourceEntry(source, "ReadOnly");
+        if (password.empty()) password = dataSourceEntry(source, "PWD");
+        if (readOnly.empty()) readOnly = dataSourceEntry(source, "ReadOnly");
     }
     connection.open(path, password, source, isYes(readOnly));
 }
@@ -47,25 +47,25 @@ void openByText(Connection& connection, const std::string& text) {
 template <class Char>
 SQLRETURN driverConnect(SQLHDBC raw, const Char* in, SQLSMALLINT inLength, Char* out, SQLSMALLINT capacity,
                         SQLSMALLINT* outLength) {
-    return withHandle<Connection>(raw, [&](Connection& connection) {
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle& connection) {
         const std::string text = utf8From(in, inLength);
-        openByText(connection, text);
-        giveText(&connection.diagnostics, text, out, capacity, outLength);
+        openByConnectString(connection, text);
+        copyTextOut(&connection.diagnostics, text, out, capacity, outLength);
     });
 }
 
 template <class Char>
 SQLRETURN connect(SQLHDBC raw, const Char* source, SQLSMALLINT sourceLength, const Char* password,
                   SQLSMALLINT passwordLength) {
-    return withHandle<Connection>(raw, [&](Connection& connection) {
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle& connection) {
         const std::string name = utf8From(source, sourceLength);
         std::string secret = utf8From(password, passwordLength);
-        if (secret.empty()) secret = sourceEntry(name, "PWD");
-        connection.open(sourcePath(name), secret, name, isYes(sourceEntry(name, "ReadOnly")));
+        if (secret.empty()) secret = dataSourceEntry(name, "PWD");
+        connection.open(sourcePath(name), secret, name, isYes(dataSourceEntry(name, "ReadOnly")));
     });
 }
 
-void endTransaction(Connection& connection, SQLSMALLINT completion) {
+void endTransaction(ConnectionHandle& connection, SQLSMALLINT completion) {
     if (!connection.isOpen()) return;
     if (completion != SQL_COMMIT && completion != SQL_ROLLBACK) {
         throw sql::Error("HY012", "A transaction ends in SQL_COMMIT or SQL_ROLLBACK.");
@@ -75,14 +75,14 @@ void endTransaction(Connection& connection, SQLSMALLINT completion) {
 
 template <class Char>
 SQLRETURN getInfo(SQLHDBC raw, SQLUSMALLINT type, SQLPOINTER value, SQLSMALLINT capacity, SQLSMALLINT* length) {
-    return withHandle<Connection>(raw, [&](Connection& connection) {
-        const Info info = infoOf(connection, type);
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle& connection) {
+        const Info info = infoValue(connection, type);
         if (const auto* text = std::get_if<std::string>(&info)) {
-            giveText(&connection.diagnostics, *text, static_cast<Char*>(value), capacity, length, Unit::bytes);
+            copyTextOut(&connection.diagnostics, *text, static_cast<Char*>(value), capacity, length, Unit::bytes);
         } else if (const auto* small = std::get_if<SQLUSMALLINT>(&info)) {
-            giveValue(*small, value, length);
+            copyValueOut(*small, value, length);
         } else {
-            giveValue(std::get<SQLUINTEGER>(info), value, length);
+            copyValueOut(std::get<SQLUINTEGER>(info), value, length);
         }
     });
 }
@@ -90,8 +90,8 @@ SQLRETURN getInfo(SQLHDBC raw, SQLUSMALLINT type, SQLPOINTER value, SQLSMALLINT 
 template <class Char>
 SQLRETURN nativeSql(SQLHDBC raw, const Char* in, SQLINTEGER inLength, Char* out, SQLINTEGER capacity,
                     SQLINTEGER* outLength) {
-    return withHandle<Connection>(raw, [&](Connection& connection) {
-        giveText(&connection.diagnostics, utf8From(in, inLength), out, capacity, outLength);
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle& connection) {
+        copyTextOut(&connection.diagnostics, utf8From(in, inLength), out, capacity, outLength);
     });
 }
 
@@ -120,24 +120,25 @@ SQLRETURN SQL_API SQLConnectW(SQLHDBC raw, SQLWCHAR* source, SQLSMALLINT sourceL
 }
 
 SQLRETURN SQL_API SQLDisconnect(SQLHDBC raw) {
-    return withHandle<Connection>(raw, [](Connection& connection) {
+    return withHandle<ConnectionHandle>(raw, [](ConnectionHandle& connection) {
         connection.close();
         for (const auto& handle : allHandles(SQL_HANDLE_STMT)) {
-            if (&static_cast<Statement&>(*handle).connection() == &connection) forgetHandle(handle.get());
+            if (&static_cast<StatementHandle&>(*handle).connection() == &connection) unregisterHandle(handle.get());
         }
         for (const auto& handle : allHandles(SQL_HANDLE_DESC)) {
-            if (&static_cast<Descriptor&>(*handle).connection() == &connection) forgetHandle(handle.get());
+            if (&static_cast<DescriptorHandle&>(*handle).connection() == &connection) unregisterHandle(handle.get());
         }
     });
 }
 
 SQLRETURN SQL_API SQLEndTran(SQLSMALLINT type, SQLHANDLE raw, SQLSMALLINT completion) {
     if (type == SQL_HANDLE_DBC) {
-        return withHandle<Connection>(raw, [&](Connection& connection) { endTransaction(connection, completion); });
+        return withHandle<ConnectionHandle>(
+            raw, [&](ConnectionHandle& connection) { endTransaction(connection, completion); });
     }
-    return withHandle<Environment>(raw, [&](Environment& environment) {
+    return withHandle<EnvironmentHandle>(raw, [&](EnvironmentHandle& environment) {
         for (const auto& handle : allHandles(SQL_HANDLE_DBC)) {
-            auto& connection = static_cast<Connection&>(*handle);
+            auto& connection = static_cast<ConnectionHandle&>(*handle);
             if (connection.environment() != &environment) continue;
             const std::scoped_lock lock(connection.mutex());
             endTransaction(connection, completion);
@@ -156,7 +157,7 @@ SQLRETURN SQL_API SQLGetInfoW(SQLHDBC raw, SQLUSMALLINT type, SQLPOINTER value, 
 }
 
 SQLRETURN SQL_API SQLGetFunctions(SQLHDBC raw, SQLUSMALLINT function, SQLUSMALLINT* supported) {
-    return withHandle<Connection>(raw, [&](Connection&) {
+    return withHandle<ConnectionHandle>(raw, [&](ConnectionHandle&) {
         const auto offered = offeredFunctions();
         if (function == SQL_API_ODBC3_ALL_FUNCTIONS) {
             std::fill_n(supported, SQL_API_ODBC3_ALL_FUNCTIONS_SIZE, SQLUSMALLINT{0});

@@ -25,27 +25,27 @@ bool isInteger(SQLSMALLINT field) {
            field == SQL_DESC_DATETIME_INTERVAL_PRECISION || field == SQL_DESC_NUM_PREC_RADIX;
 }
 
-bool hasRecord(const Descriptor& descriptor, SQLSMALLINT number) {
+bool hasRecord(const DescriptorHandle& descriptor, SQLSMALLINT number) {
     return number <= std::get<SQLLEN>(descriptor.field(0, SQL_DESC_COUNT));
 }
 
 template <class Char>
 SQLRETURN getField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value, SQLINTEGER capacity,
                    SQLINTEGER* length) {
-    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) -> SQLRETURN {
+    return withHandle<DescriptorHandle>(raw, [&](DescriptorHandle& descriptor) -> SQLRETURN {
         if (!hasRecord(descriptor, number)) return SQL_NO_DATA;
-        const Descriptor::Field got = descriptor.field(number, field);
+        const DescriptorHandle::Field got = descriptor.field(number, field);
         if (const auto* text = std::get_if<std::string>(&got)) {
-            giveText(&descriptor.diagnostics, *text, static_cast<Char*>(value), capacity, length, Unit::bytes);
+            copyTextOut(&descriptor.diagnostics, *text, static_cast<Char*>(value), capacity, length, Unit::bytes);
             return SQL_SUCCESS;
         }
         const SQLLEN bits = std::get<SQLLEN>(got);
         if (isLong(field)) {
-            giveValue(bits, value, length);
+            copyValueOut(bits, value, length);
         } else if (isInteger(field)) {
-            giveValue(static_cast<SQLINTEGER>(bits), value, length);
+            copyValueOut(static_cast<SQLINTEGER>(bits), value, length);
         } else {
-            giveValue(static_cast<SQLSMALLINT>(bits), value, length);
+            copyValueOut(static_cast<SQLSMALLINT>(bits), value, length);
         }
         return SQL_SUCCESS;
     });
@@ -53,7 +53,7 @@ SQLRETURN getField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINT
 
 template <class Char>
 SQLRETURN setField(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT field, SQLPOINTER value, SQLINTEGER length) {
-    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) {
+    return withHandle<DescriptorHandle>(raw, [&](DescriptorHandle& descriptor) {
         if (field != SQL_DESC_NAME) return descriptor.setField(number, field, reinterpret_cast<SQLLEN>(value));
         const SQLINTEGER characters = length < 0 ? length : length / static_cast<SQLINTEGER>(sizeof(Char));
         descriptor.setName(number, utf8From(static_cast<const Char*>(value), characters));
@@ -64,18 +64,18 @@ template <class Char>
 SQLRETURN getRecord(SQLHDESC raw, SQLSMALLINT number, Char* name, SQLSMALLINT capacity, SQLSMALLINT* nameLength,
                     SQLSMALLINT* type, SQLSMALLINT* subtype, SQLLEN* length, SQLSMALLINT* precision, SQLSMALLINT* scale,
                     SQLSMALLINT* nullable) {
-    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) -> SQLRETURN {
+    return withHandle<DescriptorHandle>(raw, [&](DescriptorHandle& descriptor) -> SQLRETURN {
         if (!hasRecord(descriptor, number)) return SQL_NO_DATA;
         const auto numberOf = [&](SQLSMALLINT field) { return std::get<SQLLEN>(descriptor.field(number, field)); };
         const auto small = [&](SQLSMALLINT field) { return static_cast<SQLSMALLINT>(numberOf(field)); };
-        giveText(&descriptor.diagnostics, std::get<std::string>(descriptor.field(number, SQL_DESC_NAME)), name,
-                 capacity, nameLength);
-        giveValue(small(SQL_DESC_TYPE), type);
-        giveValue(small(SQL_DESC_DATETIME_INTERVAL_CODE), subtype);
-        giveValue(numberOf(SQL_DESC_OCTET_LENGTH), length);
-        giveValue(small(SQL_DESC_PRECISION), precision);
-        giveValue(small(SQL_DESC_SCALE), scale);
-        giveValue(small(SQL_DESC_NULLABLE), nullable);
+        copyTextOut(&descriptor.diagnostics, std::get<std::string>(descriptor.field(number, SQL_DESC_NAME)), name,
+                    capacity, nameLength);
+        copyValueOut(small(SQL_DESC_TYPE), type);
+        copyValueOut(small(SQL_DESC_DATETIME_INTERVAL_CODE), subtype);
+        copyValueOut(numberOf(SQL_DESC_OCTET_LENGTH), length);
+        copyValueOut(small(SQL_DESC_PRECISION), precision);
+        copyValueOut(small(SQL_DESC_SCALE), scale);
+        copyValueOut(small(SQL_DESC_NULLABLE), nullable);
         return SQL_SUCCESS;
     });
 }
@@ -117,9 +117,9 @@ SQLRETURN SQL_API SQLGetDescRecW(SQLHDESC raw, SQLSMALLINT number, SQLWCHAR* nam
 }
 
 SQLRETURN SQL_API SQLSetDescRec(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT type, SQLSMALLINT subtype, SQLLEN length,
-                                SQLSMALLINT precision, SQLSMALLINT scale, SQLPOINTER data, SQLLEN* lengthPlace,
-                                SQLLEN* indicatorPlace) {
-    return withHandle<Descriptor>(raw, [&](Descriptor& descriptor) {
+                                SQLSMALLINT precision, SQLSMALLINT scale, SQLPOINTER data, SQLLEN* lengthAddress,
+                                SQLLEN* indicatorAddress) {
+    return withHandle<DescriptorHandle>(raw, [&](DescriptorHandle& descriptor) {
         descriptor.setField(number, SQL_DESC_TYPE, type);
         if (type == SQL_DATETIME) descriptor.setField(number, SQL_DESC_DATETIME_INTERVAL_CODE, subtype);
         descriptor.setField(number, SQL_DESC_OCTET_LENGTH, length);
@@ -128,19 +128,21 @@ SQLRETURN SQL_API SQLSetDescRec(SQLHDESC raw, SQLSMALLINT number, SQLSMALLINT ty
             descriptor.setField(number, SQL_DESC_SCALE, scale);
         }
         descriptor.setField(number, SQL_DESC_DATA_PTR, reinterpret_cast<SQLLEN>(data));
-        descriptor.setField(number, SQL_DESC_OCTET_LENGTH_PTR, reinterpret_cast<SQLLEN>(lengthPlace));
-        descriptor.setField(number, SQL_DESC_INDICATOR_PTR, reinterpret_cast<SQLLEN>(indicatorPlace));
+        descriptor.setField(number, SQL_DESC_OCTET_LENGTH_PTR, reinterpret_cast<SQLLEN>(lengthAddress));
+        descriptor.setField(number, SQL_DESC_INDICATOR_PTR, reinterpret_cast<SQLLEN>(indicatorAddress));
     });
 }
 
 SQLRETURN SQL_API SQLCopyDesc(SQLHDESC from, SQLHDESC to) {
     // One lock at a time: two threads may copy between two connections in opposite directions.
-    const auto source = std::static_pointer_cast<Descriptor>(findHandle(from, Descriptor::handleType));
+    const auto source = std::static_pointer_cast<DescriptorHandle>(findHandle(from, DescriptorHandle::handleType));
     if (!source) return SQL_INVALID_HANDLE;
     DescriptorContent content;
-    const SQLRETURN read = withHandle<Descriptor>(from, [&](Descriptor& descriptor) { content = descriptor; });
+    const SQLRETURN read =
+        withHandle<DescriptorHandle>(from, [&](DescriptorHandle& descriptor) { content = descriptor; });
     if (!SQL_SUCCEEDED(read)) return read;
-    return withHandle<Descriptor>(to, [&](Descriptor& descriptor) { descriptor.copyFrom(content, source->kind()); });
+    return withHandle<DescriptorHandle>(
+        to, [&](DescriptorHandle& descriptor) { descriptor.copyFrom(content, source->kind()); });
 }
 
 }  // extern "C"

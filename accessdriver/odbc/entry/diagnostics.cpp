@@ -7,11 +7,11 @@ using namespace odbc;
 
 namespace {
 
-// A cut text is told by the return code alone: a record of its own would be found by the next call.
+// Only the return code reports a cut text: a diagnostic record of its own would be returned by the next call.
 template <class Char, class Length>
-SQLRETURN giveAndTell(std::string_view text, Char* buffer, SQLLEN capacity, Length* length, Unit unit) {
+SQLRETURN copyDiagnosticText(std::string_view text, Char* buffer, SQLLEN capacity, Length* length, Unit unit) {
     Diagnostics own;
-    giveText(&own, text, buffer, capacity, length, unit);
+    copyTextOut(&own, text, buffer, capacity, length, unit);
     return own.empty() ? SQL_SUCCESS : SQL_SUCCESS_WITH_INFO;
 }
 
@@ -24,9 +24,9 @@ SQLRETURN getRecord(SQLSMALLINT type, SQLHANDLE raw, SQLSMALLINT number, Char* s
         if (static_cast<std::size_t>(number) > records.size()) return SQL_NO_DATA;
         const Record& record = records[static_cast<std::size_t>(number) - 1];
         constexpr SQLLEN stateCharacters = SQL_SQLSTATE_SIZE + 1;
-        giveText<Char, SQLSMALLINT>(nullptr, record.state, state, stateCharacters, nullptr);
-        giveValue(record.native, native);
-        return giveAndTell(record.message, message, capacity, length, Unit::characters);
+        copyTextOut<Char, SQLSMALLINT>(nullptr, record.state, state, stateCharacters, nullptr);
+        copyValueOut(record.native, native);
+        return copyDiagnosticText(record.message, message, capacity, length, Unit::characters);
     });
 }
 
@@ -36,10 +36,10 @@ template <class Char>
 SQLRETURN recordField(const Record& record, SQLSMALLINT field, SQLPOINTER value, SQLSMALLINT capacity,
                       SQLSMALLINT* length) {
     const auto text = [&](std::string_view what) {
-        return giveAndTell(what, static_cast<Char*>(value), capacity, length, Unit::bytes);
+        return copyDiagnosticText(what, static_cast<Char*>(value), capacity, length, Unit::bytes);
     };
     const auto number = [&](auto what) {
-        giveValue(what, value, length);
+        copyValueOut(what, value, length);
         return SQLRETURN{SQL_SUCCESS};
     };
     switch (field) {
@@ -71,7 +71,7 @@ struct Function {
 };
 
 // What kind of statement was prepared last, by the reference's names.
-Function functionOf(const Statement& statement) {
+Function functionOf(const StatementHandle& statement) {
     if (!statement.isPrepared()) return {"", SQL_DIAG_UNKNOWN_STATEMENT};
     switch (statement.plan().kind) {
         case sql::Statement::Kind::insert:
@@ -91,22 +91,22 @@ SQLRETURN getField(SQLSMALLINT type, SQLHANDLE raw, SQLSMALLINT number, SQLSMALL
     return inspectHandle(type, raw, [&](Handle& handle) -> SQLRETURN {
         const auto& records = handle.diagnostics.records();
         if (field == SQL_DIAG_NUMBER) {
-            giveValue(static_cast<SQLINTEGER>(records.size()), value, length);
+            copyValueOut(static_cast<SQLINTEGER>(records.size()), value, length);
             return SQL_SUCCESS;
         }
         if (type == SQL_HANDLE_STMT) {
-            const auto& statement = static_cast<const Statement&>(handle);
+            const auto& statement = static_cast<const StatementHandle&>(handle);
             if (field == SQL_DIAG_ROW_COUNT || field == SQL_DIAG_CURSOR_ROW_COUNT) {
-                giveValue(static_cast<SQLLEN>(statement.rowCount()), value, length);
+                copyValueOut(static_cast<SQLLEN>(statement.rowCount()), value, length);
                 return SQL_SUCCESS;
             }
             if (field == SQL_DIAG_DYNAMIC_FUNCTION_CODE) {
-                giveValue(functionOf(statement).code, value, length);
+                copyValueOut(functionOf(statement).code, value, length);
                 return SQL_SUCCESS;
             }
             if (field == SQL_DIAG_DYNAMIC_FUNCTION) {
-                return giveAndTell(functionOf(statement).name, static_cast<Char*>(value), capacity, length,
-                                   Unit::bytes);
+                return copyDiagnosticText(functionOf(statement).name, static_cast<Char*>(value), capacity, length,
+                                          Unit::bytes);
             }
         }
         if (number < 1) return SQL_ERROR;

@@ -9,10 +9,10 @@ namespace {
 
 SQLRETURN allocateEnvironment(SQLHANDLE* out) noexcept {
     try {
-        *out = rememberHandle(std::make_shared<Environment>());
+        *out = registerHandle(std::make_shared<EnvironmentHandle>());
         return SQL_SUCCESS;
     } catch (...) {
-        return SQL_ERROR;  // no memory, and no handle to tell it to
+        return SQL_ERROR;  // no memory, and no handle for a diagnostic record
     }
 }
 
@@ -21,7 +21,7 @@ SQLRETURN allocate(SQLHANDLE parent, SQLHANDLE* out) {
     *out = SQL_NULL_HANDLE;
     return withHandle<Parent>(parent, [&](Parent&) {
         auto owner = std::static_pointer_cast<Parent>(findHandle(parent, Parent::handleType));
-        *out = rememberHandle(std::make_shared<Child>(std::move(owner)));
+        *out = registerHandle(std::make_shared<Child>(std::move(owner)));
     });
 }
 
@@ -35,11 +35,11 @@ SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* 
         case SQL_HANDLE_ENV:
             return allocateEnvironment(out);
         case SQL_HANDLE_DBC:
-            return allocate<Environment, Connection>(parent, out);
+            return allocate<EnvironmentHandle, ConnectionHandle>(parent, out);
         case SQL_HANDLE_STMT:
-            return allocate<Connection, Statement>(parent, out);
+            return allocate<ConnectionHandle, StatementHandle>(parent, out);
         case SQL_HANDLE_DESC:
-            return allocate<Connection, Descriptor>(parent, out);
+            return allocate<ConnectionHandle, DescriptorHandle>(parent, out);
         default:
             return SQL_ERROR;
     }
@@ -48,17 +48,19 @@ SQLRETURN SQL_API SQLAllocHandle(SQLSMALLINT type, SQLHANDLE parent, SQLHANDLE* 
 SQLRETURN SQL_API SQLFreeHandle(SQLSMALLINT type, SQLHANDLE raw) {
     switch (type) {
         case SQL_HANDLE_ENV:
-            return withHandle<Environment>(raw, [](Environment& environment) { forgetHandle(&environment); });
+            return withHandle<EnvironmentHandle>(
+                raw, [](EnvironmentHandle& environment) { unregisterHandle(&environment); });
         case SQL_HANDLE_DBC:
             // An open transaction goes with the connection: the storage engine rolls it back.
-            return withHandle<Connection>(raw, [](Connection& connection) { forgetHandle(&connection); });
+            return withHandle<ConnectionHandle>(raw,
+                                                [](ConnectionHandle& connection) { unregisterHandle(&connection); });
         case SQL_HANDLE_STMT:
-            return withHandle<Statement>(raw, [](Statement& statement) { forgetHandle(&statement); });
+            return withHandle<StatementHandle>(raw, [](StatementHandle& statement) { unregisterHandle(&statement); });
         case SQL_HANDLE_DESC:
-            return withHandle<Descriptor>(raw, [](Descriptor& descriptor) {
+            return withHandle<DescriptorHandle>(raw, [](DescriptorHandle& descriptor) {
                 if (descriptor.isAutomatic()) throw sql::Error("HY017", "The descriptor belongs to its statement.");
                 descriptor.freed = true;
-                forgetHandle(&descriptor);
+                unregisterHandle(&descriptor);
             });
         default:
             return SQL_INVALID_HANDLE;
@@ -66,12 +68,12 @@ SQLRETURN SQL_API SQLFreeHandle(SQLSMALLINT type, SQLHANDLE raw) {
 }
 
 SQLRETURN SQL_API SQLFreeStmt(SQLHSTMT raw, SQLUSMALLINT option) {
-    return withHandle<Statement>(raw, [&](Statement& statement) {
+    return withHandle<StatementHandle>(raw, [&](StatementHandle& statement) {
         switch (option) {
             case SQL_CLOSE:
                 return statement.dropResult();
             case SQL_DROP:
-                return forgetHandle(&statement);
+                return unregisterHandle(&statement);
             case SQL_UNBIND:
                 return statement.unbindColumns();
             case SQL_RESET_PARAMS:

@@ -29,8 +29,8 @@ class Attributes {
     /// Whether the application has set the attribute.
     bool isSet(SQLINTEGER attribute) const { return values_.contains(attribute); }
 
-    /// True if the value was taken, false if the initial one stands in its place (SQLSTATE 01S02). Throws sql::Error:
-    /// HY092 unknown or read-only, HYC00 another value than the only one possible.
+    /// Returns true if the value was set, false if the attribute has its initial value instead (SQLSTATE 01S02). Throws
+    /// sql::Error: HY092 unknown or read-only, HYC00 another value than the only one possible.
     bool set(SQLINTEGER attribute, SQLULEN value);
 
     /// An attribute that holds a pointer.

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "accessdriver/odbc/data/text.h"
+#include "accessdriver/jet/utf8.h"
 #include "accessdriver/sql/values/caseFold.h"
 #include "accessdriver/sql/values/error.h"
 #include "accessdriver/sql/values/numbers.h"
@@ -43,7 +43,8 @@ ConnectString::ConnectString(std::string_view text) {
         if (end == std::string_view::npos || text[end] == ';') {
             const std::string piece = takePlain(text);
             if (!piece.empty())
-                throw sql::Error("08001", "The connection string has a piece without a value: " + abbreviated(piece));
+                throw sql::Error("08001",
+                                 "The connection string has a piece without a value: " + jet::abbreviated(piece));
             continue;
         }
         std::string keyword(sql::trimmed(text.substr(0, end)));

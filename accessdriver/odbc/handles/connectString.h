@@ -10,7 +10,7 @@ namespace odbc {
 /// The keywords and values of a connection string such as `DRIVER={a;b};DBQ=/home/x.cav;UID=;PWD=secret;`.
 class ConnectString {
   public:
-    /// A value may stand in braces, in which a closing brace is doubled. Throws sql::Error(08001) for a piece that is
+    /// A value may be in braces, in which a closing brace is doubled. Throws sql::Error(08001) for a piece that is
     /// no `keyword=value`, or braces that don't close.
     explicit ConnectString(std::string_view text);
 

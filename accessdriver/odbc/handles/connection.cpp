@@ -48,17 +48,18 @@ constexpr std::chrono::seconds usualWait{3};
 
 }  // namespace
 
-Environment::Environment() : Handle(SQL_HANDLE_ENV), attributes(environmentRules) {}
+EnvironmentHandle::EnvironmentHandle() : Handle(SQL_HANDLE_ENV), attributes(environmentRules) {}
 
-Connection::Connection(std::shared_ptr<Environment> environment)
+ConnectionHandle::ConnectionHandle(std::shared_ptr<EnvironmentHandle> environment)
     : Handle(SQL_HANDLE_DBC), environment_(std::move(environment)), attributes_(connectionRules) {}
 
 // In a child process the session is left as it is: closing it would undo the parent's open transaction in the file.
-Connection::~Connection() {
+ConnectionHandle::~ConnectionHandle() {
     if (session_ && forksBefore_ != forkCount()) static_cast<void>(session_.release());
 }
 
-void Connection::open(const std::string& path, const std::string& password, const std::string& source, bool readOnly) {
+void ConnectionHandle::open(const std::string& path, const std::string& password, const std::string& source,
+                            bool readOnly) {
     if (session_) throw sql::Error("08002", "The connection is open already.");
     if (path.empty()) throw sql::Error("08001", "The connection string names no file: DBQ is missing or empty.");
     using Access = jet::OpenOptions::Access;
@@ -78,7 +79,7 @@ void Connection::open(const std::string& path, const std::string& password, cons
     source_ = source;
 }
 
-void Connection::close() {
+void ConnectionHandle::close() {
     if (session().hasOpenChanges()) {
         throw sql::Error("25000", "There are changes that are neither committed nor rolled back.");
     }
@@ -90,24 +91,24 @@ void Connection::close() {
     session_.reset();
 }
 
-sql::Session& Connection::session() const {
+sql::Session& ConnectionHandle::session() const {
     if (!session_) throw sql::Error("08003", "The connection is not open.");
     requireOwnProcess();
     return *session_;
 }
 
-void Connection::requireOwnProcess() const {
+void ConnectionHandle::requireOwnProcess() const {
     if (forksBefore_ == forkCount()) return;
     throw sql::Error("08003",
                      "The connection belongs to the parent process. A child process opens a connection of its own.");
 }
 
-void Connection::requireWritable() const {
+void ConnectionHandle::requireWritable() const {
     if (attributes_.get(SQL_ATTR_ACCESS_MODE) != SQL_MODE_READ_ONLY) return;
     throw jet::Error(jet::Fault::readOnly, "The connection is set to reading only (SQL_ATTR_ACCESS_MODE).");
 }
 
-SQLULEN Connection::attribute(SQLINTEGER attribute) const {
+SQLULEN ConnectionHandle::attribute(SQLINTEGER attribute) const {
     if (attribute == SQL_ATTR_CONNECTION_DEAD) {
         const bool alive = session_ && forksBefore_ == forkCount() && session_->database().alive();
         return alive ? SQL_CD_FALSE : SQL_CD_TRUE;
@@ -115,7 +116,7 @@ SQLULEN Connection::attribute(SQLINTEGER attribute) const {
     return attributes_.get(attribute);
 }
 
-void Connection::setAttribute(SQLINTEGER attribute, SQLULEN value) {
+void ConnectionHandle::setAttribute(SQLINTEGER attribute, SQLULEN value) {
     if (attribute == SQL_ATTR_ACCESS_MODE && session_ && value != SQL_MODE_READ_ONLY &&
         session_->database().readOnly()) {
         return diagnostics.warn("01S02", "The file stays open for reading only.");

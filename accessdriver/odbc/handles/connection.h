@@ -10,11 +10,11 @@
 
 namespace odbc {
 
-class Environment : public Handle {
+class EnvironmentHandle : public Handle {
   public:
     static constexpr SQLSMALLINT handleType = SQL_HANDLE_ENV;
 
-    Environment();
+    EnvironmentHandle();
 
     std::mutex& mutex() override { return mutex_; }
 
@@ -25,12 +25,12 @@ class Environment : public Handle {
 };
 
 /// A connection to one Access file. Its statements share its lock, so one of them runs at a time.
-class Connection : public Handle {
+class ConnectionHandle : public Handle {
   public:
     static constexpr SQLSMALLINT handleType = SQL_HANDLE_DBC;
 
-    explicit Connection(std::shared_ptr<Environment> environment);
-    ~Connection() override;
+    explicit ConnectionHandle(std::shared_ptr<EnvironmentHandle> environment);
+    ~ConnectionHandle() override;
 
     std::mutex& mutex() override { return mutex_; }
 
@@ -54,7 +54,7 @@ class Connection : public Handle {
     /// Throws jet::Error(readOnly) if the application has set SQL_ATTR_ACCESS_MODE to SQL_MODE_READ_ONLY.
     void requireWritable() const;
 
-    const Environment* environment() const { return environment_.get(); }
+    const EnvironmentHandle* environment() const { return environment_.get(); }
     const std::string& path() const { return path_; }
     const std::string& source() const { return source_; }
 
@@ -65,7 +65,7 @@ class Connection : public Handle {
     void setAttribute(SQLINTEGER attribute, SQLULEN value);
 
   private:
-    std::shared_ptr<Environment> environment_;
+    std::shared_ptr<EnvironmentHandle> environment_;
     std::mutex mutex_;
     std::unique_ptr<sql::Session> session_;
     int forksBefore_ = 0;  // as forkCount() was when the file was opened

@@ -88,26 +88,26 @@ SQLULEN sizeOfVariable(SQLSMALLINT cType, SQLLEN bufferSize) {
     }
 }
 
-DescriptorRecord& Descriptor::record(SQLUSMALLINT number) {
+DescriptorRecord& DescriptorHandle::record(SQLUSMALLINT number) {
     if (number == 0) throw sql::Error("07009", "There is no bookmark; columns and parameters count from 1.");
     if (records.size() < number) records.resize(number);
     return records[number - 1U];
 }
 
-bool Descriptor::isBound(std::size_t number) const {
+bool DescriptorHandle::isBound(std::size_t number) const {
     if (number == 0 || number > records.size()) return false;
     const DescriptorRecord& record = records[number - 1];
-    return record.data != nullptr || record.lengthPlace != nullptr || record.indicatorPlace != nullptr;
+    return record.data != nullptr || record.lengthAddress != nullptr || record.indicatorAddress != nullptr;
 }
 
-const DescriptorRecord& Descriptor::existing(SQLSMALLINT number) const {
+const DescriptorRecord& DescriptorHandle::existing(SQLSMALLINT number) const {
     if (number < 1 || static_cast<std::size_t>(number) > records.size()) {
         throw sql::Error("07009", "The descriptor has no record " + std::to_string(number) + ".");
     }
     return records[static_cast<std::size_t>(number) - 1];
 }
 
-Descriptor::Field Descriptor::field(SQLSMALLINT number, SQLSMALLINT field) const {
+DescriptorHandle::Field DescriptorHandle::field(SQLSMALLINT number, SQLSMALLINT field) const {
     const bool isRow = kind_ == Kind::row;
     switch (field) {
         case SQL_DESC_ALLOC_TYPE:
@@ -156,9 +156,9 @@ Descriptor::Field Descriptor::field(SQLSMALLINT number, SQLSMALLINT field) const
         case SQL_DESC_DATA_PTR:
             return bits(record.data);
         case SQL_DESC_OCTET_LENGTH_PTR:
-            return bits(record.lengthPlace);
+            return bits(record.lengthAddress);
         case SQL_DESC_INDICATOR_PTR:
-            return bits(record.indicatorPlace);
+            return bits(record.indicatorAddress);
         case SQL_DESC_PARAMETER_TYPE:
             return SQLLEN{record.parameterType};
         case SQL_DESC_NULLABLE:
@@ -172,7 +172,7 @@ Descriptor::Field Descriptor::field(SQLSMALLINT number, SQLSMALLINT field) const
     }
 }
 
-void Descriptor::setField(SQLSMALLINT number, SQLSMALLINT field, SQLLEN value) {
+void DescriptorHandle::setField(SQLSMALLINT number, SQLSMALLINT field, SQLLEN value) {
     if (kind_ == Kind::row && field != SQL_DESC_ARRAY_STATUS_PTR && field != SQL_DESC_ROWS_PROCESSED_PTR) {
         throw sql::Error("HY016", "The description of a result can't be changed.");
     }
@@ -205,10 +205,10 @@ void Descriptor::setField(SQLSMALLINT number, SQLSMALLINT field, SQLLEN value) {
                 record.data = pointerFrom<void>(value);
                 break;
             case SQL_DESC_OCTET_LENGTH_PTR:
-                record.lengthPlace = pointerFrom<SQLLEN>(value);
+                record.lengthAddress = pointerFrom<SQLLEN>(value);
                 break;
             case SQL_DESC_INDICATOR_PTR:
-                record.indicatorPlace = pointerFrom<SQLLEN>(value);
+                record.indicatorAddress = pointerFrom<SQLLEN>(value);
                 break;
             case SQL_DESC_PARAMETER_TYPE:
                 if (value != SQL_PARAM_INPUT) throw sql::Error("HYC00", "The driver has input parameters only.");
@@ -249,12 +249,12 @@ void Descriptor::setField(SQLSMALLINT number, SQLSMALLINT field, SQLLEN value) {
     }
 }
 
-void Descriptor::setName(SQLSMALLINT number, const std::string& name) {
+void DescriptorHandle::setName(SQLSMALLINT number, const std::string& name) {
     if (kind_ != Kind::parameters) refuseField(SQL_DESC_NAME);
     record(static_cast<SQLUSMALLINT>(std::max<SQLSMALLINT>(number, 0))).name = name;
 }
 
-void Descriptor::copyFrom(const DescriptorContent& other, Kind otherKind) {
+void DescriptorHandle::copyFrom(const DescriptorContent& other, Kind otherKind) {
     if (kind_ == Kind::row) throw sql::Error("HY016", "The description of a result can't be changed.");
     if (otherKind == Kind::row && other.columns.empty()) {
         throw sql::Error("HY007", "There is no result whose description could be copied.");

@@ -22,8 +22,8 @@ struct DescriptorRecord {
     bool scaleGiven = false;  ///< whether the application has set precision or scale itself
     SQLLEN octetLength = 0;   ///< bytes of the buffer
     SQLPOINTER data = nullptr;
-    SQLLEN* lengthPlace = nullptr;     ///< where a value's length stands
-    SQLLEN* indicatorPlace = nullptr;  ///< where it stands whether a value is Null; often the same place
+    SQLLEN* lengthAddress = nullptr;     ///< of a variable for the value's length in bytes
+    SQLLEN* indicatorAddress = nullptr;  ///< of a variable that is SQL_NULL_DATA for Null; often the same one
     SQLSMALLINT parameterType = SQL_PARAM_INPUT;
     std::string name = {};
 };
@@ -42,21 +42,22 @@ struct DescriptorContent {
 /// A descriptor: the variables of the application for rows (ARD) or parameters (APD), what the parameters are described
 /// as (IPD), or the columns of the result (IRD). Each statement has one of each; an application may put its own in
 /// the place of the first two.
-class Descriptor : public Handle, public DescriptorContent {
+class DescriptorHandle : public Handle, public DescriptorContent {
   public:
     static constexpr SQLSMALLINT handleType = SQL_HANDLE_DESC;
 
     enum class Kind { application, parameters, row };
 
     /// One that the application asks for.
-    explicit Descriptor(std::shared_ptr<Connection> connection) : Descriptor(std::move(connection), Kind::application) {
+    explicit DescriptorHandle(std::shared_ptr<ConnectionHandle> connection)
+        : DescriptorHandle(std::move(connection), Kind::application) {
         allocation_ = SQL_DESC_ALLOC_USER;
     }
-    Descriptor(std::shared_ptr<Connection> connection, Kind kind)
+    DescriptorHandle(std::shared_ptr<ConnectionHandle> connection, Kind kind)
         : Handle(SQL_HANDLE_DESC), kind_(kind), connection_(std::move(connection)) {}
 
     std::mutex& mutex() override { return connection_->mutex(); }
-    const Connection& connection() const { return *connection_; }
+    const ConnectionHandle& connection() const { return *connection_; }
     Kind kind() const { return kind_; }
     bool isAutomatic() const { return allocation_ == SQL_DESC_ALLOC_AUTO; }
 
@@ -97,7 +98,7 @@ class Descriptor : public Handle, public DescriptorContent {
 
     Kind kind_;
     SQLSMALLINT allocation_ = SQL_DESC_ALLOC_AUTO;
-    std::shared_ptr<Connection> connection_;
+    std::shared_ptr<ConnectionHandle> connection_;
 };
 
 /// Bytes of a variable of that C type; of a text or binary one, the size of its buffer.

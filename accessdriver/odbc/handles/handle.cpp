@@ -19,13 +19,13 @@ Registry& registry() {
 
 }  // namespace
 
-SQLHANDLE rememberHandle(const std::shared_ptr<Handle>& handle) {
+SQLHANDLE registerHandle(const std::shared_ptr<Handle>& handle) {
     const std::scoped_lock lock(registry().mutex);
     registry().handles.emplace(handle.get(), handle);
     return handle.get();
 }
 
-void forgetHandle(const Handle* handle) {
+void unregisterHandle(const Handle* handle) {
     std::shared_ptr<Handle> last;  // destroyed outside the lock
     const std::scoped_lock lock(registry().mutex);
     const auto known = registry().handles.find(handle);

@@ -32,11 +32,11 @@ class Handle {
     SQLSMALLINT type_;
 };
 
-/// Makes the handle known to the application and keeps it alive until forgetHandle.
-SQLHANDLE rememberHandle(const std::shared_ptr<Handle>& handle);
+/// Makes the handle known to the application and keeps it alive until unregisterHandle.
+SQLHANDLE registerHandle(const std::shared_ptr<Handle>& handle);
 
 /// From now on the handle is invalid.
-void forgetHandle(const Handle* handle);
+void unregisterHandle(const Handle* handle);
 
 /// The living handle of that type; null for any other pointer.
 std::shared_ptr<Handle> findHandle(SQLHANDLE handle, SQLSMALLINT type);

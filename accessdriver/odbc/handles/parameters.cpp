@@ -106,7 +106,7 @@ Literal readGuid(const Source& source, Texts& texts) {
     return {.kind = Literal::Kind::text, .text = texts.emplace_back(sql::textOf(bytes, jet::ColumnType::guid))};
 }
 
-// A text that stands for a value of a binary type holds two digits for each byte.
+// A text for a binary parameter holds two hexadecimal digits for each byte.
 Literal bytesFromDigits(const Literal& text, Texts& texts) {
     const auto bytes = sql::readHexadecimal(text.text);
     if (!bytes) throw sql::Error("22018", "The text of a binary parameter is no row of hexadecimal digits.");
@@ -156,7 +156,7 @@ const Reader* readerOf(SQLSMALLINT cType) {
     return found == readers.end() ? nullptr : found;
 }
 
-// The C type that the ODBC reference gives to SQL_C_DEFAULT for each SQL type.
+// The C type that SQL_C_DEFAULT means for each SQL type, by the ODBC reference.
 SQLSMALLINT defaultCType(SQLSMALLINT sqlType) {
     switch (sqlType) {
         case SQL_WCHAR:
@@ -185,7 +185,8 @@ bool isVarying(SQLSMALLINT cType) { return cType == SQL_C_CHAR || cType == SQL_C
 
 bool isParameterType(SQLSMALLINT cType) { return cType == SQL_C_DEFAULT || readerOf(cType) != nullptr; }
 
-ParameterSets::ParameterSets(const Descriptor& application, const Descriptor& implementation, std::size_t parameters)
+ParameterSets::ParameterSets(const DescriptorHandle& application, const DescriptorHandle& implementation,
+                             std::size_t parameters)
     : application_(&application), implementation_(&implementation), parameters_(parameters) {
     for (std::size_t number = 1; number <= parameters; ++number) {
         if (application.isBound(number)) continue;
@@ -206,47 +207,47 @@ SQLSMALLINT ParameterSets::cTypeOf(std::size_t parameter) const {
 }
 
 // In bytes, or one of the codes.
-SQLLEN ParameterSets::lengthOf(const ParameterPlace& place) const {
+SQLLEN ParameterSets::lengthOf(const ParameterPosition& place) const {
     const DescriptorRecord& record = application_->records[place.parameter];
     const auto at = [&](SQLLEN* base) { return application_->element(base, place.set, sizeof(SQLLEN)); };
-    const SQLLEN* const indicator = at(record.indicatorPlace);
+    const SQLLEN* const indicator = at(record.indicatorAddress);
     if (indicator != nullptr && loadFrom<SQLLEN>(indicator) == SQL_NULL_DATA) return SQL_NULL_DATA;
-    const SQLLEN* const length = at(record.lengthPlace);
+    const SQLLEN* const length = at(record.lengthAddress);
     return length == nullptr ? SQLLEN{SQL_NTS} : loadFrom<SQLLEN>(length);
 }
 
-const char* ParameterSets::dataOf(const ParameterPlace& place) const {
+const char* ParameterSets::dataOf(const ParameterPosition& place) const {
     const DescriptorRecord& record = application_->records[place.parameter];
     const SQLULEN bytes = sizeOfVariable(cTypeOf(place.parameter), record.octetLength);
     return application_->element(static_cast<const char*>(record.data), place.set, bytes);
 }
 
-std::optional<ParameterPlace> ParameterSets::awaitNext() {
-    ParameterPlace at = awaited_.value_or(ParameterPlace{});
+std::optional<ParameterPosition> ParameterSets::nextDataAtExecution() {
+    ParameterPosition at = position_.value_or(ParameterPosition{});
     if (started_) ++at.parameter;
     started_ = true;
-    awaited_.reset();
+    position_.reset();
     for (; at.set < sets(); at = {at.set + 1, 0}) {
         if (isIgnored(at.set)) continue;
         for (; at.parameter < parameters_; ++at.parameter) {
             const SQLLEN length = lengthOf(at);
             if (length != SQL_DATA_AT_EXEC && length > SQL_LEN_DATA_AT_EXEC_OFFSET) continue;
-            given_.try_emplace(at);
-            awaited_ = at;
+            dataAtExecution_.try_emplace(at);
+            position_ = at;
             return at;
         }
     }
     return std::nullopt;
 }
 
-SQLPOINTER ParameterSets::token(const ParameterPlace& place) const {
+SQLPOINTER ParameterSets::token(const ParameterPosition& place) const {
     return const_cast<char*>(dataOf(place));  // NOLINT: handed back as it was given
 }
 
 void ParameterSets::put(const void* data, SQLLEN length) {
-    if (!awaited_) throw sql::Error("HY010", "No parameter waits for its data.");
-    Pieces& pieces = given_[*awaited_];
-    const SQLSMALLINT cType = cTypeOf(awaited_->parameter);
+    if (!position_) throw sql::Error("HY010", "No parameter waits for its data.");
+    Pieces& pieces = dataAtExecution_[*position_];
+    const SQLSMALLINT cType = cTypeOf(position_->parameter);
     if (pieces.null) throw sql::Error("HY020", "A value that is Null has no further pieces.");
     if (pieces.begun && !isVarying(cType)) throw sql::Error("HY019", "Only texts and bytes come in pieces.");
     if (length == SQL_NULL_DATA) {
@@ -270,11 +271,11 @@ void ParameterSets::put(const void* data, SQLLEN length) {
 std::vector<Literal> ParameterSets::values(SQLULEN set, Texts& texts) const {
     std::vector<Literal> out;
     out.reserve(parameters_);
-    for (ParameterPlace at{set, 0}; at.parameter < parameters_; ++at.parameter) {
+    for (ParameterPosition at{set, 0}; at.parameter < parameters_; ++at.parameter) {
         const Reader* const reader = readerOf(cTypeOf(at.parameter));
         if (reader == nullptr) throw sql::Error("HY003", "The driver does not read parameters of this C type.");
         Source source{dataOf(at), lengthOf(at)};
-        if (const auto given = given_.find(at); given != given_.end()) {
+        if (const auto given = dataAtExecution_.find(at); given != dataAtExecution_.end()) {
             const Pieces& pieces = given->second;
             if (!pieces.null && !pieces.begun && !isVarying(reader->cType)) {
                 throw sql::Error("HY010", "A parameter did not get its data.");

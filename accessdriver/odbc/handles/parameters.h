@@ -17,10 +17,10 @@ namespace odbc {
 bool isParameterType(SQLSMALLINT cType);
 
 /// A parameter of one set of them, both counted from 0.
-struct ParameterPlace {
+struct ParameterPosition {
     SQLULEN set = 0;
     std::size_t parameter = 0;
-    auto operator<=>(const ParameterPlace&) const = default;
+    auto operator<=>(const ParameterPosition&) const = default;
 };
 
 /// The values of a statement's parameters: sets of them in arrays of the application, and what it hands over piece by
@@ -28,7 +28,7 @@ struct ParameterPlace {
 class ParameterSets {
   public:
     /// The descriptors must outlive this. Throws sql::Error(07002) for a parameter to which nothing is bound.
-    ParameterSets(const Descriptor& application, const Descriptor& implementation, std::size_t parameters);
+    ParameterSets(const DescriptorHandle& application, const DescriptorHandle& implementation, std::size_t parameters);
 
     SQLULEN sets() const { return parameters_ == 0 ? 1 : application_->arraySize; }
 
@@ -36,13 +36,14 @@ class ParameterSets {
     bool isIgnored(SQLULEN set) const;
 
     /// Moves to the next parameter whose data is still to come; nothing if there is no further one.
-    std::optional<ParameterPlace> awaitNext();
+    std::optional<ParameterPosition> nextDataAtExecution();
 
     /// What the application gave in the place of the data's address.
-    SQLPOINTER token(const ParameterPlace& place) const;
+    SQLPOINTER token(const ParameterPosition& place) const;
 
-    /// Adds a piece of the data of the parameter that awaitNext() moved to. Throws sql::Error: HY010 if there is none,
-    /// HY019 for a second piece of a value that has none, HY020 for a piece beside Null, HY090 for a wrong length.
+    /// Adds a piece of the data of the parameter that nextDataAtExecution() moved to. Throws sql::Error: HY010 if there
+    /// is none, HY019 for a second piece of a value that has none, HY020 for a piece beside Null, HY090 for a wrong
+    /// length.
     void put(const void* data, SQLLEN length);
 
     /// The values of a set. Texts that they view are kept in `texts`. Throws sql::Error: HY003 for a C type that is not
@@ -57,15 +58,15 @@ class ParameterSets {
     };
 
     SQLSMALLINT cTypeOf(std::size_t parameter) const;
-    SQLLEN lengthOf(const ParameterPlace& place) const;
-    const char* dataOf(const ParameterPlace& place) const;
+    SQLLEN lengthOf(const ParameterPosition& place) const;
+    const char* dataOf(const ParameterPosition& place) const;
 
-    const Descriptor* application_;
-    const Descriptor* implementation_;
+    const DescriptorHandle* application_;
+    const DescriptorHandle* implementation_;
     std::size_t parameters_;
-    std::optional<ParameterPlace> awaited_;
+    std::optional<ParameterPosition> position_;
     bool started_ = false;
-    std::map<ParameterPlace, Pieces> given_;
+    std::map<ParameterPosition, Pieces> dataAtExecution_;
 };
 
 }  // namespace odbc

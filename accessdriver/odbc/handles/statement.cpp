@@ -19,29 +19,33 @@ SQLULEN bits(const void* pointer) { return reinterpret_cast<SQLULEN>(pointer); }
 
 }  // namespace
 
-Statement::Statement(std::shared_ptr<Connection> connection)
+StatementHandle::StatementHandle(std::shared_ptr<ConnectionHandle> connection)
     : Handle(SQL_HANDLE_STMT), connection_(std::move(connection)), attributes_(statementAttributeRules()) {
-    const auto make = [&](Descriptor::Kind kind) {
-        auto descriptor = std::make_shared<Descriptor>(connection_, kind);
-        rememberHandle(descriptor);
+    const auto make = [&](DescriptorHandle::Kind kind) {
+        auto descriptor = std::make_shared<DescriptorHandle>(connection_, kind);
+        registerHandle(descriptor);
         return descriptor;
     };
-    ard_ = make(Descriptor::Kind::application);
-    apd_ = make(Descriptor::Kind::application);
-    ipd_ = make(Descriptor::Kind::parameters);
-    ird_ = make(Descriptor::Kind::row);
+    ard_ = make(DescriptorHandle::Kind::application);
+    apd_ = make(DescriptorHandle::Kind::application);
+    ipd_ = make(DescriptorHandle::Kind::parameters);
+    ird_ = make(DescriptorHandle::Kind::row);
 }
 
-Statement::~Statement() {
-    for (const auto& descriptor : {ard_, apd_, ipd_, ird_}) forgetHandle(descriptor.get());
+StatementHandle::~StatementHandle() {
+    for (const auto& descriptor : {ard_, apd_, ipd_, ird_}) unregisterHandle(descriptor.get());
 }
 
-// An application's descriptor that was freed gives its place back to the statement's own.
-Descriptor& Statement::rowDescriptor() const { return givenArd_ && !givenArd_->freed ? *givenArd_ : *ard_; }
+// If the application has freed its descriptor, the statement's own one is in use again.
+DescriptorHandle& StatementHandle::rowDescriptor() const {
+    return applicationArd_ && !applicationArd_->freed ? *applicationArd_ : *ard_;
+}
 
-Descriptor& Statement::parameterDescriptor() const { return givenApd_ && !givenApd_->freed ? *givenApd_ : *apd_; }
+DescriptorHandle& StatementHandle::parameterDescriptor() const {
+    return applicationApd_ && !applicationApd_->freed ? *applicationApd_ : *apd_;
+}
 
-Descriptor& Statement::descriptor(DescriptorSide side) const {
+DescriptorHandle& StatementHandle::descriptor(DescriptorSide side) const {
     switch (side) {
         case DescriptorSide::rowVariables:
             return rowDescriptor();
@@ -56,14 +60,14 @@ Descriptor& Statement::descriptor(DescriptorSide side) const {
 
 // --- running
 
-void Statement::reset() {
+void StatementHandle::reset() {
     dropResult();
-    awaiting_.reset();
+    waitingForData_.reset();
     plan_.reset();
     ird_->columns.clear();
 }
 
-void Statement::prepare(std::string text) {
+void StatementHandle::prepare(std::string text) {
     reset();
     const sql::Session& session = connection_->session();
     text_ = std::move(text);
@@ -72,31 +76,31 @@ void Statement::prepare(std::string text) {
     ird_->columns = plan_->columns;
 }
 
-SQLRETURN Statement::execute() {
+SQLRETURN StatementHandle::execute() {
     const sql::Plan& ready = plan();
     dropResult();
     ParameterSets parameters(parameterDescriptor(), *ipd_, ready.parameters.size());
-    if (!parameters.awaitNext()) return run(parameters);
-    awaiting_.emplace(parameterDescriptor(), *ipd_, ready.parameters.size());
+    if (!parameters.nextDataAtExecution()) return run(parameters);
+    waitingForData_.emplace(parameterDescriptor(), *ipd_, ready.parameters.size());
     return SQL_NEED_DATA;
 }
 
-SQLRETURN Statement::parameterData(SQLPOINTER* token) {
-    if (!awaiting_) throw sql::Error("HY010", "The statement waits for no data.");
-    if (const auto next = awaiting_->awaitNext()) {
-        if (token != nullptr) *token = awaiting_->token(*next);
+SQLRETURN StatementHandle::parameterData(SQLPOINTER* token) {
+    if (!waitingForData_) throw sql::Error("HY010", "The statement waits for no data.");
+    if (const auto next = waitingForData_->nextDataAtExecution()) {
+        if (token != nullptr) *token = waitingForData_->token(*next);
         return SQL_NEED_DATA;
     }
-    const ParameterSets parameters = *std::exchange(awaiting_, std::nullopt);
+    const ParameterSets parameters = *std::exchange(waitingForData_, std::nullopt);
     return run(parameters);
 }
 
-void Statement::putData(const void* data, SQLLEN length) {
-    if (!awaiting_) throw sql::Error("HY010", "The statement waits for no data.");
-    awaiting_->put(data, length);
+void StatementHandle::putData(const void* data, SQLLEN length) {
+    if (!waitingForData_) throw sql::Error("HY010", "The statement waits for no data.");
+    waitingForData_->put(data, length);
 }
 
-SQLRETURN Statement::run(const ParameterSets& parameters) {
+SQLRETURN StatementHandle::run(const ParameterSets& parameters) {
     if (!plan().returnsRows()) connection_->requireWritable();
     if (parameters.sets() == 1) {
         runSets(parameters);
@@ -111,7 +115,7 @@ SQLRETURN Statement::run(const ParameterSets& parameters) {
 }
 
 // All sets are one statement: the first one that fails ends it, and what it did is undone as for any other.
-void Statement::runSets(const ParameterSets& parameters) {
+void StatementHandle::runSets(const ParameterSets& parameters) {
     const auto report = [&](SQLULEN set, SQLUSMALLINT status) {
         if (ipd_->arrayStatus != nullptr) storeAt(ipd_->arrayStatus + set, status);
         if (status != SQL_PARAM_UNUSED) storeAt(ipd_->rowsProcessed, set + 1);
@@ -137,25 +141,25 @@ void Statement::runSets(const ParameterSets& parameters) {
 
 // --- reading
 
-void Statement::open(std::shared_ptr<sql::RowSet> rows) {
+void StatementHandle::open(std::shared_ptr<sql::RowSet> rows) {
     cursor_.emplace(std::move(rows), isScrollable(), attributes_.get(SQL_ATTR_MAX_ROWS));
     if (isScrollable()) rowCount_ = cursor_->rowCount();
 }
 
-void Statement::answer(sql::RowSet rows) {
+void StatementHandle::setResult(sql::RowSet rows) {
     reset();
     ird_->columns = rows.columns();
     open(std::make_shared<sql::RowSet>(std::move(rows)));
 }
 
-Statement::Rowset Statement::rowset() const {
+StatementHandle::Rowset StatementHandle::rowset() const {
     return {rowDescriptor().arraySize, ird_->arrayStatus, ird_->rowsProcessed};
 }
 
-SQLRETURN Statement::fetch(SQLSMALLINT orientation, SQLLEN offset, const Rowset& wanted) {
+SQLRETURN StatementHandle::fetch(SQLSMALLINT orientation, SQLLEN offset, const Rowset& wanted) {
     if (!cursor_) throw sql::Error("24000", "There is no result to fetch from.");
     connection_->requireOwnProcess();
-    partColumn_ = 0;
+    getDataColumn_ = 0;
     rowsetSize_ = 0;
     bool cut = false;
     SQLULEN failed = 0;
@@ -168,7 +172,7 @@ SQLRETURN Statement::fetch(SQLSMALLINT orientation, SQLLEN offset, const Rowset&
             const std::size_t warnings = diagnostics.records().size();
             try {
                 readable = false;
-                if (!cursor_->toRow(rowsetSize_)) break;
+                if (!cursor_->moveToRow(rowsetSize_)) break;
                 readable = true;
                 fillBoundColumns(rowsetSize_);
                 report(rowsetSize_,
@@ -186,13 +190,13 @@ SQLRETURN Statement::fetch(SQLSMALLINT orientation, SQLLEN offset, const Rowset&
     storeAt(wanted.fetched, rowsetSize_);
     if (rowsetSize_ == 0) return SQL_NO_DATA;
     if (cut) diagnostics.warn("01S06", "The rowset begins with the first row.");
-    if (cursor_->scrollable() && rowsetSize_ > 1) cursor_->toRow(0);
+    if (cursor_->scrollable() && rowsetSize_ > 1) cursor_->moveToRow(0);
     return failed == rowsetSize_ ? SQL_ERROR : SQL_SUCCESS;
 }
 
-void Statement::fillBoundColumns(SQLULEN row) {
+void StatementHandle::fillBoundColumns(SQLULEN row) {
     if (attributes_.get(SQL_ATTR_RETRIEVE_DATA) == SQL_RD_OFF) return;
-    const Descriptor& variables = rowDescriptor();
+    const DescriptorHandle& variables = rowDescriptor();
     const auto& described = ird_->columns;
     for (std::size_t i = 0; i < std::min(variables.records.size(), described.size()); ++i) {
         if (!variables.isBound(i + 1)) continue;
@@ -200,26 +204,26 @@ void Statement::fillBoundColumns(SQLULEN row) {
         Target target{.cType = resolvedType(bound.type, described[i]), .capacity = bound.octetLength};
         const SQLULEN bytes = sizeOfVariable(target.cType, bound.octetLength);
         target.buffer = variables.element(static_cast<char*>(bound.data), row, bytes);
-        target.length = variables.element(bound.lengthPlace, row, sizeof(SQLLEN));
-        target.indicator = variables.element(bound.indicatorPlace, row, sizeof(SQLLEN));
+        target.length = variables.element(bound.lengthAddress, row, sizeof(SQLLEN));
+        target.indicator = variables.element(bound.indicatorAddress, row, sizeof(SQLLEN));
         if (bound.scaleGiven) target.scale = bound.scale;
         Progress progress;
         transfer(cursor_->value(i), described[i], target, progress, diagnostics);
     }
 }
 
-void Statement::setPosition(SQLULEN row) {
+void StatementHandle::setPosition(SQLULEN row) {
     if (!cursor_ || rowsetSize_ == 0) throw sql::Error("24000", "The cursor is on no row.");
     if (row < 1 || row > rowsetSize_) throw sql::Error("HY107", "The rowset has no such row.");
-    partColumn_ = 0;
+    getDataColumn_ = 0;
     if (cursor_->scrollable()) {
-        cursor_->toRow(row - 1);
+        cursor_->moveToRow(row - 1);
     } else if (rowsetSize_ > 1) {
         throw sql::Error("HY109", "A forward-only result keeps no rows to go back to.");
     }
 }
 
-SQLRETURN Statement::getData(SQLUSMALLINT number, Target target) {
+SQLRETURN StatementHandle::getData(SQLUSMALLINT number, Target target) {
     if (!cursor_ || rowsetSize_ == 0) throw sql::Error("24000", "The cursor is on no row.");
     if (rowsetSize_ > 1 && !cursor_->scrollable()) {
         throw sql::Error("HY109", "Of a forward-only result, rows that come in blocks are read by bound columns.");
@@ -230,80 +234,80 @@ SQLRETURN Statement::getData(SQLUSMALLINT number, Target target) {
         target.cType = bound.type;
         if (bound.scaleGiven) target.scale = bound.scale;
     }
-    if (partColumn_ != number || partType_ != target.cType) {
-        partColumn_ = number;
-        partType_ = target.cType;
-        part_ = {};
+    if (getDataColumn_ != number || getDataType_ != target.cType) {
+        getDataColumn_ = number;
+        getDataType_ = target.cType;
+        getDataProgress_ = {};
     }
-    return transfer(cursor_->value(number - 1U), described, target, part_, diagnostics);
+    return transfer(cursor_->value(number - 1U), described, target, getDataProgress_, diagnostics);
 }
 
-void Statement::closeCursor() {
+void StatementHandle::closeCursor() {
     if (!cursor_) throw sql::Error("24000", "There is no open cursor.");
     dropResult();
 }
 
-void Statement::dropResult() {
+void StatementHandle::dropResult() {
     cursor_.reset();
     rowCount_ = -1;
     rowsetSize_ = 0;
-    partColumn_ = 0;
+    getDataColumn_ = 0;
 }
 
 // --- binding and describing
 
-void Statement::bindColumn(SQLUSMALLINT number, const Target& target) {
+void StatementHandle::bindColumn(SQLUSMALLINT number, const Target& target) {
     if (!isTargetType(target.cType)) throw sql::Error("HY003", "The driver does not offer this C type.");
     if (target.capacity < 0) throw sql::Error("HY090", "The length of a buffer is negative.");
     rowDescriptor().record(number) = {.type = target.cType,
                                       .octetLength = target.capacity,
                                       .data = target.buffer,
-                                      .lengthPlace = target.length,
-                                      .indicatorPlace = target.indicator};
+                                      .lengthAddress = target.length,
+                                      .indicatorAddress = target.indicator};
 }
 
-void Statement::bindParameter(SQLUSMALLINT number, const DescriptorRecord& variable,
-                              const DescriptorRecord& described) {
+void StatementHandle::bindParameter(SQLUSMALLINT number, const DescriptorRecord& variable,
+                                    const DescriptorRecord& described) {
     if (!isParameterType(variable.type))
         throw sql::Error("HY003", "The driver does not read parameters of this C type.");
     parameterDescriptor().record(number) = variable;
     ipd_->record(number) = described;
 }
 
-const std::vector<sql::ResultColumn>& Statement::columns() const {
+const std::vector<sql::ResultColumn>& StatementHandle::columns() const {
     if (!plan_ && !cursor_) throw sql::Error("HY010", "No statement is prepared.");
     return ird_->columns;
 }
 
-const sql::ResultColumn& Statement::column(SQLUSMALLINT number) const {
+const sql::ResultColumn& StatementHandle::column(SQLUSMALLINT number) const {
     if (number == 0 || number > columns().size()) {
         throw sql::Error("07009", "The result has no column " + std::to_string(number) + ".");
     }
     return ird_->columns[number - 1U];
 }
 
-const sql::Plan& Statement::plan() const {
+const sql::Plan& StatementHandle::plan() const {
     if (!plan_) throw sql::Error("HY010", "No statement is prepared.");
     return *plan_;
 }
 
 // --- names
 
-void Statement::setCursorName(const std::string& name) {
+void StatementHandle::setCursorName(const std::string& name) {
     const bool reserved =
         name.size() >= ownCursorNames.size() && sql::sameName(name.substr(0, ownCursorNames.size()), ownCursorNames);
     if (name.empty() || name.size() > longestCursorName || (reserved && name != cursorName_)) {
         throw sql::Error("34000", "'" + name + "' can't be a cursor's name.");
     }
     for (const auto& handle : allHandles(SQL_HANDLE_STMT)) {
-        const auto& other = static_cast<const Statement&>(*handle);
+        const auto& other = static_cast<const StatementHandle&>(*handle);
         if (&other == this || other.connection_ != connection_ || !sql::sameName(other.cursorName_, name)) continue;
         throw sql::Error("3C000", "Another statement has the cursor name '" + name + "'.");
     }
     cursorName_ = name;
 }
 
-const std::string& Statement::cursorName() {
+const std::string& StatementHandle::cursorName() {
     if (cursorName_.empty())
         cursorName_ = std::string(ownCursorNames) + std::to_string(connection_->nextCursorNumber());
     return cursorName_;
@@ -311,9 +315,9 @@ const std::string& Statement::cursorName() {
 
 // --- attributes
 
-bool Statement::isScrollable() const { return attributes_.get(SQL_ATTR_CURSOR_TYPE) == SQL_CURSOR_STATIC; }
+bool StatementHandle::isScrollable() const { return attributes_.get(SQL_ATTR_CURSOR_TYPE) == SQL_CURSOR_STATIC; }
 
-SQLULEN Statement::attribute(SQLINTEGER attribute) const {
+SQLULEN StatementHandle::attribute(SQLINTEGER attribute) const {
     switch (attribute) {
         case SQL_ATTR_APP_ROW_DESC:
             return bits(&rowDescriptor());
@@ -333,9 +337,9 @@ SQLULEN Statement::attribute(SQLINTEGER attribute) const {
     return static_cast<SQLULEN>(std::get<SQLLEN>(descriptor(header->side).field(0, header->field)));
 }
 
-void Statement::useDescriptor(std::shared_ptr<Descriptor>& place, SQLULEN handle) {
-    auto given =
-        std::static_pointer_cast<Descriptor>(findHandle(reinterpret_cast<SQLHANDLE>(handle), Descriptor::handleType));
+void StatementHandle::useDescriptor(std::shared_ptr<DescriptorHandle>& place, SQLULEN handle) {
+    auto given = std::static_pointer_cast<DescriptorHandle>(
+        findHandle(reinterpret_cast<SQLHANDLE>(handle), DescriptorHandle::handleType));
     if (given && &given->connection() != connection_.get()) given.reset();
     const bool own = handle == 0 || (given && (given == ard_ || given == apd_));
     if (!own && (!given || given->isAutomatic())) {
@@ -344,9 +348,9 @@ void Statement::useDescriptor(std::shared_ptr<Descriptor>& place, SQLULEN handle
     place = own ? nullptr : given;
 }
 
-void Statement::setAttribute(SQLINTEGER attribute, SQLULEN value) {
-    if (attribute == SQL_ATTR_APP_ROW_DESC) return useDescriptor(givenArd_, value);
-    if (attribute == SQL_ATTR_APP_PARAM_DESC) return useDescriptor(givenApd_, value);
+void StatementHandle::setAttribute(SQLINTEGER attribute, SQLULEN value) {
+    if (attribute == SQL_ATTR_APP_ROW_DESC) return useDescriptor(applicationArd_, value);
+    if (attribute == SQL_ATTR_APP_PARAM_DESC) return useDescriptor(applicationApd_, value);
     if (const HeaderAttribute* const header = headerAttribute(attribute)) {
         return descriptor(header->side).setField(0, header->field, static_cast<SQLLEN>(value));
     }

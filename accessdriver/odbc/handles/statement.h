@@ -7,24 +7,24 @@
 
 #include "accessdriver/odbc/data/transfer.h"
 #include "accessdriver/odbc/handles/connection.h"
-#include "accessdriver/odbc/handles/cursor.h"
 #include "accessdriver/odbc/handles/descriptor.h"
 #include "accessdriver/odbc/handles/parameters.h"
+#include "accessdriver/odbc/handles/rowsetCursor.h"
 #include "accessdriver/odbc/handles/statementAttributes.h"
 #include "accessdriver/sql/run/session.h"
 
 namespace odbc {
 
 /// A statement of a connection, with its descriptors and its open result.
-class Statement : public Handle {
+class StatementHandle : public Handle {
   public:
     static constexpr SQLSMALLINT handleType = SQL_HANDLE_STMT;
 
-    explicit Statement(std::shared_ptr<Connection> connection);
-    ~Statement() override;
+    explicit StatementHandle(std::shared_ptr<ConnectionHandle> connection);
+    ~StatementHandle() override;
 
     std::mutex& mutex() override { return connection_->mutex(); }
-    Connection& connection() const { return *connection_; }
+    ConnectionHandle& connection() const { return *connection_; }
 
     /// Parses the text and finds its names. Throws sql::Error for a statement that is refused.
     void prepare(std::string text);
@@ -33,18 +33,19 @@ class Statement : public Handle {
     /// SQL_NO_DATA if it was an UPDATE or DELETE that met no row, which applications of ODBC 2 get as a success.
     SQLRETURN execute();
 
-    /// Asks for the data of the next parameter: SQL_NEED_DATA and what stands for it. Runs the statement once all is
+    /// Asks for the data of the next parameter: SQL_NEED_DATA and the parameter's token. Runs the statement once all is
     /// there. Throws sql::Error(HY010) if no data is awaited.
     SQLRETURN parameterData(SQLPOINTER* token);
     void putData(const void* data, SQLLEN length);
 
     /// Gives up an execution that waits for data.
-    void cancel() { awaiting_.reset(); }
+    void cancel() { waitingForData_.reset(); }
 
-    /// Makes the rows the statement's result, as the catalog functions do.
-    void answer(sql::RowSet rows);
+    /// Makes the rows the statement's result set, as the catalog functions do.
+    void setResult(sql::RowSet rows);
 
-    /// A rowset of the application: how many rows, and where it is told what became of each and how many there are.
+    /// A rowset as the application asks for it: its number of rows, and the addresses of the row statuses and of the
+    /// number of rows that were fetched.
     struct Rowset {
         SQLULEN size;
         SQLUSMALLINT* status;
@@ -89,41 +90,41 @@ class Statement : public Handle {
     void setCursorName(const std::string& name);
     const std::string& cursorName();
 
-    Descriptor& descriptor(DescriptorSide side) const;
+    DescriptorHandle& descriptor(DescriptorSide side) const;
 
     SQLULEN attribute(SQLINTEGER attribute) const;
     void setAttribute(SQLINTEGER attribute, SQLULEN value);
 
   private:
-    Descriptor& rowDescriptor() const;
-    Descriptor& parameterDescriptor() const;
-    void useDescriptor(std::shared_ptr<Descriptor>& place, SQLULEN handle);
+    DescriptorHandle& rowDescriptor() const;
+    DescriptorHandle& parameterDescriptor() const;
+    void useDescriptor(std::shared_ptr<DescriptorHandle>& place, SQLULEN handle);
     bool isScrollable() const;
     void reset();
-    SQLRETURN awaitOrRun(SQLPOINTER* token);
+    SQLRETURN requestDataOrRun(SQLPOINTER* token);
     SQLRETURN run(const ParameterSets& parameters);
     void runSets(const ParameterSets& parameters);
     void open(std::shared_ptr<sql::RowSet> rows);
     void fillBoundColumns(SQLULEN row);
 
-    std::shared_ptr<Connection> connection_;
+    std::shared_ptr<ConnectionHandle> connection_;
     Attributes attributes_;
-    std::shared_ptr<Descriptor> ard_, apd_, ipd_, ird_;  // the statement's own
-    std::shared_ptr<Descriptor> givenArd_, givenApd_;    // the application's, in the place of those
+    std::shared_ptr<DescriptorHandle> ard_, apd_, ipd_, ird_;            // the statement's own
+    std::shared_ptr<DescriptorHandle> applicationArd_, applicationApd_;  // the application's, in the place of those
 
     std::string text_;
     sql::Statement parsed_;
     std::optional<sql::Plan> plan_;
-    std::optional<ParameterSets> awaiting_;
+    std::optional<ParameterSets> waitingForData_;
 
-    std::optional<Cursor> cursor_;
+    std::optional<RowsetCursor> cursor_;
     std::string cursorName_;
     std::int64_t rowCount_ = -1;
     SQLULEN rowsetSize_ = 0;  // as it was fetched last
 
-    SQLUSMALLINT partColumn_ = 0;  // the column that getData gave last
-    SQLSMALLINT partType_ = 0;
-    Progress part_;
+    SQLUSMALLINT getDataColumn_ = 0;  // the column that getData gave last
+    SQLSMALLINT getDataType_ = 0;
+    Progress getDataProgress_;
 };
 
 }  // namespace odbc

@@ -72,9 +72,9 @@ TEST_F(CatalogTest, WhatColumnsAskOfTheirValues) {
                      {},
                      {{"a", {{"Required", ColumnType::boolean, {1}}, {"AllowZeroLength", ColumnType::boolean, {0}}}},
                       {"b", {{"DefaultValue", ColumnType::memo, {'4', 0}}}}}}}});
-    Connection connection;
+    ClientConnection connection;
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-    Statement statement(connection);
+    ClientStatement statement(connection);
     EXPECT_EQ(statement.outcome("INSERT INTO t (a) VALUES ('x')"), "ok");
     EXPECT_EQ(statement.rows("SELECT b FROM t WHERE b = 4"), Texts{"4"});
     EXPECT_EQ(statement.outcome("INSERT INTO t (b) VALUES (1)").substr(0, 5), "23000");
@@ -130,9 +130,9 @@ TEST_F(CatalogTest, RelationshipsAreForeignKeys) {
                          {{"CagesBirths", "cages", "Births", {{"id", "cage"}}, Rule::cascade, Rule::setNull},
                           {"CagesAnimals", "cages", "animals", {{"cage", "cage"}, {"row", "row"}}},
                           {"Mothers", "animals", "animals", {{"id", "row"}}, Rule::refuse, Rule::cascade}}});
-    Connection connection;
+    ClientConnection connection;
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-    Statement statement(connection);
+    ClientStatement statement(connection);
     const auto keys = [&](const char* key, const char* foreign) {
         const auto text = [](const char* t) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(t)); };
         EXPECT_EQ(SQLForeignKeys(statement.handle(), nullptr, 0, nullptr, 0, text(key), SQL_NTS, nullptr, 0, nullptr, 0,

@@ -62,36 +62,38 @@ Diagnosis diagnosisOf(SQLSMALLINT type, SQLHANDLE handle) {
     return out;
 }
 
-Connection::Connection() {
+ClientConnection::ClientConnection() {
     SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_);
     SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);
     SQLAllocHandle(SQL_HANDLE_DBC, environment_, &handle_);
 }
 
-Connection::~Connection() {
+ClientConnection::~ClientConnection() {
     rollback();
     SQLDisconnect(handle_);
     SQLFreeHandle(SQL_HANDLE_DBC, handle_);
     SQLFreeHandle(SQL_HANDLE_ENV, environment_);
 }
 
-SQLRETURN Connection::openText(const std::string& text) {
+SQLRETURN ClientConnection::openText(const std::string& text) {
     return SQLDriverConnect(handle_, nullptr, chars(text), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT);
 }
 
-SQLRETURN Connection::open(const fs::path& file, const std::string& password) {
+SQLRETURN ClientConnection::open(const fs::path& file, const std::string& password) {
     return openText("DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + file.string() + ";UID=;PWD=" + password + ";");
 }
 
-void Connection::autocommit(bool on) {
+void ClientConnection::autocommit(bool on) {
     SQLSetConnectAttr(handle_, SQL_ATTR_AUTOCOMMIT, attribute(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF), 0);
 }
 
-Statement::Statement(const Connection& connection) { SQLAllocHandle(SQL_HANDLE_STMT, connection.handle(), &handle_); }
+ClientStatement::ClientStatement(const ClientConnection& connection) {
+    SQLAllocHandle(SQL_HANDLE_STMT, connection.handle(), &handle_);
+}
 
-Statement::~Statement() { SQLFreeHandle(SQL_HANDLE_STMT, handle_); }
+ClientStatement::~ClientStatement() { SQLFreeHandle(SQL_HANDLE_STMT, handle_); }
 
-std::string Statement::outcome(const std::string& text) {
+std::string ClientStatement::outcome(const std::string& text) {
     SQLFreeStmt(handle_, SQL_CLOSE);
     const SQLRETURN result = run(text);
     if (result == SQL_NO_DATA) return "nothing";
@@ -100,7 +102,7 @@ std::string Statement::outcome(const std::string& text) {
     return found.state + " " + found.message;
 }
 
-std::optional<std::string> Statement::text(SQLUSMALLINT column) {
+std::optional<std::string> ClientStatement::text(SQLUSMALLINT column) {
     std::string out;
     std::array<char, 256> piece{};
     for (;;) {
@@ -116,7 +118,7 @@ std::optional<std::string> Statement::text(SQLUSMALLINT column) {
     }
 }
 
-Texts Statement::rows() {
+Texts ClientStatement::rows() {
     Texts out;
     SQLSMALLINT columns = 0;
     SQLNumResultCols(handle_, &columns);
@@ -131,12 +133,12 @@ Texts Statement::rows() {
     return out;
 }
 
-Texts Statement::rows(const std::string& text) {
+Texts ClientStatement::rows(const std::string& text) {
     EXPECT_EQ(outcome(text), "ok") << text;
     return rows();
 }
 
-SQLLEN Statement::changed() const {
+SQLLEN ClientStatement::changed() const {
     SQLLEN count = 0;
     SQLRowCount(handle_, &count);
     return count;
@@ -158,7 +160,7 @@ fs::path OdbcTest::makeCav(const std::string& name, jet::CavColumns columns, con
 void ConnectedTest::SetUp() {
     file_ = makeCav();
     ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(file_)));
-    statement_ = std::make_unique<Statement>(connection_);
+    statement_ = std::make_unique<ClientStatement>(connection_);
     handle_ = statement_->handle();
 }
 

@@ -28,12 +28,12 @@ inline SQLCHAR* chars(const std::string& text) { return reinterpret_cast<SQLCHAR
 inline SQLPOINTER attribute(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }
 
 /// A connection through the driver manager, in an environment of its own.
-class Connection {
+class ClientConnection {
   public:
-    Connection();
-    ~Connection();
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
+    ClientConnection();
+    ~ClientConnection();
+    ClientConnection(const ClientConnection&) = delete;
+    ClientConnection& operator=(const ClientConnection&) = delete;
 
     SQLRETURN openText(const std::string& connectionString);
     SQLRETURN open(const std::filesystem::path& file, const std::string& password = jet::cavPassword);
@@ -52,12 +52,12 @@ class Connection {
 
 using Texts = std::vector<std::string>;
 
-class Statement {
+class ClientStatement {
   public:
-    explicit Statement(const Connection& connection);
-    ~Statement();
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
+    explicit ClientStatement(const ClientConnection& connection);
+    ~ClientStatement();
+    ClientStatement(const ClientStatement&) = delete;
+    ClientStatement& operator=(const ClientStatement&) = delete;
 
     SQLRETURN run(const std::string& text) { return SQLExecDirect(handle_, chars(text), SQL_NTS); }
 
@@ -115,11 +115,11 @@ class ConnectedTest : public OdbcTest {
                             SQLLEN bytes = 0, SQLLEN* indicator = nullptr);
 
     /// The rows of another statement on the connection.
-    Texts rowsOf(const std::string& text) const { return Statement(connection_).rows(text); }
+    Texts rowsOf(const std::string& text) const { return ClientStatement(connection_).rows(text); }
 
     std::filesystem::path file_;
-    Connection connection_;
-    std::unique_ptr<Statement> statement_;
+    ClientConnection connection_;
+    std::unique_ptr<ClientStatement> statement_;
     SQLHSTMT handle_ = nullptr;
 };
 

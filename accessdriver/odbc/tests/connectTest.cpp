@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 // "ok", or SQLSTATE and native code of the refusal.
 std::string connecting(const fs::path& file, const std::string& password = jet::cavPassword) {
-    Connection connection;
+    ClientConnection connection;
     if (SQL_SUCCEEDED(connection.open(file, password))) return "ok";
     const Diagnosis found = connection.diagnosis();
     EXPECT_GT(found.message.size(), 40U) << "a sentence for the user";
@@ -108,16 +108,16 @@ TEST_F(ConnectTest, ReadOnlyFilesAndConnections) {
     const fs::path file = makeCav();
     const std::string where =
         "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + file.string() + ";PWD=" + jet::cavPassword;
-    const auto expectReading = [](Connection& connection) {
-        Statement statement(connection);
+    const auto expectReading = [](ClientConnection& connection) {
+        ClientStatement statement(connection);
         EXPECT_EQ(statement.rows("SELECT id FROM cavyUser"), Texts{"1"});
         EXPECT_EQ(statement.outcome("INSERT INTO tree (name) VALUES ('Ann')").substr(0, 5), "HY000");
     };
     {
-        Connection asked;
+        ClientConnection asked;
         ASSERT_TRUE(SQL_SUCCEEDED(asked.openText(where + ";ReadOnly=1")));
         expectReading(asked);
-        Connection mode;
+        ClientConnection mode;
         SQLSetConnectAttr(mode.handle(), SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_ONLY), 0);
         ASSERT_TRUE(SQL_SUCCEEDED(mode.openText(where)));
         expectReading(mode);
@@ -129,22 +129,22 @@ TEST_F(ConnectTest, ReadOnlyFilesAndConnections) {
         ::close(other);
     }
     {
-        Connection later;
+        ClientConnection later;
         ASSERT_TRUE(SQL_SUCCEEDED(later.openText(where)));
         SQLSetConnectAttr(later.handle(), SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_ONLY), 0);
         expectReading(later);
         SQLSetConnectAttr(later.handle(), SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_WRITE), 0);
-        EXPECT_EQ(Statement(later).outcome("UPDATE tree SET name='x'"), "nothing");
+        EXPECT_EQ(ClientStatement(later).outcome("UPDATE tree SET name='x'"), "nothing");
     }
     fs::permissions(file, fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
     fs::permissions(folder(), fs::perms::all);
     fs::permissions(registrationFolder(), fs::perms::all);
     const OrdinaryUser user;
     if (::eaccess(DRIVER_LIBRARY, R_OK) != 0) GTEST_SKIP() << "an ordinary user can't load the driver here";
-    Connection usual;
+    ClientConnection usual;
     ASSERT_TRUE(SQL_SUCCEEDED(usual.openText(where)));
     expectReading(usual);
-    Connection writer;
+    ClientConnection writer;
     SQLSetConnectAttr(writer.handle(), SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_WRITE), 0);
     EXPECT_FALSE(SQL_SUCCEEDED(writer.openText(where)));
     EXPECT_EQ(writer.diagnosis().native, -1002);
@@ -152,12 +152,12 @@ TEST_F(ConnectTest, ReadOnlyFilesAndConnections) {
 
 TEST_F(ConnectTest, TwoConnectionsOfOneProgramShareTheFile) {
     const fs::path file = makeCav();
-    Connection first;
-    Connection second;
+    ClientConnection first;
+    ClientConnection second;
     ASSERT_TRUE(SQL_SUCCEEDED(first.open(file)));
     ASSERT_TRUE(SQL_SUCCEEDED(second.open(file)));
-    Statement writer(first);
-    Statement reader(second);
+    ClientStatement writer(first);
+    ClientStatement reader(second);
     EXPECT_EQ(writer.outcome("INSERT INTO tree (name) VALUES ('Ann')"), "ok");
     EXPECT_EQ(reader.rows("SELECT name FROM tree"), Texts{"Ann"});
     EXPECT_EQ(reader.rows("SELECT name FROM tree WHERE name='Ann'"), Texts{"Ann"});
@@ -173,7 +173,7 @@ TEST_F(ConnectTest, ADataSourceOfTheListWorksAsWell) {
         << "[HerdWithPassword]\nDriver = Microsoft Access Driver (*.mdb)\nDBQ = " << file.string()
         << "\nPWD = " << jet::cavPassword << "\n";
     const auto connect = [](const std::string& source, const std::string& password) {
-        const Connection connection;
+        const ClientConnection connection;
         const SQLRETURN result =
             SQLConnect(connection.handle(), chars(source), SQL_NTS, chars(""), SQL_NTS, chars(password), SQL_NTS);
         return SQL_SUCCEEDED(result) ? "ok" : connection.diagnosis().state;
@@ -181,13 +181,13 @@ TEST_F(ConnectTest, ADataSourceOfTheListWorksAsWell) {
     EXPECT_EQ(connect("Herd", jet::cavPassword), "ok");
     EXPECT_EQ(connect("Herd", "no"), "28000");
     EXPECT_EQ(connect("HerdWithPassword", ""), "ok");
-    Connection byText;
+    ClientConnection byText;
     EXPECT_TRUE(SQL_SUCCEEDED(byText.openText("DSN=HerdWithPassword;")));
 }
 
 TEST_F(ConnectTest, TheConnectionTellsWhetherItIsAlive) {
     const fs::path file = makeCav();
-    Connection connection;
+    ClientConnection connection;
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(file)));
     SQLUINTEGER dead = SQL_CD_TRUE;
     EXPECT_EQ(SQLGetConnectAttr(connection.handle(), SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead, nullptr),

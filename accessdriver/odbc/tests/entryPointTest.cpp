@@ -117,9 +117,9 @@ TEST_F(EntryPoint, AChildProcessCantUseTheConnectionOfItsParent) {
                                        {SQL_HANDLE_ENV, environment}}) {
         find<decltype(SQLFreeHandle)>("SQLFreeHandle")(static_cast<SQLSMALLINT>(type), handle);
     }
-    Connection other;
+    ClientConnection other;
     ASSERT_TRUE(SQL_SUCCEEDED(other.open(file)));
-    EXPECT_EQ(Statement(other).rows("SELECT name FROM tree"), (Texts{"Ann", "Ann"}));
+    EXPECT_EQ(ClientStatement(other).rows("SELECT name FROM tree"), (Texts{"Ann", "Ann"}));
 }
 
 TEST_F(EntryPoint, DescriptorsAreCopiedInBothDirectionsAtOnce) {

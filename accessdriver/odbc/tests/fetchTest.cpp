@@ -185,7 +185,7 @@ TEST_F(FetchTest, DatesInEveryCType) {
 }
 
 TEST_F(FetchTest, BoundColumnsAreFilledRowByRow) {
-    Statement writer(connection_);
+    ClientStatement writer(connection_);
     writer.outcome("INSERT INTO tree (ps) VALUES ('second with a name too long')");
     const SQLHSTMT handle = statement_->handle();
     std::array<char, 12> name{};
@@ -250,12 +250,12 @@ TEST_F(FetchTest, ALongResultTakesNoMemoryAndBeginsAtOnce) {
     const long file = static_cast<long>(std::filesystem::file_size(path) / 1024);
     constexpr long pages = 48000;  // that the driver keeps
     ASSERT_GT(file, 3 * pages);
-    Connection connection;
+    ClientConnection connection;
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
     // From here on counts the most.
     if (!(std::ofstream("/proc/self/clear_refs") << 5).flush()) GTEST_SKIP() << "the kernel does not tell";
     const long before = memory("VmRSS");
-    Statement statement(connection);
+    ClientStatement statement(connection);
     ASSERT_EQ(statement.outcome("SELECT notes FROM t WHERE notes LIKE 'n%'"), "ok");
     std::array<char, 20000> notes{};
     int met = 0;
@@ -324,9 +324,9 @@ TEST_F(FetchTest, DisplaySizesHoldTheLongestValue) {
                             {"number", ColumnType::doubleFloat},
                             {"mark", ColumnType::guid}},
                            {}}}});
-    Connection connection;
+    ClientConnection connection;
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-    Statement statement(connection);
+    ClientStatement statement(connection);
     const Texts values = {"-1.00051195e-36",          "-0.12345",
                           "-1234567890123456.78",     "-922337203685477.5808",
                           "-2.2250738585072014e-308", "01234567-89AB-CDEF-0123-456789ABCDEF"};

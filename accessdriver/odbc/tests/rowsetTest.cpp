@@ -15,7 +15,7 @@ using namespace odbctest;
 class RowsetTest : public ConnectedTest {};
 
 TEST_F(RowsetTest, AStaticCursorGoesAnywhereInBlocks) {
-    Statement writer(connection_);
+    ClientStatement writer(connection_);
     for (int i = 1; i <= 7; ++i) writer.outcome("INSERT INTO tree (name) VALUES ('a" + std::to_string(i) + "')");
     std::array<SQLINTEGER, 3> ids{};
     std::array<SQLUSMALLINT, 3> status{};
@@ -122,7 +122,7 @@ TEST_F(RowsetTest, DescriptorsTellAndTake) {
     EXPECT_EQ(diagnosisOf(SQL_HANDLE_DESC, variables).state, "07009");
 
     // The usual way to the digits of a number: type, precision, scale and place of the variable, one by one.
-    Statement(connection_).outcome("INSERT INTO tree (name, price) VALUES ('Ann', -922337203685477.5808)");
+    ClientStatement(connection_).outcome("INSERT INTO tree (name, price) VALUES ('Ann', -922337203685477.5808)");
     SQL_NUMERIC_STRUCT price{};
     SQLSetDescField(variables, 3, SQL_DESC_TYPE, attribute(SQL_C_NUMERIC), 0);
     SQLSetDescField(variables, 3, SQL_DESC_PRECISION, attribute(19), 0);
@@ -175,9 +175,9 @@ TEST_F(RowsetTest, ARowThatFailsCostsNoOtherRow) {
     jet::makeFile(path, {"", {{"t", {{"id", ColumnType::longInteger, 0, true}, {"notes", ColumnType::memo}}, {}}}});
     const std::string columns = "SELECT notes,id FROM t";
     {
-        Connection connection;
+        ClientConnection connection;
         ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-        Statement writer(connection);
+        ClientStatement writer(connection);
         for (const char* notes : {"1", "x", "3", "4"}) {
             ASSERT_EQ(writer.outcome("INSERT INTO t (notes) VALUES ('" + std::string(notes) + "')"), "ok");
         }
@@ -223,9 +223,9 @@ TEST_F(RowsetTest, ARowThatFailsCostsNoOtherRow) {
     file.write(std::string(pageSize, '\0').data(), pageSize);
     file.close();
 
-    Connection connection;
+    ClientConnection connection;
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-    Statement reader(connection);
+    ClientStatement reader(connection);
     std::array<SQLINTEGER, 3> ids{};
     std::array<SQLUSMALLINT, 3> status{};
     SQLULEN fetched = 0;

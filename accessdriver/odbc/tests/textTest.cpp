@@ -46,11 +46,11 @@ TEST(Text, WideTextsRoundTripAndHalfPairsAreReplaced) {
 
 TEST(Text, CopyOutWritesNothingWhereNothingFits) {
     char buffer[4] = {'#', '#', '#', '#'};
-    EXPECT_TRUE(odbc::copyOut("abc", 1, 1, buffer, 0).truncated);
-    EXPECT_TRUE(odbc::copyOut("abc", 2, 2, buffer, 1).truncated);
+    EXPECT_TRUE(odbc::copyBytesOut("abc", 1, 1, buffer, 0).truncated);
+    EXPECT_TRUE(odbc::copyBytesOut("abc", 2, 2, buffer, 1).truncated);
     EXPECT_EQ(std::string(buffer, 4), "####");
-    EXPECT_FALSE(odbc::copyOut("abc", 1, 1, buffer, 4).truncated);
-    EXPECT_TRUE(odbc::copyOut("abcd", 1, 0, buffer, 3).truncated) << "bytes end without a zero";
+    EXPECT_FALSE(odbc::copyBytesOut("abc", 1, 1, buffer, 4).truncated);
+    EXPECT_TRUE(odbc::copyBytesOut("abcd", 1, 0, buffer, 3).truncated) << "bytes end without a zero";
     EXPECT_EQ(std::string(buffer, 4), std::string("abc\0", 4));
 }
 

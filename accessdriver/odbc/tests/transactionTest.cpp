@@ -29,14 +29,14 @@ class TransactionTest : public ConnectedTest {
   protected:
     // The rows that another connection reads.
     Texts seen() const {
-        Connection other;
+        ClientConnection other;
         EXPECT_TRUE(SQL_SUCCEEDED(other.open(file_)));
-        return Statement(other).rows("SELECT name FROM tree");
+        return ClientStatement(other).rows("SELECT name FROM tree");
     }
 };
 
 TEST_F(TransactionTest, WithoutAutocommitNothingStaysUntilItIsCommitted) {
-    Statement& statement = *statement_;
+    ClientStatement& statement = *statement_;
     EXPECT_EQ(statement.outcome("INSERT INTO tree (name) VALUES ('auto')"), "ok");
     EXPECT_EQ(seen(), Texts{"auto"});
     connection_.autocommit(false);
@@ -80,11 +80,11 @@ TEST_F(TransactionTest, ADiskThatRefusesIsToldWhenTheConnectionIsClosed) {
 
 TEST_F(TransactionTest, AnotherConnectionMayNotWriteIntoAnOpenTransaction) {
     connection_.autocommit(false);
-    Statement& statement = *statement_;
+    ClientStatement& statement = *statement_;
     EXPECT_EQ(statement.outcome("INSERT INTO tree (name) VALUES ('mine')"), "ok");
-    Connection other;
+    ClientConnection other;
     ASSERT_TRUE(SQL_SUCCEEDED(other.open(file_)));
-    Statement theirs(other);
+    ClientStatement theirs(other);
     EXPECT_EQ(theirs.outcome("INSERT INTO tree (name) VALUES ('theirs')").substr(0, 5), "40001");
     EXPECT_EQ(connection_.commit(), SQL_SUCCESS);
     EXPECT_EQ(theirs.outcome("INSERT INTO tree (name) VALUES ('theirs')"), "ok");
@@ -92,10 +92,10 @@ TEST_F(TransactionTest, AnotherConnectionMayNotWriteIntoAnOpenTransaction) {
 }
 
 TEST_F(TransactionTest, AutocommitSwitchedOffBeforeConnecting) {
-    Connection connection;
+    ClientConnection connection;
     connection.autocommit(false);
     ASSERT_TRUE(SQL_SUCCEEDED(connection.open(file_)));
-    EXPECT_EQ(Statement(connection).outcome("INSERT INTO tree (name) VALUES ('open')"), "ok");
+    EXPECT_EQ(ClientStatement(connection).outcome("INSERT INTO tree (name) VALUES ('open')"), "ok");
     EXPECT_EQ(connection.rollback(), SQL_SUCCESS);
     EXPECT_EQ(seen(), Texts{});
 }

@@ -29,7 +29,7 @@ class WideTest : public OdbcTest {
 
     SQLRETURN run(std::u16string text) { return SQLExecDirectW(statement_, wide(text), SQL_NTS); }
 
-    Connection connection_;
+    ClientConnection connection_;
     SQLHSTMT statement_ = nullptr;
 };
 

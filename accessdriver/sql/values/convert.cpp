@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "accessdriver/jet/utf8.h"
 #include "accessdriver/sql/values/caseFold.h"
 #include "accessdriver/sql/values/decimal.h"
 #include "accessdriver/sql/values/error.h"
@@ -43,22 +44,13 @@ std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "
     throw Error("07006", "The column " + inQuotes(column.name) + " can't take a value of this kind.");
 }
 
-// The beginning of a long text: some applications have no room for messages of any length.
-std::string abbreviated(std::string_view text) {
-    constexpr std::size_t mostBytes = 60;
-    if (text.size() <= mostBytes) return std::string(text);
-    std::size_t end = mostBytes;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
-    return std::string(text.substr(0, end)) + "...";
-}
-
 [[noreturn]] void refuseText(const char* state, const Literal& literal, const ColumnInfo& column, const char* wanted) {
-    throw Error(state, inQuotes(abbreviated(literal.text)) + " is no " + wanted + ", which the column " +
+    throw Error(state, inQuotes(jet::abbreviated(literal.text)) + " is no " + wanted + ", which the column " +
                            inQuotes(column.name) + " takes.");
 }
 
 [[noreturn]] void refuseRange(std::string_view number, const ColumnInfo& column) {
-    throw Error("22003", "The number " + abbreviated(number) + " is out of the range of the column " +
+    throw Error("22003", "The number " + jet::abbreviated(number) + " is out of the range of the column " +
                              inQuotes(column.name) + ".");
 }
 

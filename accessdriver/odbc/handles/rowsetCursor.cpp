@@ -1,4 +1,4 @@
-#include "accessdriver/odbc/handles/cursor.h"
+#include "accessdriver/odbc/handles/rowsetCursor.h"
 
 #include <algorithm>
 
@@ -6,18 +6,18 @@
 
 namespace odbc {
 
-Cursor::Cursor(std::shared_ptr<sql::RowSet> rows, bool scrollable, SQLULEN most)
+RowsetCursor::RowsetCursor(std::shared_ptr<sql::RowSet> rows, bool scrollable, SQLULEN most)
     : rows_(std::move(rows)), scrollable_(scrollable), most_(most) {
     if (scrollable_) rows_->keepRest();
 }
 
-SQLLEN Cursor::rowCount() const {
+SQLLEN RowsetCursor::rowCount() const {
     const SQLULEN count = rows_->size();
     return static_cast<SQLLEN>(most_ == 0 ? count : std::min(count, most_));
 }
 
 // The rules of SQLFetchScroll in the ODBC reference, for a result that does not change.
-SQLLEN Cursor::startFor(SQLSMALLINT orientation, SQLLEN offset, SQLLEN size, bool& cut) const {
+SQLLEN RowsetCursor::startFor(SQLSMALLINT orientation, SQLLEN offset, SQLLEN size, bool& cut) const {
     const SQLLEN count = rowCount();
     const auto notBeforeFirst = [&](SQLLEN start, bool mayCut) {
         if (start >= 1) return start;
@@ -44,7 +44,7 @@ SQLLEN Cursor::startFor(SQLSMALLINT orientation, SQLLEN offset, SQLLEN size, boo
     }
 }
 
-bool Cursor::move(SQLSMALLINT orientation, SQLLEN offset, SQLULEN size, bool& cut) {
+bool RowsetCursor::move(SQLSMALLINT orientation, SQLLEN offset, SQLULEN size, bool& cut) {
     if (!scrollable_ && orientation != SQL_FETCH_NEXT) {
         throw sql::Error("HY106", "A forward-only result is read from first to last.");
     }
@@ -59,7 +59,7 @@ bool Cursor::move(SQLSMALLINT orientation, SQLLEN offset, SQLULEN size, bool& cu
     return start_ >= 1 && start_ <= rowCount();
 }
 
-bool Cursor::toRow(SQLULEN row) {
+bool RowsetCursor::moveToRow(SQLULEN row) {
     const SQLULEN number = static_cast<SQLULEN>(start_) + row;
     if (scrollable_) {
         if (number > static_cast<SQLULEN>(rowCount())) return false;

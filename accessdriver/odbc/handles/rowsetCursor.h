@@ -9,11 +9,11 @@
 
 namespace odbc {
 
-/// Where an application stands in a result: on a rowset, which is so many rows from one on.
-class Cursor {
+/// The position of an application in a result set: a rowset, which is a number of consecutive rows.
+class RowsetCursor {
   public:
-    /// A scrollable cursor stands over a copy of all rows. No more than `most` rows are shown; 0 for all.
-    Cursor(std::shared_ptr<sql::RowSet> rows, bool scrollable, SQLULEN most);
+    /// A scrollable cursor copies all rows first. At most `most` rows are visible; 0 means all.
+    RowsetCursor(std::shared_ptr<sql::RowSet> rows, bool scrollable, SQLULEN most);
 
     /// Moves to another rowset of up to `size` rows; false where that lies before the first or behind the last row.
     /// Orientations are those of SQLFetchScroll. Sets `cut` where a rowset would begin before the first row, and the
@@ -22,9 +22,9 @@ class Cursor {
 
     /// Moves to a row of the rowset, from 0; false if the result ends before it. A cursor that is not scrollable goes
     /// through the rowset from its first row to its last.
-    bool toRow(SQLULEN row);
+    bool moveToRow(SQLULEN row);
 
-    /// Says how many rows the rowset got in the end: the next one begins behind them.
+    /// Sets how many rows the rowset has in the end: the next rowset begins behind them.
     void endRowset(SQLULEN rows) { size_ = static_cast<SQLLEN>(rows); }
 
     /// The number of the current row in the result, from 1; 0 if there is none.
