@@ -51,6 +51,8 @@ for name in NAMES:
 cursor.execute(INSERT, (None,) * 2 + (False,) + (None,) * 11)
 connection.commit()
 
+same(cursor.execute("SELECT @@IDENTITY").fetchone()[0], len(NAMES) + 1, "id of the last row")
+
 rows = cursor.execute("SELECT * FROM everything").fetchall()
 same(len(rows), len(NAMES) + 1, "number of rows")
 for number, (got, name) in enumerate(zip(rows, NAMES), 1):
@@ -98,4 +100,8 @@ connection.close()
 again = pyodbc.connect(sys.argv[1])
 same(again.execute("SELECT notes FROM everything WHERE id = 1").fetchone()[0], "c" * 128, "after connecting again")
 again.close()
+reader = pyodbc.connect(sys.argv[1], readonly=True)
+same(reader.execute("SELECT COUNT(*) FROM everything").fetchone()[0], 9, "rows of a connection for reading")
+refused(lambda: reader.execute("UPDATE everything SET tag = 1"), "HY000", "a change on a connection for reading")
+reader.close()
 print("pyodbc: all as it should be")

@@ -37,11 +37,11 @@ void same(const T& got, const T& wanted, const QString& what) {
 
 const QStringList columns = {"id",    "name",   "notes", "tame", "legs",  "cage", "tag",   "price",
                              "ratio", "weight", "born",  "chip", "photo", "mark", "amount"};
-const QStringList names = {"Снежок", "Ωmega", "兎", "Paw 🐾", "Việt", "O'Brien", QString(127, 'a'), QString(128, 'b')};
+const QStringList names = {"Снежок", "Paw 🐾", QString(128, 'b')};
 
-QVariantList rowOf(const QString& name, const QString& notes) {
+QVariantList rowOf(const QString& name) {
     return {name,
-            notes,
+            QString("Fell: glänzend, 🐹. ").repeated(1053).left(20000),
             true,
             200,
             -300,
@@ -61,6 +61,15 @@ void insert(QSqlQuery& query, const QVariantList& values) {
     check(query.exec(), "insert", query.lastError());
 }
 
+// Numbers come in types of the plugin's choice, so each value is compared in the type that was written.
+bool isSame(const QVariant& got, const QVariant& wanted) {
+    if (wanted.typeId() == QMetaType::QString && got.typeId() == QMetaType::Double) {
+        return got.toDouble() == wanted.toDouble();
+    }
+    QVariant converted = got;
+    return converted.convert(wanted.metaType()) && converted == wanted;
+}
+
 void schema(const QSqlDatabase& database) {
     same(database.tables(), QStringList{"everything"}, "tables");
     const QSqlRecord record = database.record("everything");
@@ -71,47 +80,32 @@ void schema(const QSqlDatabase& database) {
 }
 
 void rows(QSqlDatabase& database) {
-    const QString notes = QString("Fell: glänzend, 🐹. ").repeated(1053).left(20000);
     check(database.transaction(), "transaction", database.lastError());
     QSqlQuery query(database);
     check(query.prepare("INSERT INTO everything (" + columns.mid(1).join(",") + ") VALUES (" +
                         QStringList(14, "?").join(",") + ")"),
           "prepare", query.lastError());
-    for (const QString& name : names) insert(query, rowOf(name, notes));
+    for (const QString& name : names) insert(query, rowOf(name));
     QVariantList nulls(14, QVariant(QMetaType::fromType<QString>()));
     nulls[2] = false;
     insert(query, nulls);
+    check(query.exec("SELECT @@IDENTITY") && query.next(), "identity", query.lastError());
+    same(query.value(0).toInt(), static_cast<int>(names.size()) + 1, "id of the last row");
     check(database.commit(), "commit", database.lastError());
 
     check(query.exec("SELECT * FROM everything"), "select", query.lastError());
-    int number = 0;
-    while (query.next()) {
-        same(query.value(0).toInt(), ++number, "id");
-        if (number > names.size()) {
-            for (int i = 1; i < columns.size(); ++i) check(i == 3 || query.isNull(i), "Null of " + columns[i]);
-            continue;
-        }
-        const QVariantList wanted = rowOf(names[number - 1], notes);
+    for (int number = 1; query.next(); ++number) {
+        same(query.value(0).toInt(), number, "id");
+        const bool isNulls = number > names.size();
+        const QVariantList wanted = isNulls ? nulls : rowOf(names[number - 1]);
         for (int i = 1; i < columns.size(); ++i) {
             const QVariant got = query.value(i);
-            const QString what = columns[i] + " of row " + QString::number(number);
-            if (columns[i] == "chip" || columns[i] == "photo") {
-                same(got.toByteArray(), wanted[i - 1].toByteArray(), what);
-            } else if (columns[i] == "tame") {
-                same(got.toBool(), wanted[i - 1].toBool(), what);
-            } else if (columns[i] == "born") {
-                same(got.toDateTime(), wanted[i - 1].toDateTime(), what);
-            } else if (columns[i] == "price" || columns[i] == "weight" || columns[i] == "ratio" ||
-                       columns[i] == "amount") {
-                same(got.toDouble(), wanted[i - 1].toDouble(), what);
-            } else {
-                same(got.toString().toLower(), wanted[i - 1].toString().toLower(), what);
-            }
+            check(isNulls && i != 3 ? got.isNull() : isSame(got, wanted[i - 1]),
+                  columns[i] + " of row " + QString::number(number) + ": " + got.toString().left(200));
         }
     }
-    same(number, static_cast<int>(names.size()) + 1, "number of rows");
-    check(query.previous() && query.first() && query.value(0).toInt() == 1, "going back");
-    check(query.last() && query.seek(3) && query.value(1).toString() == "Paw 🐾", "going anywhere");
+    check(query.last() && query.value(0).toInt() == names.size() + 1, "number of rows");
+    check(query.first() && query.seek(1) && query.value(1).toString() == "Paw 🐾", "going anywhere");
 }
 
 void model(const QSqlDatabase& database) {
