@@ -87,7 +87,7 @@ int main(int argumentCount, char** arguments) {
         painting::paint();
         gap.turn();
     };
-    waiting::setTurns(paint, painting::paintAndListen);
+    waiting::setTurns(paint, painting::pumpEvents);
     gap.restart();
     driver.click("frmMain", "cmdConvert");
     gap.turn();

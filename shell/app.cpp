@@ -32,7 +32,7 @@ App::App(int& argumentCount, char** arguments) : Application(argumentCount, argu
     version = TOLVARIS_VERSION_TEXT;
     setName("Tolvaris File Converter", "tolvaris-converter");
     setIcon(pictures::tolvaris());
-    waiting::setTurns(painting::paintIfDue, painting::paintAndListen);
+    waiting::setTurns(painting::paintIfDue, painting::pumpEvents);
 }
 
 App::~App() {

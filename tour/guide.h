@@ -16,18 +16,18 @@ struct Stop {
     std::deque<std::string> answers;  ///< to the questions that come up, in order
     bool completes = true;            ///< whether it ends with "Operation completed"
     bool reports = false;             ///< whether it leaves a list of errors on the Desktop, which is shown
-    /// Looks at the result and tells what is in it; raises std::runtime_error if it is not as it should be.
+    /// Checks the result and returns a summary of it; throws std::runtime_error if the result is wrong.
     std::function<std::string(const std::string& destination)> check;
 };
 
-/// Walks through the program with its real windows, tells what it does, and leaves pictures and converted files behind.
+/// Drives the program through conversions with its real windows, prints each step, and saves pictures and results.
 class Guide {
   public:
-    /// number goes before the names of the pictures.
+    /// `number` is the prefix of the pictures' names.
     Guide(std::filesystem::path samples, std::filesystem::path output, int number);
 
-    /// Makes one conversion, from the program's first window on; prints a line for each box. Whether all came out as it
-    /// should.
+    /// Runs one conversion, starting at the program's first window, and prints a line for each box. Returns whether the
+    /// result is right.
     bool visit(const Stop& stop);
 
   private:

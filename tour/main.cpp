@@ -1,5 +1,4 @@
-// The guided tour: every route, on the sample files, with the real windows. Ends with 0 only if all came out as it
-// should.
+// The guided tour: every route, on the sample files, with the real windows. Ends with 0 only if every result is right.
 //   tolvaris-tour SAMPLES OUTPUT
 
 #include <algorithm>
@@ -20,7 +19,7 @@
 
 namespace {
 
-/// How the program is looked at besides: the variables that make it so, in a folder of its own.
+/// A further appearance in which the windows are shown: the environment variables that cause it, and its folder.
 struct Look {
     std::string name;
     std::vector<std::pair<std::string, std::string>> variables;
@@ -43,8 +42,8 @@ std::vector<Look> looks(const std::filesystem::path& output) {
             darkDesktop(output)};
 }
 
-/// The stops that show every kind of window and box.
-constexpr std::array<std::size_t, 2> telling{0, 3};
+/// The stops that are repeated for each appearance; together they show every kind of window and box.
+constexpr std::array<std::size_t, 2> lookStops{0, 3};
 
 int showStop(const std::filesystem::path& samples, const std::filesystem::path& output, std::size_t number, int count,
              char** arguments) {
@@ -81,7 +80,7 @@ bool showLook(const char* program, const std::filesystem::path& samples, const s
               const Look& look) {
     std::filesystem::create_directories(output / "Desktop");
     for (const auto& [name, value] : look.variables) setenv(name.c_str(), value.c_str(), 1);
-    const bool good = std::all_of(telling.begin(), telling.end(), [&](std::size_t number) {
+    const bool good = std::all_of(lookStops.begin(), lookStops.end(), [&](std::size_t number) {
         return startForStop(program, samples.string(), output.string(), number, true);
     });
     for (const auto& [name, value] : look.variables) unsetenv(name.c_str());

@@ -16,12 +16,12 @@ void expect(bool asItShould, const std::string& what) {
 std::function<std::string(const std::string&)> herd(int animals, int fathers, int mothers, int sexes) {
     return [=](const std::string& destination) {
         const inspect::Herd found = inspect::herdOf(destination);
-        const std::string told = std::to_string(found.animals) + " animals, " + std::to_string(found.fathers) +
-                                 " with a father, " + std::to_string(found.mothers) + " with a mother, " +
-                                 std::to_string(found.sexes) + " of known sex";
+        const std::string summary = std::to_string(found.animals) + " animals, " + std::to_string(found.fathers) +
+                                    " with a father, " + std::to_string(found.mothers) + " with a mother, " +
+                                    std::to_string(found.sexes) + " of known sex";
         expect(found.animals == animals && found.fathers == fathers && found.mothers == mothers && found.sexes == sexes,
-               told);
-        return told;
+               summary);
+        return summary;
     };
 }
 
@@ -39,11 +39,11 @@ std::function<std::string(const std::string&)> cav(int tree, int matings, int so
         const int litters = inspect::cavRows(destination, "matings");
         const int sales = inspect::cavRows(destination, "soldStock");
         const int treatments = inspect::cavRows(destination, "vaccinations");
-        const std::string told = "read back: " + std::to_string(animals) + " animals, " + std::to_string(litters) +
-                                 " matings, " + std::to_string(sales) + " sales, " + std::to_string(treatments) +
-                                 " treatments";
-        expect(animals == tree && litters == matings && sales == soldStock && treatments == vaccinations, told);
-        return told;
+        const std::string summary = "read back: " + std::to_string(animals) + " animals, " + std::to_string(litters) +
+                                    " matings, " + std::to_string(sales) + " sales, " + std::to_string(treatments) +
+                                    " treatments";
+        expect(animals == tree && litters == matings && sales == soldStock && treatments == vaccinations, summary);
+        return summary;
     };
 }
 

@@ -40,23 +40,23 @@ std::vector<std::string> listedNames(const QFileDialog& dialog) {
     return names;
 }
 
-QtMessageHandler usualHandler = nullptr;
+QtMessageHandler previousHandler = nullptr;
 
 void dropNotice(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     const bool ofThePlatform =
         message.startsWith("This plugin does not support") || message.contains("XDG_RUNTIME_DIR");
-    if (!ofThePlatform) usualHandler(type, context, message);
+    if (!ofThePlatform) previousHandler(type, context, message);
 }
 
 }  // namespace
 
-void dropNoticesOfThePlatform() { usualHandler = qInstallMessageHandler(dropNotice); }
+void dropNoticesOfThePlatform() { previousHandler = qInstallMessageHandler(dropNotice); }
 
-/// Sees boxes and dialogs come up, and gets a turn whenever events are handled.
+/// Notices boxes and dialogs when they are shown, and calls the observer whenever events are processed.
 class WindowDriver::Filter : public QObject {
   public:
     explicit Filter(WindowDriver& driver) : driver_(driver) {
-        QObject::connect(&timer_, &QTimer::timeout, this, [this] { driver_.turn(); });
+        QObject::connect(&timer_, &QTimer::timeout, this, [this] { driver_.callObserver(); });
         timer_.start(0);
         qApp->installEventFilter(this);
     }
@@ -143,7 +143,7 @@ bool WindowDriver::isVisible(const std::string& windowName, const std::string& c
     return found->isVisible() && !found->visibleRegion().isEmpty();
 }
 
-void WindowDriver::turn() {
+void WindowDriver::callObserver() {
     // A copy: the observer may put another in its place.
     if (const auto observer = observer_) observer();
 }

@@ -9,7 +9,7 @@
 class QObject;
 class QWidget;
 
-/// A message box as it stood on the screen, and the button that was pressed in it.
+/// A message box as it was shown, and the button that was pressed in it.
 struct Box {
     std::string title;
     std::string text;
@@ -17,16 +17,16 @@ struct Box {
     std::string answer;
 };
 
-/// A file dialog as it stood on the screen.
+/// A file dialog as it was shown.
 struct FileDialog {
     std::string title;
     std::string filter;
     std::string folder;
-    std::vector<std::string> names;  ///< of the files and folders that it lists, if somebody observes dialogs
+    std::vector<std::string> names;  ///< of the listed files and folders; only with an observer of dialogs
 };
 
-/// Keeps what the toolkit says about a platform without a screen off the terminal: that it can't raise a window, that
-/// nobody is logged in at a desktop. For the start of a program.
+/// Suppresses the toolkit's messages about a platform without a screen: that it can't raise a window, that
+/// no desktop session exists. To be called at the start of a program.
 void dropNoticesOfThePlatform();
 
 /// Drives the program's real windows as a person would: with mouse and keyboard, box by box. Controls are found by
@@ -82,10 +82,11 @@ class WindowDriver {
     /// Runs the action once the event loop is reached, as for a program that has not begun to handle events.
     void later(std::function<void()> action);
 
-    /// Called when a box stands on the screen, before it is answered.
+    /// Sets the function that is called when a box is on the screen, before it is answered.
     void onBox(std::function<void(const Box&)> observer) { boxObserver_ = std::move(observer); }
 
-    /// Called when a file dialog stands on the screen and lists its folder's files, before it is answered.
+    /// Sets the function that is called when a file dialog is on the screen and lists its folder, before it is
+    /// answered.
     void onDialog(std::function<void(const FileDialog&)> observer) { dialogObserver_ = std::move(observer); }
 
     /// Lets pending events run, so that what was closed is gone.
@@ -96,7 +97,7 @@ class WindowDriver {
 
   private:
     class Filter;
-    void turn();
+    void callObserver();
     void answerBox(QWidget* box);
     void answerDialog(QWidget* dialog);
 

@@ -24,7 +24,7 @@ class WindowInterface : public QAccessibleWidget {
     }
 };
 
-/// The area of a window in which its controls stand.
+/// The area of a window that holds its controls.
 class ContentInterface : public QAccessibleWidget {
   public:
     explicit ContentInterface(QWidget* widget) : QAccessibleWidget(widget, QAccessible::Client) {}
@@ -44,13 +44,13 @@ class ContentInterface : public QAccessibleWidget {
 
   private:
     std::vector<QAccessibleInterface*> children() const {
-        std::vector<QAccessibleInterface*> telling;
+        std::vector<QAccessibleInterface*> informative;
         for (int i = 0; i < QAccessibleWidget::childCount(); ++i) {
             QAccessibleInterface* child = QAccessibleWidget::child(i);
             const auto* picture = dynamic_cast<const PictureWidget*>(child->object());
-            if (picture == nullptr || picture->isTelling()) telling.push_back(child);
+            if (picture == nullptr || picture->isInformative()) informative.push_back(child);
         }
-        return telling;
+        return informative;
     }
 };
 
@@ -70,7 +70,7 @@ class LabelInterface : public QAccessibleWidget {
 template <typename Interface>
 QAccessibleInterface* made(QWidget* widget) {
     // The toolkit keeps and deletes it.
-    return std::make_unique<Interface>(widget).release();
+    return new Interface(widget);
 }
 
 QAccessibleInterface* describe(const QString&, QObject* object) {

@@ -10,21 +10,21 @@
 
 #include "platform/desktop/accessibility.h"
 #include "platform/desktop/eventHandler.h"
-#include "platform/desktop/houseStyle.h"
 #include "platform/desktop/messageBox.h"
 #include "platform/desktop/window.h"
 #include "platform/desktop/windowFont.h"
+#include "platform/desktop/windowStyle.h"
 #include "platform/values/failure.h"
 
 namespace {
 
 Application* instance = nullptr;
 
-/// The windows have light backgrounds, so the same colours serve on every desktop.
+/// Sets the style, colours and font. The windows have light backgrounds, so the colours are the same on every desktop.
 void setAppearance() {
     // The geometry is fixed, so a desktop that writes from right to left does not mirror it.
     QApplication::setLayoutDirection(Qt::LeftToRight);
-    QApplication::setStyle(new HouseStyle);
+    QApplication::setStyle(new WindowStyle);
     QPalette palette(QColor(239, 239, 239));
     palette.setColor(QPalette::Highlight, QColor(48, 110, 180));
     QApplication::setPalette(palette);
@@ -33,20 +33,20 @@ void setAppearance() {
     QApplication::setFont(font);
 }
 
-/// The toolkit's own dialogs would write theirs into the user's configuration, and nothing is stored. No file can be
-/// made below this path.
+/// Redirects the settings of the toolkit's own dialogs to a path where no file can be created: the program stores
+/// nothing in the user's configuration.
 void storeNoSettings() { QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null"); }
 
-/// Starts the toolkit. If it can't reach a display it says so and would abort; ends the process with 1 instead.
+/// Starts the toolkit. Without a display the toolkit reports that and aborts; the process ends with status 1 instead.
 std::unique_ptr<QApplication> startToolkit(int& argumentCount, char** arguments) {
-    static QtMessageHandler usualHandler = nullptr;
-    usualHandler =
+    static QtMessageHandler previousHandler = nullptr;
+    previousHandler =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext& context, const QString& message) {
-            usualHandler(type, context, message);
+            previousHandler(type, context, message);
             if (type == QtFatalMsg) std::_Exit(1);
         });
     auto toolkit = std::make_unique<QApplication>(argumentCount, arguments);
-    qInstallMessageHandler(usualHandler);
+    qInstallMessageHandler(previousHandler);
     return toolkit;
 }
 

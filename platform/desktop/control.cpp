@@ -54,7 +54,7 @@ void Control::refresh() {
     widget_->repaint();
 }
 
-void Control::setSpokenName(const std::string& name) { widget_->setAccessibleName(QString::fromStdString(name)); }
+void Control::setAccessibleName(const std::string& name) { widget_->setAccessibleName(QString::fromStdString(name)); }
 
 void Control::setFocus() { widget_->setFocus(); }
 

@@ -30,8 +30,8 @@ class Control {
     void setEnabled(bool enabled);
     void setFocus();
 
-    /// What assistive technology calls a control that has no text to go by.
-    void setSpokenName(const std::string& name);
+    /// Sets the name that assistive technology gives a control without a text of its own.
+    void setAccessibleName(const std::string& name);
 
     /// Paints the control at once.
     void refresh();
@@ -39,15 +39,15 @@ class Control {
     /// The widget behind this control, for what lies inside it, such as the radio buttons of a group box.
     QWidget* widget() const { return widget_; }
 
-    /// Brings what was set since the last call to the screen's widgets. Texts and values are set far more often than
-    /// anybody can see, so they wait here until events are handled or a window is painted.
+    /// Passes texts and values that were set since the last call to the toolkit's widgets. They are set far more often
+    /// than the screen can show, so they are kept until events are processed or a window is painted.
     static void applyChanges();
 
   protected:
     /// The widget belongs to its parent widget; place is in the window's coordinates.
     Control(QWidget* widget, std::string name, const Place& place);
 
-    /// Announces that apply() has something to do.
+    /// Registers this control for the next applyChanges().
     void changed();
     virtual void apply() {}
 

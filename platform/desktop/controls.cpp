@@ -20,7 +20,7 @@
 
 #include "platform/desktop/eventHandler.h"
 #include "platform/desktop/fittingLabel.h"
-#include "platform/desktop/givenPath.h"
+#include "platform/desktop/pastedPath.h"
 #include "platform/desktop/pictureWidget.h"
 #include "platform/values/text.h"
 
@@ -74,7 +74,7 @@ void Label::setColour(const Colour& colour) { setTextColour(label_, QPalette::Wi
 
 void Label::apply() {
     // An animal's name may be as long as its file; a label of this many characters is overfull by far.
-    label_->setWhole(shown(text::shortened(text_, 1000)));
+    label_->setFullText(shown(text::shortened(text_, 1000)));
 }
 
 TextField::TextField(QWidget* parent, std::string name, const Place& place)
@@ -92,7 +92,7 @@ void TextField::takePaths() {
     field_->setAcceptDrops(false);
     const auto before = std::make_shared<QString>(field_->text());
     QObject::connect(field_, &QLineEdit::textEdited, field_, [this, before](const QString& now) {
-        const QString clean = givenPath::cleaned(*before, now);
+        const QString clean = pastedPath::cleaned(*before, now);
         if (clean == now) return;
         const QSignalBlocker onlyOnce(field_);
         field_->selectAll();

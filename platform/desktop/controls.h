@@ -53,8 +53,8 @@ class TextField : public TextControl {
     void setColour(const Colour& colour);
     void setTabStop(bool tabStop);
 
-    /// Has what is pasted taken for the path of a file: a file's address becomes its path, blanks and line ends around
-    /// it go. What is dropped on the field goes to the window.
+    /// Treats pasted text as the path of a file: a file's address becomes its path, blanks and line ends around it are
+    /// removed. Drops on the field are passed on to the window.
     void takePaths();
 
   private:
@@ -175,7 +175,7 @@ class TabPanel : public TextControl {
     QTabWidget* tabs_;
 };
 
-/// Shows a picture, or nothing where the picture could not be loaded. One with a spoken name tells something; any other
+/// Shows a picture, or nothing if it could not be loaded. One with an accessible name is informative; any other
 /// is decoration, which assistive technology does not see.
 class Canvas : public Control {
   public:

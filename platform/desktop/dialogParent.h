@@ -2,7 +2,7 @@
 
 class QWidget;
 
-/// The window that a box or dialog stands in front of: the active one, or else the newest of the program's windows that
-/// is on the screen. None where there is none. A window that has just been closed may still count as the active one,
-/// and would take the box along when it is destroyed.
+/// Returns the parent for a message box or dialog: the active window, else the program's newest window on the screen,
+/// else null. A hidden window is never returned: a window that has just been closed may still be the active one, and a
+/// box that it owns would be destroyed with it.
 QWidget* dialogParent();

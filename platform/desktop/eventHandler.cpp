@@ -15,7 +15,7 @@ namespace {
 struct State {
     int depth = 0;
     int postponements = 0;
-    bool unsettled = false;
+    bool unfinished = false;
     std::vector<std::function<void()>> postponed;
     std::exception_ptr pending;
     std::function<void(const std::string&)> reporter;
@@ -44,7 +44,7 @@ std::string describe(const std::exception_ptr& failure) {
     }
 }
 
-/// Tells the failure that nothing took. What else fails while the report is on the screen is not told.
+/// Reports the pending failure. Failures while the report is on the screen are not reported.
 void report() {
     const auto failure = std::exchange(state().pending, nullptr);
     if (!failure || !state().reporter) return;
@@ -52,10 +52,11 @@ void report() {
     state().pending = nullptr;
 }
 
-void settle() {
-    state().unsettled = state().postponements > 0;
-    if (state().unsettled) return;
-    // First, for they may be those of a closed window.
+/// Runs postponed handlers, then destroys closed windows and calls the idle observer if no handler is on the stack.
+void finishHandlers() {
+    state().unfinished = state().postponements > 0;
+    if (state().unfinished) return;
+    // First, because they may belong to a closed window.
     for (const auto& handler : std::exchange(state().postponed, {})) events::run(handler);
     if (state().depth > 0) return;
     retiredWindows().clear();
@@ -69,29 +70,29 @@ namespace events {
 void run(const std::function<void()>& handler) {
     if (state().postponements > 0) {
         state().postponed.push_back(handler);
-        state().unsettled = true;
+        state().unfinished = true;
         return;
     }
     ++state().depth;
     try {
         handler();
     } catch (...) {
-        // The first failure is the cause; what follows from it while it waits is not told.
+        // The first failure is the cause; failures that follow from it are not reported.
         if (!state().pending) state().pending = std::current_exception();
     }
-    // Before the depth goes down: what lies underneath must live until the report has been read.
+    // While the depth is still 1, so that no window is destroyed while the report is on the screen.
     if (state().depth == 1) report();
     --state().depth;
     Control::applyChanges();
     if (state().depth > 0) return;
-    // Not here: the control whose event this is may belong to a closed window.
-    QTimer::singleShot(0, settle);
+    // Later, because the control that sent this event may belong to a closed window.
+    QTimer::singleShot(0, finishHandlers);
 }
 
 Postponement::Postponement() { ++state().postponements; }
 
 Postponement::~Postponement() {
-    if (--state().postponements == 0 && state().unsettled) QTimer::singleShot(0, settle);
+    if (--state().postponements == 0 && state().unfinished) QTimer::singleShot(0, finishHandlers);
 }
 
 bool anythingWaits() { return !state().postponed.empty(); }
@@ -102,7 +103,7 @@ void rethrowPending() {
 
 void retire(std::unique_ptr<Window> window) {
     retiredWindows().push_back(std::move(window));
-    if (state().depth == 0) QTimer::singleShot(0, settle);
+    if (state().depth == 0) QTimer::singleShot(0, finishHandlers);
 }
 
 void setFailureReporter(std::function<void(const std::string&)> reporter) { state().reporter = std::move(reporter); }

@@ -6,16 +6,15 @@
 
 class Window;
 
-/// How the program's handlers run inside the toolkit. A handler that fails must not unwind through the toolkit's
-/// frames: its failure is caught where the event was delivered and kept. If the handler ran nested in a yield, the
-/// yield throws it again in the loop that yielded; if nothing lies underneath, the event loop reports it and the
-/// program ends with exit code 1.
+/// Runs the program's handlers inside the toolkit. An exception must not unwind through the toolkit's frames, so it is
+/// caught where the event was delivered and kept. If the handler ran nested in a yield, the yield rethrows it in the
+/// loop that yielded. Otherwise the event loop reports it and the program ends with exit code 1.
 namespace events {
 
-/// Runs a handler of a control, menu or window; while a Postponement lives, after it.
+/// Runs a handler of a control, menu or window. While a Postponement exists, the handler is postponed until it ends.
 void run(const std::function<void()>& handler);
 
-/// As long as one lives, handlers wait. They run when events are handled next.
+/// Postpones handlers as long as it exists. They run when events are processed next.
 class Postponement {
   public:
     Postponement();
@@ -24,22 +23,22 @@ class Postponement {
     Postponement& operator=(const Postponement&) = delete;
 };
 
-/// Whether a handler waits for the end of a Postponement, or for events to be handled after it.
+/// Returns whether a handler has been postponed and has not run yet.
 bool anythingWaits();
 
-/// Throws a failure that a nested handler left behind, if there is one.
+/// Rethrows the exception of a nested handler, if there is one.
 void rethrowPending();
 
-/// Takes over a closed window and destroys it once no handler is on the stack, which may be one of its own.
+/// Takes ownership of a closed window and destroys it once no handler is on the stack; one of them may be its own.
 void retire(std::unique_ptr<Window> window);
 
-/// Called with the failure that no loop took; reports it and ends the program.
+/// Sets the function that is called with the text of a failure that no loop caught.
 void setFailureReporter(std::function<void(const std::string& message)> reporter);
 
-/// Called when no handler is on the stack any more and closed windows are gone.
+/// Sets the function that is called when no handler is on the stack and closed windows have been destroyed.
 void setIdleObserver(std::function<void()> observer);
 
-/// Forgets a failure that waits to be thrown again and destroys closed windows; for the end of the program.
+/// Discards a pending exception and postponed handlers, and destroys closed windows. For the end of the program.
 void clear();
 
 }  // namespace events

@@ -10,8 +10,8 @@
 
 namespace {
 
-/// A paragraph, broken between words where it can be and anywhere else where a word is too long.
-QStringList broken(const QString& paragraph, const QFont& font, int width) {
+/// Breaks a paragraph into lines, between words where possible and within words that are too long.
+QStringList linesOf(const QString& paragraph, const QFont& font, int width) {
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     QTextLayout layout(paragraph, font);
@@ -26,13 +26,13 @@ QStringList broken(const QString& paragraph, const QFont& font, int width) {
     return lines.isEmpty() ? QStringList(QString()) : lines;
 }
 
-/// Takes the last line away and says with three dots that there was more.
+/// Removes the last line and marks the end of the one before it with three dots.
 void shorten(QStringList& lines, const QFontMetrics& metrics, int width) {
     const QString rest = lines.takeLast();
     lines.last() = metrics.elidedText(lines.last() + rest, Qt::ElideRight, width);
 }
 
-/// A tool tip that reads like a piece of a page would be taken for one.
+/// Returns a tooltip's text. Text that looks like HTML would be rendered as such, so it is escaped.
 QString plain(const QString& text) {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
@@ -44,8 +44,8 @@ FittingLabel::FittingLabel(bool severalLines, QWidget* parent) : QLabel(parent),
     if (severalLines) setAlignment(Qt::AlignLeft | Qt::AlignTop);
 }
 
-void FittingLabel::setWhole(const QString& text) {
-    whole_ = text;
+void FittingLabel::setFullText(const QString& text) {
+    fullText_ = text;
     setAccessibleName(text);
     fit();
 }
@@ -76,27 +76,27 @@ void FittingLabel::paintEvent(QPaintEvent* event) {
 }
 
 void FittingLabel::fit() {
-    const QString fitting = severalLines_ ? severalLines() : oneLine();
+    const QString fitting = severalLines_ ? wrapped() : elided();
     setText(fitting);
     // Breaking into lines adds line ends and takes nothing away.
-    const bool shortened = QString(fitting).remove('\n') != QString(whole_).remove('\n');
-    setToolTip(shortened ? plain(whole_) : QString());
+    const bool shortened = QString(fitting).remove('\n') != QString(fullText_).remove('\n');
+    setToolTip(shortened ? plain(fullText_) : QString());
 }
 
-QString FittingLabel::oneLine() const { return fontMetrics().elidedText(whole_, Qt::ElideMiddle, width()); }
+QString FittingLabel::elided() const { return fontMetrics().elidedText(fullText_, Qt::ElideMiddle, width()); }
 
-QString FittingLabel::severalLines() const {
+QString FittingLabel::wrapped() const {
     std::vector<QStringList> paragraphs;
     qsizetype lines = 0;
-    for (const QString& paragraph : whole_.split('\n')) {
-        paragraphs.push_back(broken(paragraph, font(), width()));
+    for (const QString& paragraph : fullText_.split('\n')) {
+        paragraphs.push_back(linesOf(paragraph, font(), width()));
         lines += paragraphs.back().size();
     }
     // The lowest row of pixels is empty in nearly every line.
-    const qsizetype room = (height() + 1) / lineHeight();
+    const qsizetype maxLines = (height() + 1) / lineHeight();
     const auto shorter = [](const QStringList& a, const QStringList& b) { return a.size() < b.size(); };
-    for (; lines > room; --lines) {
-        // The longest gives way, so that a name of many lines leaves room for the count below it.
+    for (; lines > maxLines; --lines) {
+        // The longest paragraph is shortened, so that a name of many lines leaves space for the count below it.
         QStringList& longest = *std::max_element(paragraphs.begin(), paragraphs.end(), shorter);
         if (longest.size() == 1) break;
         shorten(longest, fontMetrics(), width());
@@ -106,5 +106,5 @@ QString FittingLabel::severalLines() const {
     return shown.join('\n');
 }
 
-/// Some fonts leave so much between lines that the texts would not fit the fixed geometry.
+/// Limits the line spacing, since with some fonts the texts would not fit the fixed geometry otherwise.
 int FittingLabel::lineHeight() const { return std::min(fontMetrics().lineSpacing(), qCeil(font().pixelSize() * 1.15)); }

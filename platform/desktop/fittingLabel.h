@@ -2,13 +2,13 @@
 
 #include <QtWidgets/QLabel>
 
-/// A label that shows as much of a text as it has room for, in one line or in several. What does not fit is shortened
-/// and shown whole when pointed at. Texts are plain, whatever they look like.
+/// A label that shows as much of a text as fits, in one line or in several. A text that does not fit is elided, and
+/// shown in full as a tooltip. Texts are plain text, also if they look like HTML.
 class FittingLabel : public QLabel {
   public:
     FittingLabel(bool severalLines, QWidget* parent);
 
-    void setWhole(const QString& text);
+    void setFullText(const QString& text);
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -17,10 +17,10 @@ class FittingLabel : public QLabel {
 
   private:
     void fit();
-    QString oneLine() const;
-    QString severalLines() const;
+    QString elided() const;
+    QString wrapped() const;
     int lineHeight() const;
 
-    QString whole_;
+    QString fullText_;
     bool severalLines_;
 };

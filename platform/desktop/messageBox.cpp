@@ -17,8 +17,8 @@ namespace {
 /// No box may grow so tall that its buttons leave the screen.
 constexpr std::size_t longestText = 3000;
 
-/// The toolkit leaves room for a picture also beside a text that has none, and none between the text and its button. A
-/// box with a long text is wider than the text's narrowest form: all of that width is the text's.
+/// Lays out a box without an icon. The toolkit reserves a column for an icon that is not there, and leaves no space
+/// between text and button. The text's column gets the whole width of a wide box.
 void spaceEvenly(QMessageBox& box) {
     auto* layout = qobject_cast<QGridLayout*>(box.layout());
     layout->setHorizontalSpacing(0);

@@ -16,10 +16,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Nobody sees more than about sixty pictures a second.
+/// About sixty frames a second; more can't be seen.
 constexpr auto interval = std::chrono::milliseconds(16);
 
-/// Longer than any screen takes, short enough for one that never shows the window, such as another desktop's.
+/// Longer than any screen takes to expose a window; short enough if it never does, as on another virtual desktop.
 constexpr auto longestWait = std::chrono::milliseconds(250);
 
 Clock::time_point lastPaint;
@@ -41,7 +41,7 @@ void paintIfDue() {
     if (isDue()) paint();
 }
 
-bool paintAndListen() {
+bool pumpEvents() {
     if (QCoreApplication::instance() == nullptr) return true;
     lastPaint = Clock::now();
     Control::applyChanges();
@@ -58,7 +58,7 @@ void paintFirst(const QWidget& window) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
         paint();
     }
-    // What the window is told next is its first text and not a change that can wait.
+    // The next refresh brings the window's first text, so it must not be skipped.
     lastPaint = {};
 }
 

@@ -2,27 +2,26 @@
 
 class QWidget;
 
-/// Painting while the one thread is busy. Windows are painted and exposed here and nothing else happens: presses and
-/// keys stay where they are until the next yield, and a handler that comes by another way, such as assistive
-/// technology, waits for it too.
+/// Painting while the one thread is busy. These functions paint and expose windows and run no handlers: mouse and key
+/// events stay queued until the next yield, and handlers called in another way, such as by assistive technology, are
+/// postponed until then.
 namespace painting {
 
-/// Whether so much time has gone by since the last painting that anybody could see a difference.
+/// Returns whether 16 ms have passed since the last painting.
 bool isDue();
 
-/// Paints at once what waits for it in any window.
+/// Paints all windows that need it, now.
 void paint();
 
-/// Paints if it is due. For work that takes long and cannot yield, such as a long statement of a database; costs next
-/// to nothing when it is called often.
+/// Paints if it is due. For long work that cannot yield, such as a long SQL statement. Cheap enough to be called often.
 void paintIfDue();
 
-/// For work that can be given up: paints, and takes presses and keys too, but what they call for waits for the next
-/// yield. True until something waits.
-bool paintAndListen();
+/// Paints, and accepts mouse and key events; the handlers that these call are postponed until the next yield. For work
+/// that can be interrupted. Returns false once a handler has been postponed.
+bool pumpEvents();
 
-/// Paints a window that has just been shown, as soon as the screen has it. Waits a moment for that and no longer. The
-/// next painting is due at once.
+/// Paints a window that has just been shown, once the screen has exposed it; waits up to 250 ms for that. The next
+/// painting is due immediately.
 void paintFirst(const QWidget& window);
 
 }  // namespace painting

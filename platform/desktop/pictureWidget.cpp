@@ -8,7 +8,7 @@ PictureWidget::PictureWidget(const Picture& picture, QWidget* parent) : QLabel(p
     if (picture) setPixmap(picture.pixmap());
 }
 
-bool PictureWidget::isTelling() const {
+bool PictureWidget::isInformative() const {
     return !accessibleName().isEmpty() && parentWidget()->rect().intersects(geometry());
 }
 

@@ -4,13 +4,13 @@
 
 #include "platform/desktop/picture.h"
 
-/// Shows a picture at its own size, from the one that suits the screen that it is on.
+/// Shows a picture at its own size, in the resolution that suits the screen.
 class PictureWidget : public QLabel {
   public:
     PictureWidget(const Picture& picture, QWidget* parent);
 
-    /// Whether somebody who cannot see it misses something: it stands in the window and has a name.
-    bool isTelling() const;
+    /// Returns whether assistive technology should present the picture: it is inside the window and has a name.
+    bool isInformative() const;
 
   protected:
     void paintEvent(QPaintEvent* event) override;

@@ -47,7 +47,7 @@ class Window {
     /// handler is on the stack. A second close does nothing.
     void close();
 
-    /// Paints what has changed. With the immediate flag, at once, but not more often than anybody can see.
+    /// Paints what has changed, now if the immediate flag is set, but at most every 16 ms.
     void refresh(bool immediate);
 
     int controlCount() const { return static_cast<int>(controls_.size()); }

@@ -6,15 +6,15 @@
 
 namespace {
 
-/// All letters, in about the shares that the windows' texts have.
+/// A text with the letters of the windows' texts, in about their frequencies.
 constexpr const char* sample =
     "Use this program to export and import Tolvaris Animal Breeder files. CSV (Comma Seperated Values), 98980 records";
 
-/// What the sample takes in Liberation Sans, in text sizes.
+/// Width of the sample in Liberation Sans, in multiples of the text size.
 constexpr double regularWidth = 51.8;
 constexpr double boldWidth = 55.3;
 
-/// In percent; narrower letters are not to be read.
+/// The narrowest stretch, in percent, at which letters are still legible.
 constexpr int narrowest = 60;
 
 double widthOf(QFont font, bool bold) {
@@ -30,8 +30,8 @@ QFont windowFont(const QStringList& families) {
     QFont font;
     font.setFamilies(families);
     font.setStyleHint(QFont::SansSerif);
-    // Said also where nothing is to be narrowed: a font made here starts as a copy of the application's. Twice and
-    // more, since the toolkit may take another face of the family for a narrower font, which runs by its own width.
+    // A new font is a copy of the application's, so the stretch is set in every case. A narrower stretch may select
+    // another face of the family, which has a width of its own, so the result is measured again.
     int stretch = QFont::Unstretched;
     double share = 0;
     do {

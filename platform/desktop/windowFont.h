@@ -3,6 +3,7 @@
 #include <QtCore/QStringList>
 #include <QtGui/QFont>
 
-/// The font of the windows: the first of the families that is installed, or the system's. Their geometry is fixed, so a
-/// font that runs wider than the first one, Liberation Sans, is set narrower until its texts take the same room.
+/// Returns the font of the windows: the first of the families that is installed, or the system's. The geometry of the
+/// windows is fixed, so a font that is wider than Liberation Sans is stretched narrower until texts take the same
+/// width.
 QFont windowFont(const QStringList& families = {"Liberation Sans", "Helvetica", "Arial", "Nimbus Sans", "DejaVu Sans"});

@@ -5,7 +5,7 @@
 #include <QtWidgets/QApplication>
 
 #include "platform/desktop/eventHandler.h"
-#include "platform/desktop/givenPath.h"
+#include "platform/desktop/pastedPath.h"
 #include "platform/desktop/window.h"
 
 void WindowWidget::takeFiles(std::function<void(const std::string& path)> taker) {
@@ -19,13 +19,13 @@ void WindowWidget::closeEvent(QCloseEvent* event) {
 }
 
 void WindowWidget::dragEnterEvent(QDragEnterEvent* event) {
-    // Dropping does not ask whether a box or the progress window stands in front.
+    // The toolkit delivers drops also while a box or the progress window is in front.
     const QWidget* inFront = QApplication::activeModalWidget();
     const bool reachable = inFront == nullptr || inFront == this;
-    if (reachable && !givenPath::in(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+    if (reachable && !pastedPath::fromMimeData(*event->mimeData()).isEmpty()) event->acceptProposedAction();
 }
 
 void WindowWidget::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    events::run([this, path = givenPath::in(*event->mimeData()).toStdString()] { fileTaker_(path); });
+    events::run([this, path = pastedPath::fromMimeData(*event->mimeData()).toStdString()] { fileTaker_(path); });
 }

@@ -5,8 +5,8 @@
 /// in the loop that yielded. A failure that such a nested handler raises is thrown again from here.
 namespace yielding {
 
-/// What one call stands for. A pass over a record may take milliseconds, so each one looks at the clock; a pass over a
-/// character takes a nanosecond, so only every 256th does.
+/// The amount of work since the last call. A record may take milliseconds, so each one checks the clock; a character
+/// takes a nanosecond, so only every 256th does.
 enum Weight : int { character = 1, record = 256 };
 
 /// When the yield hands over to the event loop.

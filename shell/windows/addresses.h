@@ -9,7 +9,7 @@ namespace addresses {
 /// which is installed with the program, so that Help works without a network.
 std::string helpEndpoint();
 
-/// The maker's web address, as it stands in a sentence.
+/// The maker's web address, as it appears in a message.
 std::string maker();
 
 }  // namespace addresses

@@ -62,11 +62,11 @@ void FrmMain::createControls() {
     txtFilePath_ = &add<TextField>("txtFilePath", {10, 183, 485, 20});
     lblDestinationFilePath_ = &add<Label>("lblDestinationFilePath", {15, 226, 476, 16}, "");
 
-    for (Canvas* icon : {cvFromLinux_, cvToLinux_}) icon->setSpokenName("Linux");
-    for (Canvas* icon : {cvFromWindows_, cvToWindows_}) icon->setSpokenName("Windows");
-    for (Canvas* icon : {cvFromMac_, cvToMac_}) icon->setSpokenName("Mac");
-    for (Canvas* icon : {cvFromCSV_, cvToCSV_}) icon->setSpokenName("CSV file");
-    for (Canvas* icon : {cvFromCav_, cvToCav_}) icon->setSpokenName("Tolvaris database");
+    for (Canvas* icon : {cvFromLinux_, cvToLinux_}) icon->setAccessibleName("Linux");
+    for (Canvas* icon : {cvFromWindows_, cvToWindows_}) icon->setAccessibleName("Windows");
+    for (Canvas* icon : {cvFromMac_, cvToMac_}) icon->setAccessibleName("Mac");
+    for (Canvas* icon : {cvFromCSV_, cvToCSV_}) icon->setAccessibleName("CSV file");
+    for (Canvas* icon : {cvFromCav_, cvToCav_}) icon->setAccessibleName("Tolvaris database");
     lblSource_->setCaptionOf(*txtFilePath_);
     lblDestination_->setCaptionOf(*lblDestinationFilePath_);
     // As on the screen.

@@ -18,7 +18,7 @@ FrmWait::FrmWait()
     Canvas1_ = &add<Canvas>("Canvas1", {276, 14, 32, 32}, pictures::settings());
     cmdCancel_ = &add<PushButton>("cmdCancel", {231, 84, 77, 22}, "Cancel");
     ProgressBar1_ = &add<ProgressBar>("ProgressBar1", {14, 62, 294, 10});
-    ProgressBar1_->setSpokenName("Progress");
+    ProgressBar1_->setAccessibleName("Progress");
     cmdCancel_->onAction([this] { cmdCancel_Action(); });
 }
 

@@ -198,7 +198,7 @@ TEST_F(RsdStore, AKeyIsDerivedOnceForAFileAndTheWindowsArePaintedMeanwhile) {
     std::filesystem::rename(make("b.rsd", "Bea"), dataPath);
     EXPECT_TRUE(derives()) << "another file of that name";
     EXPECT_EQ(name(), "Bea");
-    waiting::setTurns(painting::paintIfDue, painting::paintAndListen);
+    waiting::setTurns(painting::paintIfDue, painting::pumpEvents);
     EXPECT_EQ(boxTexts(), Texts{});
 }
 

@@ -98,7 +98,7 @@ TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
         ++turns;
         painting::paint();
     };
-    waiting::setTurns(count, painting::paintAndListen);
+    waiting::setTurns(count, painting::pumpEvents);
     for (const auto time : {400ms, 6000ms}) {
         std::unique_ptr<OtherProgram> other;
         yielding::setPump(yielding::Pump::everyCall);
@@ -119,7 +119,7 @@ TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
         EXPECT_EQ(tree("count(*)"), Texts{wasFree ? "30" : "0"});
         if (driver.isOpen("frmWait")) driver.closeWindow("frmWait");
     }
-    waiting::setTurns(painting::paintIfDue, painting::paintAndListen);
+    waiting::setTurns(painting::paintIfDue, painting::pumpEvents);
 }
 
 // The name was looked for with LIKE, which tried every way to spread it.

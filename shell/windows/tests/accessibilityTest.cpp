@@ -21,7 +21,7 @@ std::string nameOf(QAccessibleInterface* seen) { return seen->text(QAccessible::
 class Accessibility : public ProgramTest {
   protected:
     /// Walks the tree as assistive technology does; a line for each thing in it that is visible.
-    static Texts told(QObject* from) {
+    static Texts described(QObject* from) {
         Texts lines;
         walk(QAccessible::queryAccessibleInterface(from), lines);
         return lines;
@@ -51,11 +51,11 @@ class Accessibility : public ProgramTest {
     }
 };
 
-TEST_F(Accessibility, EverythingIsNamedAndDecorationIsHidden) {
+TEST_F(Accessibility, NamesEverythingAndHidesDecoration) {
     EXPECT_EQ(nameOf(QAccessible::queryAccessibleInterface(qApp)), "Tolvaris File Converter");
     driver.click("frmMain", "optFromRsd");
     EXPECT_EQ(
-        told(driver.window("frmMain")),
+        described(driver.window("frmMain")),
         (Texts{"frame Tolvaris File Converter", "button Browse", "group From", "radio CSV (Comma Seperated Values)",
                "radio New Tolvaris (Multi-platform)", "radio Old Tolvaris file\n(Run converter in Windows)", "group To",
                "radio Old Tolvaris Database (.cav)", "radio New Tolvaris (Multi-platform)",
@@ -65,7 +65,7 @@ TEST_F(Accessibility, EverythingIsNamedAndDecorationIsHidden) {
     frmMain().lblDestination().setVisible(true);
     frmMain().lblDestinationFilePath().setText("/home/herd.cax");
     Control::applyChanges();
-    const Texts chosen = told(driver.window("frmMain"));
+    const Texts chosen = described(driver.window("frmMain"));
     EXPECT_EQ(Texts(chosen.end() - 8, chosen.end()),
               (Texts{"picture Linux", "picture Windows", "picture Mac", "picture Tolvaris database",
                      "label Source:", "label New File:", "field Source:", "label /home/herd.cax"}));
@@ -74,19 +74,19 @@ TEST_F(Accessibility, EverythingIsNamedAndDecorationIsHidden) {
     frmWait().lblMessage().setText("Found 3 errors.");
     frmSplash();
     driver.settle();
-    EXPECT_EQ(told(driver.window("frmWait")),
+    EXPECT_EQ(described(driver.window("frmWait")),
               (Texts{"dialog Tolvaris", "label Found 3 errors.", "button Cancel", "bar Progress"}));
-    const Texts splash = told(driver.window("frmSplash"));
+    const Texts splash = described(driver.window("frmSplash"));
     ASSERT_EQ(splash.size(), 5U);
     EXPECT_EQ(splash[0], "dialog Tolvaris");
     EXPECT_TRUE(splash[1].starts_with("label Use this program to export and import")) << splash[1];
     EXPECT_EQ(splash[2], "label Tolvaris File Converter - Version 3.01.01");
 }
 
-TEST_F(Accessibility, BoxesHaveNames) {
+TEST_F(Accessibility, NamesBoxes) {
     Texts boxes;
     driver.onBox([&](const Box&) {
-        for (const std::string& line : told(QApplication::activeModalWidget())) boxes.push_back(line);
+        for (const std::string& line : described(QApplication::activeModalWidget())) boxes.push_back(line);
     });
     driver.answers = {"No"};
     showMessage("Operation completed");
@@ -96,7 +96,7 @@ TEST_F(Accessibility, BoxesHaveNames) {
                             "button No"}));
 }
 
-TEST_F(Accessibility, TheKeyboardReachesEverythingInTheSelector) {
+TEST_F(Accessibility, ReachesEverythingInTheSelectorByKeyboard) {
     QWidget* window = driver.window("frmMain");
     window->activateWindow();
     driver.settle();

@@ -1,4 +1,4 @@
-// The ways by which a file and a form come into the selector.
+// The ways to give the selector a file and a kind of file.
 
 #include <filesystem>
 
@@ -29,12 +29,6 @@ class Choosing : public ProgramTest {
         return field()->text().toStdString();
     }
 
-    std::string pastedOver(const std::string& before, const std::string& text) const {
-        field()->setText(QString::fromStdString(before));
-        field()->selectAll();
-        return pasted(text);
-    }
-
     /// Drops data on the window, somewhere far from the field. False if it is not taken.
     bool drop(const QMimeData& data) const {
         QWidget* window = driver.window("frmMain");
@@ -48,15 +42,24 @@ class Choosing : public ProgramTest {
     }
 };
 
-TEST_F(Choosing, APastedPathIsCleaned) {
-    EXPECT_EQ(pastedOver("", "/home/a b/dogs.csv\n"), "/home/a b/dogs.csv");
-    EXPECT_EQ(pastedOver("/old.csv", " \t/home/dogs.csv\r\n"), "/home/dogs.csv");
-    EXPECT_EQ(pastedOver("", "file:///home/a%20b/Zo%C3%AB%2520.csv"), "/home/a b/Zo\xC3\xAB%20.csv");
-    EXPECT_EQ(pastedOver("flock.csv", "file:///home/flock.csv"), "/home/flock.csv") << "letters in common";
-    EXPECT_EQ(pastedOver("", "file:///a.csv\r\nfile:///b.csv\r\n"), "/a.csv");
-    EXPECT_EQ(pastedOver("", "https://example.org/dogs.csv"), "https://example.org/dogs.csv")
-        << "no file of this computer";
-
+TEST_F(Choosing, CleansAPastedPath) {
+    struct Case {
+        const char* before;
+        const char* pasted;
+        const char* after;
+    };
+    for (const Case& c : {Case{"", "/home/a b/dogs.csv\n", "/home/a b/dogs.csv"},
+                          Case{"/old.csv", " \t/home/dogs.csv\r\n", "/home/dogs.csv"},
+                          Case{"", "file:///home/a%20b/Zo%C3%AB%2520.csv", "/home/a b/Zo\xC3\xAB%20.csv"},
+                          // The new text has letters in common with the old one.
+                          Case{"flock.csv", "file:///home/flock.csv", "/home/flock.csv"},
+                          Case{"", "file:///a.csv\r\nfile:///b.csv\r\n", "/a.csv"},
+                          // Not a file of this computer.
+                          Case{"", "https://example.org/dogs.csv", "https://example.org/dogs.csv"}}) {
+        field()->setText(c.before);
+        field()->selectAll();
+        EXPECT_EQ(pasted(c.pasted), c.after);
+    }
     field()->setText("/home/dogs.csv");
     field()->setCursorPosition(5);
     EXPECT_EQ(pasted("/my herds\n"), "/home/my herds/dogs.csv");
@@ -72,7 +75,7 @@ TEST_F(Choosing, APastedPathIsCleaned) {
     EXPECT_EQ(frmMain().txtFilePath().text(), "/picked \n") << "a file may have any name";
 }
 
-TEST_F(Choosing, AFileDroppedAnywhereGoesToTheField) {
+TEST_F(Choosing, PutsAFileDroppedAnywhereIntoTheField) {
     EXPECT_FALSE(field()->acceptDrops()) << "it would put the address into its own text";
     QMimeData files;
     files.setUrls({QUrl("https://example.org/"), QUrl::fromLocalFile("/home/a b/dogs.csv"), QUrl::fromLocalFile("/b")});
@@ -90,7 +93,7 @@ TEST_F(Choosing, AFileDroppedAnywhereGoesToTheField) {
     EXPECT_EQ(field()->text(), "/home/cats.csv");
 }
 
-TEST_F(Choosing, BrowseStartsWhereTheFieldsFileLiesOrTheLastOneLay) {
+TEST_F(Choosing, BrowsesWhereTheFieldsFileIsOrWhereTheLastOneWas) {
     const auto folderFor = [&](const std::string& typed, const std::string& picked) {
         driver.files = {picked};
         frmMain().txtFilePath().setText(typed);
@@ -109,13 +112,13 @@ TEST_F(Choosing, BrowseStartsWhereTheFieldsFileLiesOrTheLastOneLay) {
     EXPECT_EQ(folderFor(path("elsewhere/none.csv"), ""), path("elsewhere"));
 }
 
-TEST_F(Choosing, TheFileDialogListsEveryLetterCaseAndShowsItsColumnsWhole) {
+TEST_F(Choosing, ListsFilesOfEveryLetterCaseWithTheirColumnsWhole) {
     for (const char* name : {"dogs.csv", "Dogs.Csv", "DOGS.TXT", "dogs.doc"}) write(name, "name\n");
     driver.onDialog([](const FileDialog&) {
         const auto* list = QApplication::activeModalWidget()->findChild<QTreeView*>("treeView");
         for (int column = 1; column < list->model()->columnCount(); ++column) {
-            for (const auto& index : {list->model()->index(0, column, list->rootIndex())})
-                EXPECT_GE(list->columnWidth(column), list->sizeHintForIndex(index).width()) << column;
+            const auto cell = list->model()->index(0, column, list->rootIndex());
+            EXPECT_GE(list->columnWidth(column), list->sizeHintForIndex(cell).width()) << column;
         }
     });
     driver.click("frmMain", "optFromCsv");
@@ -127,7 +130,7 @@ TEST_F(Choosing, TheFileDialogListsEveryLetterCaseAndShowsItsColumnsWhole) {
     EXPECT_EQ(names, (std::vector<std::string>{"DOGS.TXT", "Desktop", "Dogs.Csv", "dogs.csv"}));
 }
 
-TEST_F(Choosing, RadioButtonsToggledByAssistiveTechnologyCount) {
+TEST_F(Choosing, TakesRadioButtonsThatAssistiveTechnologyToggles) {
     const auto toggle = [&](const char* option) {
         QAccessibleInterface* seen = QAccessible::queryAccessibleInterface(driver.widget("frmMain", option));
         seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
@@ -143,7 +146,7 @@ TEST_F(Choosing, RadioButtonsToggledByAssistiveTechnologyCount) {
         changes = 0;
         frmMain().txtFilePath().setText("/some/file.csv");
         driver.click("frmMain", option);
-        EXPECT_EQ(field()->text(), "") << "a press empties the path, also one on the chosen form";
+        EXPECT_EQ(field()->text(), "") << "a press empties the path, also one on the chosen kind";
         EXPECT_EQ(changes, 2) << option << " acted more than once";
     }
     field()->disconnect();

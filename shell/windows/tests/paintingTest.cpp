@@ -1,4 +1,4 @@
-// Windows that are whole while the one thread is busy.
+// Painting while the one thread is busy.
 
 #include <chrono>
 #include <map>
@@ -32,26 +32,24 @@ class Paintings : public QObject {
     std::map<std::string, int> counts_;
 };
 
-class Painting : public ProgramTest {
-  protected:
-    /// A press by way of assistive technology: no event of the mouse's or the keyboard's.
-    void pressFromAfar(const std::string& window, const std::string& button) {
-        QMetaObject::invokeMethod(driver.widget(window, button), "click", Qt::QueuedConnection);
-    }
-};
+using Painting = ProgramTest;
 
-TEST_F(Painting, AWindowIsPaintedAtOnceAndPressesWaitForTheYield) {
+TEST_F(Painting, PaintsAtOnceAndLetsPressesWaitForTheYield) {
+    // As assistive technology presses: without an event of the mouse or the keyboard.
+    const auto press = [&](const std::string& window, const std::string& button) {
+        QMetaObject::invokeMethod(driver.widget(window, button), "click", Qt::QueuedConnection);
+    };
     frmWait();
     driver.settle();
     driver.window("frmWait")->hide();
     Paintings paintings;
-    pressFromAfar("frmMain", "cmdConvert");
+    press("frmMain", "cmdConvert");
     frmWait().show();
     EXPECT_GT(paintings.of("lblMessage"), 0) << "an empty frame until the next yield";
     EXPECT_GT(paintings.of("cmdCancel"), 0);
 
     const int before = paintings.of("lblMessage");
-    pressFromAfar("frmWait", "cmdCancel");
+    press("frmWait", "cmdCancel");
     frmWait().report("Record: 50 of 100", 50, 100);
     EXPECT_GT(paintings.of("lblMessage"), before) << "the first text came one report late";
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
@@ -67,17 +65,17 @@ TEST_F(Painting, AWindowIsPaintedAtOnceAndPressesWaitForTheYield) {
     EXPECT_FALSE(driver.isOpen("frmWait"));
 }
 
-TEST_F(Painting, TheBarShowsTheNearestWholeNumber) {
-    frmWait().ProgressBar1().setMaximum(44);
+TEST_F(Painting, ShowsTheNearestWholeNumberInTheBar) {
+    frmWait();
     const auto* bar = qobject_cast<const QProgressBar*>(driver.widget("frmWait", "ProgressBar1"));
-    frmWait().report("Record: 15 of 44", 15, 44);
-    Control::applyChanges();
-    EXPECT_EQ(bar->value(), 15) << "15 / 44 * 44 is a little less than 15";
-    frmWait().ProgressBar1().setMaximum(0);
-    frmWait().report("Record: 0 of 0", 0, 0);
-    Control::applyChanges();
-    EXPECT_EQ(bar->value(), 0);
-    EXPECT_GT(bar->maximum(), 0) << "a bar without an end";
+    // 15 / 44 * 44 is a little less than 15; a bar whose maximum is 0 would move without an end.
+    for (const auto& [index, total] : {std::pair{15, 44}, std::pair{0, 0}}) {
+        frmWait().ProgressBar1().setMaximum(total);
+        frmWait().report("Record", index, total);
+        Control::applyChanges();
+        EXPECT_EQ(bar->value(), index);
+        EXPECT_GT(bar->maximum(), 0);
+    }
 }
 
 }  // namespace

@@ -63,7 +63,7 @@ class Texts : public ProgramTest {
     }
 };
 
-TEST_F(Texts, FitWithEveryFontThatMayTakeThePlaceOfTheFirst) {
+TEST_F(Texts, FitWithEveryFallbackFont) {
     expectAllFit();
     const QFont before = QApplication::font();
     int tried = 0;
@@ -86,18 +86,18 @@ TEST_F(Texts, FitWithEveryFontThatMayTakeThePlaceOfTheFirst) {
     QApplication::setFont(before);
 }
 
-TEST_F(Texts, StayWhenTheDesktopSetsAnotherFont) {
+TEST_F(Texts, FitWhenTheDesktopSetsAnotherFont) {
     const QFont before = QApplication::font();
     QFont huge("DejaVu Serif");
     huge.setPixelSize(30);
-    QApplication::setFont(huge);
-    expectAllFit();
-    EXPECT_EQ(label("frmSplash", "lblMessage")->font().families().first(), "Liberation Sans");
-    QApplication::setFont(before);
-    expectAllFit();
+    for (const QFont& font : {huge, before}) {
+        QApplication::setFont(font);
+        expectAllFit();
+        EXPECT_EQ(label("frmSplash", "lblMessage")->font().families().first(), "Liberation Sans");
+    }
 }
 
-TEST_F(Texts, ALongPathIsShortenedInTheMiddleAndShownWhenPointedAt) {
+TEST_F(Texts, ShortenALongPathInTheMiddleAndShowItAsTooltip) {
     const std::string path = "/home/breeder\xE2\x80\xA6/<b>" + std::string(200, 'x') + "</b>/herd.cax";
     frmMain().lblDestination().setVisible(true);
     frmMain().lblDestinationFilePath().setText(path);
@@ -121,7 +121,7 @@ TEST_F(Texts, ALongPathIsShortenedInTheMiddleAndShownWhenPointedAt) {
     EXPECT_EQ(shown->toolTip(), "");
 }
 
-TEST_F(Texts, ALongNameLeavesRoomForTheCount) {
+TEST_F(Texts, LeaveRoomForTheCountBelowALongName) {
     std::string words;
     for (int i = 0; i < 30; ++i) words += "Silverdale ";
     for (const std::string& name : {words, std::string(300, 'W'), words + "\n" + words}) {

@@ -2,11 +2,11 @@
 
 #include <QtWidgets/QProxyStyle>
 
-/// The one style of the windows on every platform: their geometry is fixed and their backgrounds are light. Buttons of
-/// boxes carry no pictures, and the question mark is drawn, so that it is sharp at any scale.
-class HouseStyle : public QProxyStyle {
+/// The widget style on every platform, one for all because the geometry of the windows is fixed and their backgrounds
+/// are light. Buttons of message boxes have no icons. The question icon is drawn, so that it is sharp at any scale.
+class WindowStyle : public QProxyStyle {
   public:
-    HouseStyle();
+    WindowStyle();
 
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* returned) const override;

@@ -1,4 +1,4 @@
-#include "platform/desktop/houseStyle.h"
+#include "platform/desktop/windowStyle.h"
 
 #include <QtGui/QIcon>
 #include <QtGui/QIconEngine>
@@ -43,15 +43,15 @@ class QuestionMark : public QIconEngine {
 
 }  // namespace
 
-HouseStyle::HouseStyle() : QProxyStyle("Fusion") {}
+WindowStyle::WindowStyle() : QProxyStyle("Fusion") {}
 
-int HouseStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
-                          QStyleHintReturn* returned) const {
+int WindowStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                           QStyleHintReturn* returned) const {
     if (hint == SH_DialogButtonBox_ButtonsHaveIcons) return 0;
     return QProxyStyle::styleHint(hint, option, widget, returned);
 }
 
-QIcon HouseStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
+QIcon WindowStyle::standardIcon(StandardPixmap icon, const QStyleOption* option, const QWidget* widget) const {
     if (icon == SP_MessageBoxQuestion) return QIcon(new QuestionMark);
     return QProxyStyle::standardIcon(icon, option, widget);
 }
