@@ -15,14 +15,16 @@ my $page = content('help/converter_help.htm');
 sub rows { my $id = shift; map { [/<td>(.*?)<\/td>/sg] } $page =~ /id="$id".*?<tbody>(.*?)<\/tbody>/s ? $1 =~ /<tr>(.*?)<\/tr>/sg : () }
 sub words { join '|', shift =~ /<code>(.*?)<\/code>/g }
 
-# Fields that the routes to Old Tolvaris don't recognise are marked.
+# Footnotes mark the fields that the routes to Old Tolvaris leave out or don't recognise.
 my @fields = rows('fields');
+my %footnotes = (imported => '', leftOut => 1, unknown => 2);
 my @declared = content('converters/animalFields.cpp') =~ /Cav::(\w+),\s*(\{"[^}]*\})/g;
 while (my ($cav, $words) = splice @declared, 0, 2) {
     last if $cav eq 'customOnly';
     my $row = shift @fields or last;
     fault("Headings of $row->[0]: ", words($row->[1]), ' for ', quoted($words)) if words($row->[1]) ne quoted($words);
-    fault("Mark of $row->[0]") if ($row->[0] =~ /<sup>2</ ? 'unknown' : '') ne ($cav eq 'unknown' ? $cav : '');
+    my ($footnote) = $row->[0] =~ /<sup>(.)</;
+    fault("Footnote of $row->[0]") if ($footnote // '') ne $footnotes{$cav};
 }
 for my $number (1, 15) {
     my $row = shift @fields;
