@@ -8,8 +8,8 @@
 
 namespace jet {
 
-/// Whether a column takes Null and empty texts, by its properties. Its default value and validation rule are expressions,
-/// which the layer of statements reads.
+/// Whether a column takes Null and empty texts, by its properties. Its default value and validation rule are
+/// expressions, which the layer of statements reads.
 class ColumnRules {
   public:
     /// Rules of a column without properties.

@@ -57,6 +57,11 @@ TEST_F(SearchTest, EveryWayToARowFindsTheSame) {
     }
     EXPECT_EQ(rows("SELECT id FROM animals WHERE legs>7.5 AND legs<8.5"), (Texts{"9", "59", "109", "159"}));
     EXPECT_EQ(rows("SELECT id FROM animals WHERE legs=7.5 OR legs>100000"), Texts{});
+    // An index holds dates with more digits than a second has.
+    run("UPDATE animals SET dob=? WHERE id=5", {{.kind = sql::Literal::Kind::date, .date = {43861.5 + 1e-9}}});
+    run("UPDATE animals SET dob=? WHERE id=6", {{.kind = sql::Literal::Kind::date, .date = {-3.75}}});
+    EXPECT_EQ(rows("SELECT id FROM animals WHERE dob = #2020-01-31 12:00#"), Texts{"5"});
+    EXPECT_EQ(rows("SELECT id FROM animals WHERE dob > #12/27/1899 17:00# AND dob <= #12/27/1899 18:00#"), Texts{"6"});
 }
 
 TEST_F(SearchTest, RowsAreReadWhenAskedForAndKeptBeforeTheyChange) {

@@ -38,7 +38,8 @@ jet::TableSpec animals() {
             .indexes = {{.name = "PrimaryKey", .columns = {"id"}, .primaryKey = true, .descending = {}},
                         {.name = "tag", .columns = {"tag"}, .unique = true, .descending = {}},
                         {.name = "legs", .columns = {"legs"}, .descending = {}},
-                        {.name = "deceased", .columns = {"deceased"}, .descending = {}}}};
+                        {.name = "deceased", .columns = {"deceased"}, .descending = {}},
+                        {.name = "dob", .columns = {"dob"}, .descending = {}}}};
 }
 
 }  // namespace

@@ -18,8 +18,8 @@ using Texts = std::vector<std::string>;
 /// A session on a file of its own, with the table
 ///
 ///     animals(id AutoNumber and primary key, name Text(10), oldId Text(50), dob Date, weight Double, litter Byte,
-///             price Currency, deceased Yes/No with an index, notes Memo, tag Text(20) unique, amount Decimal(9,2),
-///             code GUID, ratio Single, legs Integer with an index)
+///             price Currency, deceased Yes/No, notes Memo, tag Text(20) unique, amount Decimal(9,2), code GUID,
+///             ratio Single, legs Integer), with an index on dob, deceased and legs each
 class SessionTest : public testing::Test {
   protected:
     SessionTest();
