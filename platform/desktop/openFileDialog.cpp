@@ -1,5 +1,8 @@
 #include "platform/desktop/openFileDialog.h"
 
+#include <algorithm>
+
+#include <QtGui/QScreen>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QTreeView>
@@ -31,12 +34,15 @@ QString filterText(const FileType& type) {
     return QString("%1 (%2) (%3)").arg(QString::fromStdString(type.name), shown.join(' '), patterns.join(' '));
 }
 
-/// Gives the toolkit's own dialog columns in which size, type and date can be read; a desktop's dialog has none.
-void fitColumns(const QFileDialog& dialog) {
+/// Gives the toolkit's own dialog columns in which size, type and date can be read, and a width that leaves space for
+/// names beside them, also with large text. Does nothing for a dialog of the desktop.
+void fitColumns(QFileDialog& dialog) {
     const auto* files = dialog.findChild<QTreeView*>("treeView");
     if (files == nullptr) return;
     files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    const int widest = dialog.screen()->availableSize().width();
+    dialog.resize(std::min(44 * dialog.fontMetrics().height(), widest), dialog.sizeHint().height());
 }
 
 /// The folder that a file was picked in last.
