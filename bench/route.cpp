@@ -12,7 +12,7 @@
 #include <iostream>
 #include <string>
 
-#include "platform/database/waiting.h"
+#include "platform/database/longStatements.h"
 #include "platform/desktop/painting.h"
 #include "shell/app.h"
 #include "shell/windows/frmSplash.h"
@@ -87,7 +87,7 @@ int main(int argumentCount, char** arguments) {
         painting::paint();
         gap.turn();
     };
-    waiting::setTurns(paint, painting::pumpEvents);
+    longStatements::setHandlers(paint, painting::pumpEvents);
     gap.restart();
     driver.click("frmMain", "cmdConvert");
     gap.turn();

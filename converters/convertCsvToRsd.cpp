@@ -84,11 +84,11 @@ Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const cs
 }
 
 /// Before a second connection is made: points connectData at the new file again, for a conversion that was started
-/// inside this one has other paths. False if Cancel deleted the file, so that no second connection can open it.
+/// inside this one has other paths. False if the file was deleted, or another program has put its own in that place.
 bool isThere(const SQLiteDatabase& database) {
     appSystem::dataPath = database.DatabaseFile.nativePath();
     appSystem::dataIsSource = false;
-    return database.DatabaseFile.exists();
+    return database.isInPlace();
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <csignal>
 
 #include "platform/database/sqliteDatabase.h"
-#include "platform/database/waiting.h"
+#include "platform/database/longStatements.h"
 #include "platform/desktop/painting.h"
 #include "platform/values/failure.h"
 #include "shell/state/appSystem.h"
@@ -32,11 +32,11 @@ App::App(int& argumentCount, char** arguments) : Application(argumentCount, argu
     version = TOLVARIS_VERSION_TEXT;
     setName("Tolvaris File Converter", "tolvaris-converter");
     setIcon(pictures::tolvaris());
-    waiting::setTurns(painting::paintIfDue, painting::pumpEvents);
+    longStatements::setHandlers(painting::paintIfDue, painting::pumpEvents);
 }
 
 App::~App() {
-    waiting::setTurns(nullptr, nullptr);
+    longStatements::setHandlers(nullptr, nullptr);
     // At the end of the process the library has let go of what its connections need.
     appSystem::db.reset();
 }

@@ -24,15 +24,14 @@ namespace {
 
 /// Selects every cell of `tree` with its type and its bytes, a text for each row.
 std::string selectCells(SqlFile& file) {
-    std::string form;
-    std::string values;
+    std::string cells = "''";
     for (const std::string& column : file.rows("PRAGMA table_info(tree)")) {
         const std::size_t begin = column.find('|') + 1;
         const std::string name = column.substr(begin, column.find('|', begin) - begin);
-        form += name + " %s %s ";
-        values += ", typeof(" + name + "), hex(" + name + ")";
+        cells.append(" || ' ").append(name).append(" ' || typeof(").append(name);
+        cells.append(") || ' ' || coalesce(").append(name).append(", '')");
     }
-    return "SELECT printf('" + form + "'" + values + ") FROM tree ORDER BY id";
+    return "SELECT " + cells + " FROM tree ORDER BY id";
 }
 
 /// Two databases that hold the same herd: one for the program's passes, one for the statements.
@@ -41,8 +40,12 @@ class Stores {
     /// In memory, or in files of these paths.
     Stores() : Stores(":memory:", ":memory:") {}
     Stores(const std::string& programPath, const std::string& referencePath) : reference(referencePath) {
-        program.DatabaseFile = FileReference(programPath);
-        EXPECT_TRUE(program.createDatabaseFile());
+        if (programPath == ":memory:") {
+            program.openInMemory();
+        } else {
+            program.DatabaseFile = FileReference(programPath);
+            EXPECT_TRUE(program.createDatabaseFile());
+        }
         appSystem::makeRSDfields(program);
         auto tree = program.prepare("SELECT sql FROM sqlite_master WHERE name = 'tree'");
         EXPECT_TRUE(tree.step());

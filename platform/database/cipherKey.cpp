@@ -5,14 +5,13 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <openssl/crypto.h>
 #include <openssl/evp.h>
 #include <optional>
 #include <tuple>
 #include <vector>
 
 #include "platform/database/sqliteConnection.h"
-#include "platform/database/sqliteWaiting.h"
+#include "platform/database/sqliteProgress.h"
 
 namespace detail {
 namespace {
@@ -25,8 +24,8 @@ struct FreeDigest {
 };
 using Digest = std::unique_ptr<EVP_MD_CTX, FreeDigest>;
 
-/// HMAC (RFC 2104) with one key, of any number of texts. Both digests that begin with the key are kept and copied for
-/// each text; the library's own HMAC forgets the key between two texts in its releases 3.0.0 to 3.0.2.
+/// Computes HMAC (RFC 2104) of any number of texts with one key. Both digests that begin with the key are kept and
+/// copied for each text. OpenSSL's own HMAC loses the key between two texts in its releases 3.0.0 to 3.0.2.
 class Hmac {
   public:
     Hmac(const std::string& key, const char* name) {
@@ -42,7 +41,6 @@ class Hmac {
         }
         begin(inner_, digest, pad, 0x36);
         begin(outer_, digest, pad, 0x36 ^ 0x5C);
-        OPENSSL_cleanse(pad.data(), pad.size());
     }
 
     bool good() const { return good_; }
@@ -74,11 +72,11 @@ class Hmac {
 
 using Key = std::array<unsigned char, keySize>;
 
-/// PBKDF2 (RFC 8018, section 5.2), in our own loop, as the cipher's and the cryptographic library's take a tenth of a
-/// second and more in one piece.
+/// Derives a key by PBKDF2 (RFC 8018, section 5.2). The loop is our own, because those of SQLCipher and of the
+/// cryptographic library take a tenth of a second and more, during which no window is painted.
 std::optional<Key> derive(const std::string& text, const std::string& salt, const CipherGeneration& generation) {
     constexpr std::size_t largestDigest = EVP_MAX_MD_SIZE;
-    constexpr int iterationsBetweenTurns = 1000;
+    constexpr int iterationsBetweenPaintings = 1000;
     Hmac hmac(text, generation.digest);
     Key key{};
     std::array<unsigned char, largestDigest> round{};
@@ -91,38 +89,25 @@ std::optional<Key> derive(const std::string& text, const std::string& salt, cons
         for (int iteration = 1; iteration < generation.iterations; ++iteration) {
             hmac.of(round.data(), hmac.size(), round.data());
             for (std::size_t i = 0; i < hmac.size(); ++i) block[i] ^= round[i];
-            if (iteration % iterationsBetweenTurns == 0) paintMeanwhile();
+            if (iteration % iterationsBetweenPaintings == 0) paintIfDue();
         }
         const std::size_t count = std::min(hmac.size(), keySize - filled);
         std::copy_n(block.begin(), count, key.begin() + static_cast<std::ptrdiff_t>(filled));
         filled += count;
     }
-    OPENSSL_cleanse(block.data(), block.size());
-    OPENSSL_cleanse(round.data(), round.size());
     return hmac.good() ? std::optional(key) : std::nullopt;
 }
 
-/// The library's form of a key that is none to derive from.
+/// Returns the key in SQLCipher's form for a raw key, from which nothing is derived.
 std::string asRaw(const Key& key) {
     constexpr std::string_view digits = "0123456789abcdef";
-    std::string raw;
-    raw.reserve(2 * keySize + 3);
-    raw = "x'";
+    std::string raw = "x'";
     for (const unsigned char byte : key) raw.append({digits[byte / 16], digits[byte % 16]});
     return raw + "'";
 }
 
-/// All that were derived so far.
-struct KnownKeys {
-    KnownKeys() = default;
-    KnownKeys(const KnownKeys&) = delete;
-    KnownKeys& operator=(const KnownKeys&) = delete;
-    ~KnownKeys() {
-        for (auto& [source, key] : keys) OPENSSL_cleanse(key.data(), key.size());
-    }
-    using Source = std::tuple<std::string, std::string, std::string, int>;  ///< text, salt, digest and iterations
-    std::map<Source, Key> keys;
-};
+/// What a key is derived from: text, salt, digest and number of iterations.
+using KeySource = std::tuple<std::string, std::string, std::string, int>;
 
 std::string saltOf(sqlite3* handle) {
     std::string salt(saltSize, '\0');
@@ -151,16 +136,15 @@ std::vector<CipherGeneration> cipherGenerations(sqlite3* handle) {
 }
 
 void giveKey(sqlite3* handle, const std::string& text, const CipherGeneration& generation) {
-    static KnownKeys known;
+    static std::map<KeySource, Key> known;
     const std::string salt = saltOf(handle);
-    const KnownKeys::Source source{text, salt, generation.digest, generation.iterations};
-    auto place = known.keys.find(source);
-    if (place == known.keys.end() && !salt.empty()) {
-        if (const auto key = derive(text, salt, generation)) place = known.keys.emplace(source, *key).first;
+    const KeySource source{text, salt, generation.digest, generation.iterations};
+    auto place = known.find(source);
+    if (place == known.end() && !salt.empty()) {
+        if (const auto key = derive(text, salt, generation)) place = known.emplace(source, *key).first;
     }
-    std::string key = place == known.keys.end() ? text : asRaw(place->second);
+    const std::string key = place == known.end() ? text : asRaw(place->second);
     sqlite3_key(handle, key.data(), static_cast<int>(key.size()));
-    OPENSSL_cleanse(key.data(), key.size());
     sqlite3_exec(handle, generation.settings, nullptr, nullptr, nullptr);
 }
 

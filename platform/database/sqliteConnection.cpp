@@ -6,8 +6,9 @@
 #include <system_error>
 #include <utility>
 
+#include "platform/database/sqliteLibrary.h"
+#include "platform/database/sqliteProgress.h"
 #include "platform/database/sqliteSource.h"
-#include "platform/database/sqliteWaiting.h"
 #include "platform/files/files.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
@@ -27,8 +28,14 @@ constexpr const char* anyAccess = "SELECT count(*) FROM sqlite_master";
 StatementHandle SQLiteConnection::prepare(std::string_view sql) {
     sqlite3_stmt* raw = nullptr;
     const char* rest = nullptr;
-    note(sqlite3_prepare_v2(get(), sql.data(), static_cast<int>(sql.size()), &raw, &rest));
+    const CompilationLimit limit;
+    const int result = sqlite3_prepare_v2(get(), sql.data(), static_cast<int>(sql.size()), &raw, &rest);
     StatementHandle statement(raw);
+    if (limit.exceeded()) {
+        fail(SQLITE_ERROR, "the statement is too complex");
+        return nullptr;
+    }
+    note(result);
     if (statement && !endsAt(sql, rest)) {
         statement.reset();
         fail(SQLITE_ERROR, "only one statement at a time is run");
@@ -36,11 +43,20 @@ StatementHandle SQLiteConnection::prepare(std::string_view sql) {
     return statement;
 }
 
+void SQLiteConnection::bind(sqlite3_stmt* statement, int parameter, std::string_view text) {
+    // An empty view may point nowhere, which the library would take for NULL.
+    const int result = sqlite3_bind_text64(statement, parameter, text.empty() ? "" : text.data(), text.size(),
+                                           SQLITE_STATIC, SQLITE_UTF8);
+    if (result == SQLITE_OK) return;
+    note(result);
+    throw DatabaseFailure(errorMessage());
+}
+
 int SQLiteConnection::step(sqlite3_stmt* statement) {
-    stepBegins();
+    statementBegins();
     const int result = sqlite3_step(statement);
     note(result);
-    // A change that was ended has taken the whole transaction with it.
+    // An interrupted change rolls the whole transaction back.
     if (result == SQLITE_INTERRUPT && sqlite3_stmt_readonly(statement) == 0) broken_ = true;
     return result;
 }
@@ -55,7 +71,7 @@ bool SQLiteConnection::stepToRow(sqlite3_stmt* statement) {
 }
 
 bool SQLiteConnection::run(const char* sql) {
-    stepBegins();
+    statementBegins();
     const int result = sqlite3_exec(get(), sql, nullptr, nullptr, nullptr);
     note(result);
     return result == SQLITE_OK;
@@ -63,7 +79,7 @@ bool SQLiteConnection::run(const char* sql) {
 
 bool SQLiteConnection::beginIfNeeded() {
     if (broken_) return false;
-    // One without the file's name can't be written in any more.
+    // A transaction that began before the file was deleted can't be written any more.
     if (std::exchange(onlyLocked_, false) && hasMoved()) run("COMMIT");
     if (sqlite3_get_autocommit(get()) == 0) return true;
     prepareToWrite();
@@ -74,16 +90,16 @@ bool SQLiteConnection::beginIfNeeded() {
 bool SQLiteConnection::lock() {
     if (broken_ || sqlite3_get_autocommit(get()) == 0) return false;
     prepareToWrite();
-    // It is a help and no more, so it is not waited for, and not to get it is no failure.
-    setPatient(get(), false);
+    // The lock only saves time, so it is not waited for, and not getting it is no failure.
+    setBusyTimeout(get(), false);
     onlyLocked_ = sqlite3_exec(get(), "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr) == SQLITE_OK;
-    setPatient(get(), true);
+    setBusyTimeout(get(), true);
     return onlyLocked_;
 }
 
 void SQLiteConnection::prepareToWrite() {
     flushAtEnd();
-    // The journal's file goes with the database's name; a file deleted while it is open is written on all the same.
+    // The journal's name comes from the database's, which a deleted file no longer has.
     if (hasMoved()) run("PRAGMA journal_mode = MEMORY");
 }
 
@@ -110,7 +126,19 @@ void SQLiteConnection::close() {
     copy_.reset();
 }
 
-/// The first reason of a file that is unusable stays.
+void SQLiteConnection::rowWasLost() {
+    if (errorCode_ != SQLITE_ERROR && errorCode_ != SQLITE_AUTH) broken_ = true;
+}
+
+void SQLiteConnection::ranOutOfMemory() noexcept {
+    if (broken_) return;
+    broken_ = true;
+    errorCode_ = SQLITE_NOMEM;
+    // Short enough to be stored without an allocation.
+    errorMessage_ = "out of memory";
+}
+
+/// Keeps the first error of an unusable file.
 void SQLiteConnection::fail(int code, std::string message) {
     if (broken_) return;
     errorCode_ = code;
@@ -126,13 +154,13 @@ void SQLiteConnection::note(int result) {
     fail(kind, sqlite3_errmsg(get()));
     constexpr std::array unusable{SQLITE_FULL,     SQLITE_IOERR,    SQLITE_CORRUPT, SQLITE_NOTADB,
                                   SQLITE_READONLY, SQLITE_CANTOPEN, SQLITE_BUSY,    SQLITE_NOMEM};
-    // Nobody waits for what is written to a file that was deleted; its journal may have gone with it.
+    // Writing to a deleted file may fail, as its journal may be gone, and nobody needs the result.
     const bool breaks = std::find(unusable.begin(), unusable.end(), kind) != unusable.end() && !hasMoved();
     if (!breaks || broken_) return;
     if (kind == SQLITE_CANTOPEN) errorMessage_ += ": " + path() + "-journal";
     broken_ = true;
-    // A lock was waited for long enough, and would be again at each statement that is still to come.
-    setPatient(get(), false);
+    // Each of the following statements would wait for the lock again.
+    setBusyTimeout(get(), false);
 }
 
 std::string SQLiteConnection::path() const {

@@ -1,25 +1,22 @@
 #include "platform/database/sqliteDatabase.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "platform/database/cipherKey.h"
+#include "platform/database/sqliteAuthorizer.h"
 #include "platform/database/sqliteConnection.h"
+#include "platform/database/sqliteLibrary.h"
+#include "platform/database/sqliteProgress.h"
 #include "platform/database/sqliteRecordSet.h"
+#include "platform/database/sqliteSchema.h"
 #include "platform/database/sqliteSource.h"
-#include "platform/database/sqliteWaiting.h"
 #include "platform/values/failure.h"
 #include "platform/values/text.h"
 
 namespace {
-
-/// There is one thread, so the library need not guard its objects, and nobody asks it how much memory it has in use.
-void configureLibrary() {
-    [[maybe_unused]] static const bool once = [] {
-        sqlite3_config(SQLITE_CONFIG_SINGLETHREAD);
-        sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
-        return true;
-    }();
-}
 
 constexpr std::string_view blanks = " \t\r\n";
 
@@ -32,11 +29,14 @@ bool changesRows(std::string_view sql) {
     return false;
 }
 
-/// The library keeps 2 MiB of a file in memory. That is enough for a plain one, which the system holds ready, and the
-/// fewer pages are in use the faster; of an encrypted one 32 MiB, so that what is read twice is decrypted once.
-constexpr const char* roomForDecrypted = "PRAGMA cache_size = -32768";
+/// The library caches 2 MiB of a file. That is enough for a plain file, which the system caches too, and fewer pages in
+/// use are faster. Of an encrypted file 32 MiB are cached, so that a page that is read twice is decrypted once.
+constexpr const char* cacheForDecrypted = "PRAGMA cache_size = -32768";
 
-/// Whether there is a name for the journal, which has a longer one than its file.
+/// Returns the path in a form that the library can't take for anything but a file, as it takes `:memory:`.
+std::string fileName(const std::string& path) { return path.starts_with('/') ? path : "./" + path; }
+
+/// Returns whether the file system takes the name of the journal, which is longer than its file's.
 bool journalFits(const std::string& path) {
     constexpr std::size_t longestName = 255;
     constexpr std::string_view ending = "-journal";
@@ -57,74 +57,105 @@ bool SQLiteDatabase::refuse(int code, std::string message) {
 }
 
 bool SQLiteDatabase::open(int flags) {
-    configureLibrary();
-    const bool waitedInVain = openError_ == SQLITE_BUSY;
+    detail::configureLibrary();
+    const bool timedOut = openError_ == SQLITE_BUSY;
     sqlite3* raw = nullptr;
-    const int result = sqlite3_open_v2(DatabaseFile.nativePath().c_str(), &raw, flags,
-                                       ReadOnly ? detail::sourceFileSystem() : nullptr);
+    const int result = sqlite3_open_v2(fileName(DatabaseFile.nativePath()).c_str(), &raw, flags,
+                                       ReadOnly ? detail::sourceVfs() : nullptr);
     connection_ = std::make_shared<detail::SQLiteConnection>(raw);
     if (result != SQLITE_OK) return refuse(result, raw != nullptr ? sqlite3_errmsg(raw) : sqlite3_errstr(result));
-    detail::setPatient(raw, !waitedInVain);
-    detail::takeTurns(raw);
+    detail::setBusyTimeout(raw, !timedOut);
+    detail::installProgressHandler(raw);
     return true;
 }
 
 bool SQLiteDatabase::openCopy() {
-    const auto copy = detail::PrivateCopy::of(connection_->get(), DatabaseFile.nativePath());
+    const auto copy = detail::SnapshotCopy::of(connection_->get());
     if (!copy) return refuse(SQLITE_CANTOPEN, DatabaseFile.nativePath() + ": no room for a copy to read from");
     sqlite3* raw = nullptr;
     const int result = sqlite3_open_v2(copy->path().c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
     connection_ = std::make_shared<detail::SQLiteConnection>(raw, copy);
     if (result != SQLITE_OK) return refuse(result, sqlite3_errstr(result));
-    detail::takeTurns(raw);
+    detail::installProgressHandler(raw);
     return true;
+}
+
+/// The library has no way to open a file only if it creates it.
+bool SQLiteDatabase::createEmptyFile() {
+    const int file = ::open(DatabaseFile.nativePath().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0644);
+    if (file >= 0) {
+        ::close(file);
+        return true;
+    }
+    const bool exists = errno == EEXIST;
+    return refuse(SQLITE_CANTOPEN, exists ? "there is a file of that name already" : sqlite3_errstr(SQLITE_CANTOPEN));
 }
 
 bool SQLiteDatabase::createDatabaseFile() {
     inserts_.clear();
     connection_.reset();
     const std::string& path = DatabaseFile.nativePath();
-    if (DatabaseFile.exists()) return refuse(SQLITE_CANTOPEN, "there is a file of that name already");
     if (path.empty()) return refuse(SQLITE_CANTOPEN, "there is no name for the new file");
     if (!journalFits(path)) return refuse(SQLITE_CANTOPEN, "the name of the new file is too long");
-    if (!open(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return false;
-    if (!EncryptionKey.empty()) {
-        sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
+    if (!createEmptyFile()) return false;
+    if (open(SQLITE_OPEN_READWRITE)) {
+        if (!EncryptionKey.empty()) {
+            sqlite3_key(connection_->get(), EncryptionKey.data(), static_cast<int>(EncryptionKey.size()));
+        }
+        connection_->flushAtEnd();
+        // Writes the header, so that a full disk shows now.
+        if (connection_->run("PRAGMA user_version = 0")) {
+            makeReady();
+            return true;
+        }
+        refuse(connection_->errorCode(), connection_->errorMessage());
     }
-    connection_->flushAtEnd();
-    // Writes the file's header, so that the file exists and a folder that cannot be written shows now.
-    if (connection_->run("PRAGMA user_version = 0")) return true;
-    refuse(connection_->errorCode(), connection_->errorMessage());
-    // What has been made so far is empty, and would stand in the way of the next attempt.
+    // The file is empty so far, and would stand in the way of the next attempt.
     DatabaseFile.remove();
     return false;
 }
 
-/// The result of reading the file, encrypted as by this generation of the cipher or, without one, plain.
-int SQLiteDatabase::unlock(const detail::CipherGeneration* generation) {
-    sqlite3* handle = connection_->get();
-    if (generation != nullptr) detail::giveKey(handle, EncryptionKey, *generation);
-    detail::stepBegins();
-    return sqlite3_exec(handle, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr) & 0xFF;
+void SQLiteDatabase::openInMemory() {
+    detail::configureLibrary();
+    sqlite3* raw = nullptr;
+    const int result = sqlite3_open_v2(":memory:", &raw, SQLITE_OPEN_READWRITE, nullptr);
+    connection_ = std::make_shared<detail::SQLiteConnection>(raw);
+    if (result != SQLITE_OK) throw DatabaseFailure(sqlite3_errstr(result));
+    makeReady();
 }
 
+/// Reads the file for the first time, encrypted with this generation of the cipher or, without one, plain.
 int SQLiteDatabase::firstAccess(const detail::CipherGeneration* generation) {
-    int result = unlock(generation);
-    if (ReadOnly && detail::needsCopy(result)) {
+    const auto read = [&] {
+        if (generation != nullptr) detail::giveKey(connection_->get(), EncryptionKey, *generation);
+        detail::statementBegins();
+        return detail::readSchema(connection_->get());
+    };
+    int result = read();
+    if (ReadOnly && detail::requiresCopy(result)) {
         if (!openCopy()) return openError_;
-        result = unlock(generation);
+        result = read();
     }
-    if (result != SQLITE_OK) refuse(result, sqlite3_errmsg(connection_->get()));
+    if (result == SQLITE_OK) {
+        makeReady();
+    } else {
+        refuse(result, result == SQLITE_AUTH ? "the file holds more than tables, views, indexes and triggers"
+                                             : sqlite3_errmsg(connection_->get()));
+    }
     return result;
 }
 
-/// What an open connection is set to.
-bool SQLiteDatabase::makeReady() {
-    if (!EncryptionKey.empty()) connection_->run(roomForDecrypted);
-    if (ReadOnly) detail::allowOnlyReading(connection_->get());
-    detail::setPatient(connection_->get(), true);
+/// Sets up a connection whose file was read or created.
+void SQLiteDatabase::makeReady() {
+    sqlite3* handle = connection_->get();
+    if (!EncryptionKey.empty()) connection_->run(cacheForDecrypted);
+    if (ReadOnly) {
+        detail::allowOnlyReading(handle);
+    } else {
+        detail::allowKnownFunctions(handle);
+    }
+    detail::setBusyTimeout(handle, true);
     openError_ = SQLITE_OK;
-    return true;
 }
 
 bool SQLiteDatabase::connect() {
@@ -134,14 +165,13 @@ bool SQLiteDatabase::connect() {
     if (!DatabaseFile.isRegular()) return refuse(SQLITE_CANTOPEN, sqlite3_errstr(SQLITE_CANTOPEN));
     const int flags = ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE;
     if (!open(flags)) return false;
-    if (EncryptionKey.empty()) return firstAccess(nullptr) == SQLITE_OK && makeReady();
+    if (EncryptionKey.empty()) return firstAccess(nullptr) == SQLITE_OK;
     if (detail::beginsAsPlain(connection_->get())) return refuse(SQLITE_NOTADB, sqlite3_errstr(SQLITE_NOTADB));
     for (const detail::CipherGeneration& generation : detail::cipherGenerations(connection_->get())) {
         if (!connection_ && !open(flags)) return false;
         const int result = firstAccess(&generation);
-        if (result == SQLITE_OK) return makeReady();
-        // What a lock hides is not known, so no other generation would tell more.
-        if (result == SQLITE_BUSY) return false;
+        // With the other two results the key may fit, so no other generation of the cipher does.
+        if (result == SQLITE_OK || result == SQLITE_BUSY || result == SQLITE_AUTH) return result == SQLITE_OK;
     }
     return false;
 }
@@ -190,13 +220,16 @@ SQLiteDatabase::Insert& SQLiteDatabase::insertFor(std::string_view table, const 
 
 void SQLiteDatabase::insertRecord(std::string_view table, const DatabaseRecord& record) {
     if (!connection_ || !connection_->isOpen()) throw DatabaseFailure("There is no connection to the database.");
-    // A refused row sets the error and no more, also where its table is missing.
-    guarded([&] {
+    try {
         SQLiteStatement& statement = insertFor(table, record).statement;
         int parameter = 0;
         for (const auto& column : record.columns()) statement.bind(++parameter, column.second);
         statement.run();
-    });
+    } catch (const DatabaseFailure&) {
+        connection_->rowWasLost();
+    } catch (const std::exception&) {
+        connection_->ranOutOfMemory();
+    }
 }
 
 void SQLiteDatabase::commit() {
@@ -226,3 +259,5 @@ SQLiteRowUpdates SQLiteDatabase::updateRows(std::string_view table, const std::v
 }
 
 bool SQLiteDatabase::lock() { return connection_ && connection_->isOpen() && connection_->lock(); }
+
+bool SQLiteDatabase::isInPlace() const { return connection_ && !connection_->hasMoved(); }

@@ -29,18 +29,25 @@ class SQLiteDatabase : public Database {
     FileReference DatabaseFile;
     std::string EncryptionKey;
 
-    /// Set before connect(): the file is a source, and whatever it holds and whatever lies beside it, nothing there
-    /// changes. What a program that was cut off has left to be played back is played back in a private copy.
+    /// Set before connect(): the file is a source, and neither it nor any file beside it changes, whatever they hold. A
+    /// write-ahead log or hot journal that another program has left is rolled back in a temporary copy.
     bool ReadOnly = false;
 
-    /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails or if there is a
-    /// file of that name already.
+    /// Creates the file, plain or with the key, and connects. False, with the error set, if that fails or if there is
+    /// anything of that name already, even if another program creates it at the same moment.
     bool createDatabaseFile();
 
-    /// Opens an existing file; false, with the error set, if there is none or the key does not fit. A locked file is
-    /// waited for. On an open connection: false once the file proved unusable (disk full, input or output failed, file
-    /// damaged, locked for longer than anybody waits).
+    /// Creates an empty database in memory and connects to it. Raises DatabaseFailure if that fails.
+    void openInMemory();
+
+    /// Opens an existing file. False, with the error set, if there is none, the key does not fit, or its schema holds
+    /// anything but tables, views, indexes and triggers. A locked file is waited for. On an open connection: false once
+    /// the file proved unusable (disk full, input or output failed, file damaged, locked for longer than the busy
+    /// timeout), or once a row was lost for want of memory or for its size.
     bool connect() override;
+
+    /// Returns whether the path still leads to the file that this connection has open, and not to none or to another.
+    bool isInPlace() const;
 
     /// Whether there is a connection that was not closed.
     bool isOpen() const;
@@ -48,7 +55,8 @@ class SQLiteDatabase : public Database {
     std::shared_ptr<RecordSet> select(std::string_view sql) override;
     void execute(std::string_view sql) override;
 
-    /// Adds a row. Raises DatabaseFailure without a connection; a refused row only sets the error.
+    /// Adds a row. Raises DatabaseFailure without a connection. A statement that the database does not compile only
+    /// sets the error; a row that is lost for any other reason leaves the connection unusable, too.
     void insertRecord(std::string_view table, const DatabaseRecord& record);
 
     void commit() override;
@@ -59,8 +67,8 @@ class SQLiteDatabase : public Database {
     /// Raises DatabaseFailure without a connection, or if the statement does not compile.
     SQLiteStatement prepare(std::string_view sql);
 
-    /// Keeps everybody else from the file until the next commit, without anything written yet. False, and nothing kept,
-    /// where a transaction is open already or somebody else is at the file.
+    /// Takes the exclusive lock now, before the first change, and keeps it until the next commit. False, without a
+    /// lock, if a transaction is open already or another program uses the file.
     bool lock();
 
     /// Prepares to write new texts to columns of a table. Raises DatabaseFailure without a connection, or if a column
@@ -68,15 +76,15 @@ class SQLiteDatabase : public Database {
     SQLiteRowUpdates updateRows(std::string_view table, const std::vector<std::string>& columns,
                                 SQLiteRowUpdates::NewText newText);
 
-    /// Has all that was committed reach the disk. False, with the error set, if the disk refuses.
+    /// Flushes everything committed to the disk. False, with the error set, if the disk refuses.
     bool sync();
 
   private:
+    bool createEmptyFile();
     bool open(int flags);
     bool openCopy();
     int firstAccess(const detail::CipherGeneration* generation);
-    int unlock(const detail::CipherGeneration* generation);
-    bool makeReady();
+    void makeReady();
     bool refuse(int code, std::string message);
 
     std::shared_ptr<detail::SQLiteConnection> connection_;

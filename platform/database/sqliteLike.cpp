@@ -9,18 +9,25 @@
 
 namespace {
 
-/// The value must not be NULL.
+/// Steps of a match, about a second's work: the characters of the text, multiplied by a 64th of the pattern's. A longer
+/// match is refused, because it could not be interrupted.
+constexpr std::size_t mostSteps = 1'000'000'000;
+
+/// Returns the text of a value that is not NULL.
 std::string_view textOf(sqlite3_value* value) {
     const auto* bytes = reinterpret_cast<const char*>(sqlite3_value_text(value));
     if (bytes == nullptr) throw std::bad_alloc();
     return {bytes, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
 
+void refuse(sqlite3_context* context) { sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1); }
+
+/// Null, with the error set, if the pattern is too long or the escape text is not one character.
 std::unique_ptr<LikePattern> compile(sqlite3_context* context, int count, sqlite3_value** arguments) {
     const std::string_view pattern = textOf(arguments[0]);
     const int longest = sqlite3_limit(sqlite3_context_db_handle(context), SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1);
     if (pattern.size() > static_cast<std::size_t>(longest)) {
-        sqlite3_result_error(context, "LIKE or GLOB pattern too complex", -1);
+        refuse(context);
         return nullptr;
     }
     if (count == 2) return std::make_unique<LikePattern>(pattern);
@@ -41,7 +48,9 @@ void like(sqlite3_context* context, int count, sqlite3_value** arguments) {
         auto compiled = known == nullptr ? compile(context, count, arguments) : nullptr;
         const LikePattern* pattern = known == nullptr ? compiled.get() : known;
         if (pattern == nullptr) return;
-        sqlite3_result_int(context, pattern->matches(textOf(arguments[1])) ? 1 : 0);
+        const std::string_view text = textOf(arguments[1]);
+        if (text.size() * (textOf(arguments[0]).size() / 64 + 1) > mostSteps) return refuse(context);
+        sqlite3_result_int(context, pattern->matches(text) ? 1 : 0);
         if (count != 2 || !compiled) return;
         sqlite3_set_auxdata(context, 0, compiled.release(),
                             [](void* pattern) { delete static_cast<LikePattern*>(pattern); });

@@ -13,9 +13,7 @@ SQLiteStatement::SQLiteStatement(std::shared_ptr<detail::SQLiteConnection> conne
 }
 
 void SQLiteStatement::bind(int parameter, std::string_view text) {
-    // An empty view may point nowhere, which the library would take for NULL.
-    sqlite3_bind_text(statement_.get(), parameter, text.empty() ? "" : text.data(), static_cast<int>(text.size()),
-                      SQLITE_STATIC);
+    connection_->bind(statement_.get(), parameter, text);
 }
 
 void SQLiteStatement::bind(int parameter, std::int64_t number) {

@@ -25,7 +25,8 @@ class SQLiteStatement {
 
     enum class Type { integer, real, text, blob, null };
 
-    /// Parameters are numbered from 1. A text must stay in place until the next step.
+    /// Parameters are numbered from 1. A text must stay in place until the next step; one that is longer than the
+    /// library takes (1 GB) raises DatabaseFailure.
     void bind(int parameter, std::string_view text);
     void bind(int parameter, std::int64_t number);
     void bindNull(int parameter);

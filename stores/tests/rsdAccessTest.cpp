@@ -1,6 +1,6 @@
 // The way to RSD files: connections and their keys, statements, record sets, values.
 
-#include "platform/database/waiting.h"
+#include "platform/database/longStatements.h"
 #include "platform/desktop/painting.h"
 #include "platform/values/failure.h"
 #include "stores/animalNames.h"
@@ -182,7 +182,7 @@ TEST_F(RsdStore, AKeyIsDerivedOnceForAFileAndTheWindowsArePaintedMeanwhile) {
         return path(name);
     };
     int paintings = 0;
-    waiting::setTurns([&] { ++paintings; }, nullptr);
+    longStatements::setHandlers([&] { ++paintings; }, nullptr);
     const auto derives = [&] {
         paintings = 0;
         connectData();
@@ -198,7 +198,7 @@ TEST_F(RsdStore, AKeyIsDerivedOnceForAFileAndTheWindowsArePaintedMeanwhile) {
     std::filesystem::rename(make("b.rsd", "Bea"), dataPath);
     EXPECT_TRUE(derives()) << "another file of that name";
     EXPECT_EQ(name(), "Bea");
-    waiting::setTurns(painting::paintIfDue, painting::pumpEvents);
+    longStatements::setHandlers(painting::paintIfDue, painting::pumpEvents);
     EXPECT_EQ(boxTexts(), Texts{});
 }
 

@@ -8,6 +8,22 @@ namespace {
 
 using namespace appSystem;
 
+TEST_F(RsdStore, NoNameMeansMemory) {
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(path(""));
+    std::filesystem::create_directory(":memory:");
+    SQLiteDatabase memory;
+    memory.openInMemory();
+    memory.execute("CREATE TABLE t(a)");
+    EXPECT_NE(memory.select("SELECT a FROM t"), nullptr);
+    std::filesystem::remove(":memory:");
+    SQLiteDatabase file;
+    file.DatabaseFile = FileReference(":memory:");
+    EXPECT_TRUE(file.createDatabaseFile());
+    EXPECT_TRUE(std::filesystem::is_regular_file(path(":memory:")));
+    std::filesystem::current_path(before);
+}
+
 TEST_F(RsdStore, ANewFileHasTheNineteenEmptyTables) {
     struct Table {
         const char* name;

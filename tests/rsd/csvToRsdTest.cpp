@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "platform/database/waiting.h"
+#include "platform/database/longStatements.h"
 #include "platform/desktop/painting.h"
 #include "platform/desktop/yield.h"
 #include "shell/state/appSystem.h"
@@ -98,7 +98,7 @@ TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
         ++turns;
         painting::paint();
     };
-    waiting::setTurns(count, painting::pumpEvents);
+    longStatements::setHandlers(count, painting::pumpEvents);
     for (const auto time : {400ms, 6000ms}) {
         std::unique_ptr<OtherProgram> other;
         yielding::setPump(yielding::Pump::everyCall);
@@ -119,7 +119,7 @@ TEST_F(CsvToRsd, AnotherProgramThatReadsTheNewFileIsWaitedForButNotForEver) {
         EXPECT_EQ(tree("count(*)"), Texts{wasFree ? "30" : "0"});
         if (driver.isOpen("frmWait")) driver.closeWindow("frmWait");
     }
-    waiting::setTurns(painting::paintIfDue, painting::pumpEvents);
+    longStatements::setHandlers(painting::paintIfDue, painting::pumpEvents);
 }
 
 // The name was looked for with LIKE, which tried every way to spread it.
@@ -233,6 +233,22 @@ TEST_F(CsvToRsd, ACellThatLooksLikeSqlRunsNoStatementOfItsOwn) {
     EXPECT_EQ(boxTexts(), Texts{completed});
 }
 
+TEST_F(CsvToRsd, AFileThatAnotherProgramPutsInItsPlaceStaysAsItIs) {
+    yielding::setPump(yielding::Pump::everyCall);
+    bool isReplaced = false;
+    driver.onEveryTurn([&] {
+        if (isReplaced || !driver.isOpen("frmWait")) return;
+        isReplaced = true;
+        fs::remove(path("herd.cax"));
+        SqlFile(path("herd.cax")).run("CREATE TABLE settings(id integer PRIMARY KEY, Version)");
+    });
+    std::string text = "name,sex\n";
+    for (int i = 1; i <= 25; ++i) text += "animal,f\n";
+    import(text);
+    EXPECT_TRUE(isReplaced);
+    EXPECT_EQ(version(), "0 ");
+}
+
 TEST_F(CsvToRsd, ADestinationThatCannotBeMadeIsTold) {
     const std::string full = path("herd.csv");
     fs::create_directory(path("herd.cax"));
@@ -245,6 +261,12 @@ TEST_F(CsvToRsd, ADestinationThatCannotBeMadeIsTold) {
     fs::create_directory(path("herd.cax"));
     import("name,sex\nAda,f\n", {"Yes"});
     EXPECT_TRUE(fs::is_directory(path("herd.cax"))) << "an empty folder is no file to delete";
+    fs::remove(path("herd.cax"));
+    // As if another program created the file between the look at it and the creation.
+    fs::create_symlink(path("nowhere"), path("herd.cax"));
+    import("name,sex\nAda,f\n");
+    EXPECT_EQ(driver.boxes.back().text, "Database Error: 14\n\nthere is a file of that name already");
+    EXPECT_FALSE(fs::exists(path("nowhere")));
     convert("Csv", "Rsd", "/proc/herd.csv");
     EXPECT_EQ(driver.boxes.back().text, "Database Error: 14\n\nunable to open database file");
     convert("Csv", "Rsd", full + "/herd.csv");

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/database/sqliteLibrary.h"
 #include "shell/app.h"
 #include "windowdriver/windowDriver.h"
 
@@ -14,6 +15,8 @@ int main(int argumentCount, char** arguments) {
     if (std::filesystem::is_directory("/dev/shm")) setenv("TMPDIR", "/dev/shm", 0);
     dropNoticesOfThePlatform();
     testing::InitGoogleTest(&argumentCount, arguments);
+    // Before a test uses the library by itself, as the program does before its first connection.
+    detail::configureLibrary();
     App app(argumentCount, arguments);
     return RUN_ALL_TESTS();
 }
