@@ -6,21 +6,22 @@
 
 #include "platform/values/date.h"
 
-/// Bring a loose value to the one form that a destination holds. None of these rejects anything: a value that cannot be
-/// understood becomes a fixed default, and the record goes on.
+/// Conversions of a loosely written value to the one form that a destination holds. None of them rejects a value: one
+/// that cannot be understood becomes a fixed default, and the record is kept.
 namespace appSystem {
 
-/// "male", "female" or "undefined", by the words and letters that breeders of many species use, in any letter case.
+/// Returns "male", "female" or "undefined", by the words and letters that breeders of many species use, in any letter
+/// case.
 std::string convertSex(std::string_view text);
 
-/// "True" if the value reads as true, as the integer -1 or as the text "-1"; else "False".
+/// Returns "True" for "true", "yes" and every number but 0, and "False" for every other value.
 std::string getBooleanString(std::string_view value);
 
-/// The date that the regional reader makes of the value, or nothing.
+/// Returns the date that dates::parse reads, or nothing.
 std::optional<Date> CDate(std::string_view value);
 
-/// A date in SQL form. A text with hyphens in fifth and eighth place is taken to be one already and given back as it
-/// stands. Empty for an empty or unreadable text.
+/// Returns the date in SQL form, or an empty text if it can't be read. A text whose fifth and eighth characters are
+/// hyphens is taken to be in SQL form already and is returned unchanged.
 std::string convDisplayDateToSql(std::string_view text);
 
 }  // namespace appSystem

@@ -3,25 +3,24 @@
 #include <string>
 #include <string_view>
 
-/// The whole of the program's text handling. There is no quoting and no escaping anywhere, neither in SQL nor in CSV:
-/// text stays safe because the characters that would do harm are swapped for others or removed.
+/// The program's text handling. There is no quoting and no escaping, neither in SQL nor in CSV: the characters that
+/// would do harm are replaced or removed.
 namespace appSystem {
 
-/// Apostrophes out, before a value enters SQL: each becomes a backtick.
+/// Replaces each apostrophe by a backtick, before a value enters SQL.
 std::string rma(std::string_view text);
 
-/// Apostrophes back, when a value leaves a database: each backtick becomes an apostrophe, and so does each dollar sign,
-/// unless the first dollar sign of the text stands before a digit, as in a price; then all dollar signs stay.
+/// Restores the apostrophes when a value leaves a database: replaces each backtick by an apostrophe, and each dollar
+/// sign too, unless a digit follows the first dollar sign of the text, as in a price. Then all dollar signs are kept.
 std::string rpa(std::string_view text);
 
-/// Line ends out of a value that will stand in a CSV row: each platform line end becomes " - ".
+/// Replaces each line end of the platform by " - ", before a value is written to a CSV row.
 std::string rcr(std::string_view text);
 
-/// First step on every line of a CSV file: white space at the ends goes, then all double quotes and line end
-/// characters.
+/// Removes white space at both ends of a line of a CSV file, then all double quotes, carriage returns and line feeds.
 std::string clean(std::string_view line);
 
-/// Number of commas, wherever they stand. Yields once a position. 0 if a failure came up on the way.
+/// Returns the number of commas, in quotes or not, or 0 if a failure was raised meanwhile. Yields once per position.
 int countCommas(std::string_view text);
 
 /// Splits a cleaned line into the cells of one row of CSVa, from column 0 on, each without double quotes and trimmed.

@@ -5,7 +5,7 @@
 
 #include "platform/files/textStream.h"
 
-/// Writes a new binary file, replacing what was there. Each call raises FileFailure if it cannot do its work.
+/// Writes a new binary file, replacing what was there. Each call raises FileFailure if it fails.
 class BinaryOutputStream {
   public:
     explicit BinaryOutputStream(const std::string& path) : stream_(path) {}

@@ -23,7 +23,8 @@ std::string withSeparator(const QString& path) {
     return native;
 }
 
-/// A folder that comes with the program: beside it, or where a package keeps such things on this platform.
+/// Returns the path of a folder that is installed with the program: beside it, or in the platform's place for such
+/// data.
 std::string besideProgram(const QString& name) {
     const QString program = QCoreApplication::applicationDirPath();
     for (const QString& place : {program + "/../share/tolvaris-converter/", program + "/../Resources/"}) {
@@ -41,7 +42,7 @@ bool FileReference::exists() const {
 
 bool FileReference::remove() const {
     std::error_code failed;
-    // A folder of that name, were it empty, would go without a word.
+    // std::filesystem::remove would also delete an empty folder.
     if (path_.empty() || std::filesystem::is_directory(std::filesystem::symlink_status(path_, failed))) return false;
     return std::filesystem::remove(path_, failed) && !failed;
 }
@@ -53,7 +54,7 @@ bool FileReference::isRegular() const {
 
 bool FileReference::sync() const {
     const int folder = ::open(path_.empty() ? "." : path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    // One that may be written but not read can't be opened, and is synced by nobody.
+    // A folder that may be written but not read can't be opened, so no program can sync it.
     if (folder < 0) return errno == EACCES;
     const bool refused = ::fsync(folder) != 0 && errno != EINVAL && errno != ENOTSUP;
     ::close(folder);

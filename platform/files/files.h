@@ -18,26 +18,26 @@ class FileReference {
     /// Deletes the file. False if that failed or there was none; nothing is raised.
     bool remove() const;
 
-    /// Whether there is a file of that name with content of its own: no folder, pipe or device, which may never end.
+    /// Whether the path leads to a regular file, as opposed to a folder, or a pipe or device that may never end.
     bool isRegular() const;
 
-    /// Has the entries of this folder reach the disk. False if that is refused; a folder that may not be read can't be
-    /// asked, and counts as done.
+    /// Flushes the entries of this folder to the disk. False if the system refuses. A folder that may not be read can't
+    /// be flushed, which is no failure.
     bool sync() const;
 
-    /// The folder that holds this file.
+    /// Returns the folder that holds this file.
     FileReference parent() const;
 
-    /// A file or folder of that name inside this folder.
+    /// Returns the file or folder of that name inside this folder.
     FileReference child(std::string_view name) const;
 
-    /// The address of this file or folder for a browser, without a slash at its end and safe inside single quotes.
+    /// Returns the URL of this file or folder, without a slash at its end and safe inside single quotes.
     std::string url() const;
 
     /// Creates this folder. Raises FileFailure.
     void createAsFolder() const;
 
-    /// Hands the file to the program that the system has for it. Raises FileFailure if the system refuses.
+    /// Opens the file with the program that the system associates with it. Raises FileFailure if the system refuses.
     void launch() const;
 
   private:
@@ -50,8 +50,8 @@ std::string documents();
 std::string applications();
 std::string desktop();
 std::string executable();
-/// Where the pictures lie: beside the program, or where the package put them.
+/// The folder of the pictures: beside the program, or where the package installed it.
 std::string resources();
-/// Where the help page lies, likewise.
+/// The folder of the help page, beside the program or installed likewise.
 std::string help();
 }  // namespace folders

@@ -13,8 +13,8 @@ struct CloseFile {
 using FileHandle = std::unique_ptr<std::FILE, CloseFile>;
 }  // namespace detail
 
-/// Reads a file line by line, bytes as they stand. A line ends at CR LF, LF or CR; what follows the last line end is a
-/// line too, unless nothing follows.
+/// Reads a file line by line, without decoding. A line ends at CR LF, LF or CR. Bytes behind the last line end are a
+/// line, too.
 class TextInputStream {
   public:
     /// Raises FileFailure if there is no regular file of that native path, or it cannot be read.
@@ -23,7 +23,7 @@ class TextInputStream {
     /// Whether all lines have been read. Raises FileFailure if reading fails.
     bool atEnd();
 
-    /// The next line without its line end; empty at the end. Raises FileFailure if reading fails.
+    /// Returns the next line without its line end, or an empty text at the end. Raises FileFailure if reading fails.
     std::string readLine();
 
     void close() { file_.reset(); }
@@ -38,22 +38,21 @@ class TextInputStream {
     std::size_t filled_ = 0;
 };
 
-/// Writes a new text file, replacing what was there; a pipe or a device in its place is refused. Writing is buffered: a
-/// full disk may show at a later line or at close(). Letting the stream go without close() keeps what was written and
-/// reports nothing.
+/// Writes a new text file and replaces an existing one; a pipe or a device is refused. Writing is buffered: a full disk
+/// may be reported only by a later call or by close(). The destructor keeps what was written and reports nothing.
 class TextOutputStream {
   public:
     /// Raises FileFailure if the file cannot be created.
     explicit TextOutputStream(const std::string& path);
 
-    /// The text as it stands. Raises FileFailure.
+    /// Writes the text. Raises FileFailure.
     void write(std::string_view text);
 
-    /// The text and the platform's line end. Raises FileFailure.
+    /// Writes the text and the platform's line end. Raises FileFailure.
     void writeLine(std::string_view text);
 
-    /// Returns when the disk has all of it, the folder's entry too. Raises FileFailure if what is still buffered cannot
-    /// be written.
+    /// Writes the rest of the buffer and flushes the file and its folder to the disk. Raises FileFailure if one of
+    /// these fails.
     void close();
 
   private:

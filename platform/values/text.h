@@ -8,38 +8,38 @@
 /// outside any valid UTF-8 sequence counts as one character. Nothing here ever changes the encoding of a text.
 namespace text {
 
-/// The platform's line end, as it stands in boxes, labels and files.
+/// Returns the platform's line end, which is used in boxes, labels and files.
 std::string_view endOfLine();
 
-/// Bytes of the character that starts at the byte offset `at` (at < text.size()): 1 to 4.
+/// Returns the size in bytes, 1 to 4, of the character that starts at the byte offset `at` (at < text.size()).
 std::size_t characterBytes(std::string_view text, std::size_t at);
 
-/// Number of characters.
+/// Returns the number of characters.
 std::size_t length(std::string_view text);
 
-/// The first `count` characters, or all of them if there are fewer.
+/// Returns the first `count` characters, or all of them if there are fewer.
 std::string_view left(std::string_view text, std::size_t count);
 
-/// `count` characters from the one-based position on; empty when it begins past the end.
+/// Returns `count` characters from the one-based position on; nothing if the position is past the end.
 std::string_view mid(std::string_view text, std::size_t position, std::size_t count = std::string_view::npos);
 
-/// At most `count` characters of the text: of a longer one, its beginning and its end with " ... " between them. For
-/// the screen, which takes seconds over a text of a million characters and shows none of it.
+/// Returns at most `count` characters: of a longer text, its beginning and its end with " ... " between them. For the
+/// screen, on which a text of a million characters takes seconds and can't be read.
 std::string shortened(std::string_view text, std::size_t count);
 
-/// The text without Unicode white space and byte-order marks (U+FEFF) at both ends.
+/// Returns the text without Unicode white space and byte-order marks (U+FEFF) at both ends.
 std::string_view trim(std::string_view text);
 
-/// Every occurrence of `from` replaced, left to right, without looking again at what was put in.
+/// Returns the text with every occurrence of `from` replaced, left to right. Replacements are not searched again.
 std::string replaceAll(std::string_view text, std::string_view from, std::string_view to);
 
-/// Lower case by Unicode's simple mapping where the text is valid UTF-8; other bytes stay.
+/// Returns the text in lower case by Unicode's simple mapping; bytes that are not valid UTF-8 are kept.
 std::string lower(std::string_view text);
 
-/// Upper case, likewise.
+/// Returns the text in upper case by Unicode's simple mapping, likewise.
 std::string upper(std::string_view text);
 
-/// Equality without regard to case.
+/// Whether the texts are equal but for letter case.
 bool equals(std::string_view a, std::string_view b);
 
 /// True for a text of one character that is an ASCII digit.

@@ -5,7 +5,7 @@
 
 namespace appSystem {
 
-/// The path less its last four characters, taken to be a full stop and three letters, with the new ending put on.
+/// Returns the path with its last four characters, taken to be a full stop and three letters, replaced by `newEnding`.
 std::string getNewName(std::string_view path, std::string_view newEnding);
 
 /// Whether both paths lead to one existing file, so that making the one would destroy the other.

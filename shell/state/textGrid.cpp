@@ -47,7 +47,7 @@ std::string_view TextGrid::cell(int row, int column) const {
     return wide == wide_.end() ? std::string_view{} : cellOf(rows_[r].cells, wide->second, c);
 }
 
-/// Those of a row that is or becomes this long; null if it has short ones.
+/// Returns the wide offsets of a row that is or becomes this long, or null if 16 bits are enough.
 std::vector<std::uint32_t>* TextGrid::wideEnds(std::size_t row, std::size_t length) {
     std::vector<std::uint16_t>& ends = rows_[row].ends;
     if (ends.empty()) {
@@ -68,7 +68,7 @@ void TextGrid::setCell(int row, int column, std::string_view text) {
     if (r >= rows_.size()) rows_.resize(r + 1);
     auto& [cells, ends] = rows_[r];
     if (ends.empty() && cells.empty() && r > 0) {
-        // Rows are much of a size; one that outgrew what was reserved for it has twice the room that it needs.
+        // Rows are of similar size. One that outgrew its reserved capacity has up to twice the capacity that it needs.
         rows_[r - 1].cells.shrink_to_fit();
         cells.reserve(rows_[r - 1].cells.size());
         ends.reserve(rows_[r - 1].ends.size());

@@ -1,5 +1,5 @@
 #pragma once
 
-/// How often the program has beeped so far. The toolkit makes no sound without a screen, so the tests put a count in
-/// place of its beep.
+/// Returns how often the program has beeped so far. The toolkit makes no sound without a display, so the tests replace
+/// its beep by a counter.
 int beepCount();

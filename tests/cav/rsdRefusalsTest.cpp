@@ -44,12 +44,12 @@ TEST_F(RsdToCavRefused, FirstConnectIsToldWithTheDriversCodeAndWordsBeforeComple
     EXPECT_EQ(driver.boxes[1].buttons, Lines{"OK"});
 }
 
-TEST_F(RsdToCavRefused, DeadConnectionIsMadeAnewBeforeTheNextRow) {
-    recorder.dieAfterStatement(2);
+TEST_F(RsdToCavRefused, RefusedRowsAreDroppedAndADeadConnectionIsMadeAnew) {
+    recorder.dieAfterStatement(2).refuseStatement(3, {-3100, "Syntax error (missing operator)"});
     convertToCav("Rsd", source());
     EXPECT_EQ(log(), (Lines{"1: connect " + connectTo(destination()), "1: " + row("a"), "1: commit", "1: " + row("b"),
-                            "1: disconnect", "2: connect " + connectTo(destination()), "2: " + row("c"), "2: commit",
-                            "2: " + row("d"), "2: commit", "2: rollback", "2: disconnect"}));
+                            "1: disconnect", "2: connect " + connectTo(destination()), "2: refused " + row("c"),
+                            "2: commit", "2: " + row("d"), "2: commit", "2: rollback", "2: disconnect"}));
     EXPECT_EQ(boxes(), Lines{"Operation completed"});
 }
 

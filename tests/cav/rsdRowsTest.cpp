@@ -59,24 +59,6 @@ TEST_F(RsdToCav, CarriesFourTablesRowByRow) {
     EXPECT_EQ(driver.text("frmMain", "lblDestinationFilePath"), destination());
 }
 
-TEST_F(RsdToCav, RawValuesGoAsTheyStandAndRefusedStatementsAreSilent) {
-    fill(
-        "INSERT INTO tree (id, name, colour, tag, cage) VALUES (1, 'Ada', 'd''or', 'x'',''y', 'Käfig');"
-        "INSERT INTO tree (id, name) VALUES (2, 'Bob');");
-    recorder.refuseStatementsWith("d'or", {-3100, "Syntax error (missing operator)"});
-    convertToCav("Rsd", source());
-    EXPECT_EQ(log(), (Lines{"1: connect " + connectTo(destination()),
-                            "1: refused " + intoTree +
-                                "Ada','d'or','','','',,,,'','','x','y','','',,'Käfig','','','','','','','','','','',"
-                                "'','','','','','')",
-                            "1: commit",
-                            "1: " + intoTree +
-                                "Bob','','','','',,,,'','','','','',,'','','','','','','','','','','','','','','','',"
-                                "'')",
-                            "1: commit", "1: rollback", "1: disconnect"}));
-    EXPECT_EQ(boxes(), Lines{"Operation completed"});
-}
-
 TEST_F(RsdToCav, ApostrophesSpoilRawValuesAndNoOthers) {
     fill(
         "INSERT INTO tree (id, name, colour, breed, sex, dob, ps, pd, tag, prefix, suffix, cage, notes, customField1, "

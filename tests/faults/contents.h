@@ -3,12 +3,12 @@
 #include <string>
 #include <vector>
 
-/// What a conversion left, as somebody reads it who opens the file.
+/// The contents of a result file.
 struct Contents {
     bool exists = false;
-    std::string unsound;             ///< why it can't be read or does not hold together; empty if it does
-    std::vector<std::string> rows;   ///< what was copied, one text a row
-    std::vector<std::string> links;  ///< what passes over the rows and the settings added
+    std::string unsound;             ///< why the file can't be read or is inconsistent; empty if it is sound
+    std::vector<std::string> rows;   ///< the copied values, one text a row
+    std::vector<std::string> links;  ///< the values that later passes and the settings added
 
     bool operator==(const Contents&) const = default;
 };
@@ -18,6 +18,6 @@ Contents readRsd(const std::string& path);
 
 Contents readCsv(const std::string& path);
 
-/// Reads the four tables with animals' records and the headings through the Access driver's own room, which first plays
-/// back a journal beside it, and has the whole file checked.
+/// Reads the four tables with animals' records and the headings with the Access driver's file layer, which first plays
+/// back a journal beside it, and checks the whole file.
 Contents readCav(const std::string& path);

@@ -30,7 +30,7 @@ class FailingCall : public Sweep {
   protected:
     using Tally = std::array<int, 4>;
 
-    /// Tries the fault at some of the calls; nothing may go worse than `worst`.
+    /// Injects the fault at some of the calls; no outcome may be worse than `worst`.
     void sweep(const Whole& whole, const Try& attempt, Verdict worst) {
         Tally tally{};
         const std::string kind = faultsKindNames[attempt.kind];
@@ -40,7 +40,7 @@ class FailingCall : public Sweep {
             Judgement judgement = judge(route, whole.contents, result(), end);
             const std::string beside = sideEffects(leftOver(attempt.kind));
             if (!beside.empty()) judgement = {Verdict::forbidden, beside};
-            // A folder that may not be opened is the one thing that need not be synced.
+            // Only a folder that may not be opened need not be synced.
             if (toRsd() && end.completed() && !end.unsynced.empty() && attempt.fault != std::string("EACCES")) {
                 judgement = {Verdict::forbidden, "completed, but not on the disk: " + end.unsynced};
             }
@@ -53,7 +53,7 @@ class FailingCall : public Sweep {
 
     bool toRsd() const { return route.to == std::string("Rsd"); }
 
-    /// What can't be removed stays.
+    /// Returns the names of files that stay if removing them fails.
     std::vector<std::string> leftOver(FaultsKind kind) const {
         if (kind != faultsUnlink) return {};
         return {route.result + std::string("-journal"), route.result + std::string("-jetjournal"), copyOfASource};
@@ -126,7 +126,7 @@ TEST_P(SlowDisk, AChangeThatSomebodyEndsStopsTheImportWithAWord) {
     const auto isLinked = [](const std::string& row) { return row.ends_with("|1|2|Adam|Eve"); };
     const long calls = whole.end.calls[faultsWrite];
     int ended = 0;
-    // What the passes change is written in the last part.
+    // The passes over parents and sexes write last.
     for (const long number : {calls - calls / 4, calls - calls / 5, calls - calls / 6}) {
         SCOPED_TRACE(number);
         const End end = runAndGiveUp("write " + std::to_string(number) + " slow");

@@ -1,9 +1,7 @@
 #pragma once
 
-// A library that stands between a program and the system, and lets a call fail, cut short or be the program's last one.
-// A test links it and arms it; any program can be started with it preloaded, armed by its environment:
-//
-//   FAULTS_FOLDER=/tmp/try FAULTS_PLAN="write 12 ENOSPC on" LD_PRELOAD=.../libfaults.so build/tolvaris-converter
+// A library that intercepts calls to the system and has one fail, do half of its work, or be the process's last one.
+// A test links it and arms it.
 //
 // A plan is a kind of call, the number of the call that meets the fault, counted from 1, and the fault:
 //
@@ -34,15 +32,16 @@ enum FaultsKind {
 
 extern const char* const faultsKindNames[faultsKinds];
 
-/// Counts from here on, and does what the plan says; an empty plan only counts. Ends the process if it can't be read.
+/// Starts to count calls and to inject the fault of the plan; an empty plan only counts. Ends the process if the plan
+/// is malformed.
 void faultsArm(const char* folder, const char* plan);
 
-/// Whether a call has met the fault of the plan since the arming.
+/// Whether a call has met the fault since faultsArm.
 bool faultsMet();
 
-/// How many calls of a kind there were since the last arming, by this process or by one that it forked since it began.
+/// Returns the number of calls of a kind since the last faultsArm, in this process or one that it forked.
 long faultsCount(int kind);
 
-/// The paths of files and folders that changed since the arming and were not synced after it, one a line.
+/// Writes the paths of files and folders that have changed since faultsArm and were not synced since, one a line.
 void faultsUnsynced(char* text, unsigned long size);
 }

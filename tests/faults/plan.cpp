@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -38,11 +37,11 @@ Plan plan;
 bool armed = false;
 bool met = false;
 
-/// Together longer than the second in which all decent work is done.
+/// Together longer than the second after which a change to the database can be cancelled.
 constexpr long slowCalls = 12;
 constexpr unsigned slowCall = 150'000;
 
-/// Shared with forked processes: who watches one that dies can't ask it any more.
+/// Returns the counts, which forked processes share: a process that has been killed can't be asked.
 long* counts() {
     static long* const shared = static_cast<long*>(
         mmap(nullptr, faultsKinds * sizeof(long), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
@@ -72,13 +71,8 @@ Plan read(const char* folder, const char* text) {
     return result;
 }
 
-/// A program that was started with the library in front.
-[[gnu::constructor]] void armByEnvironment() {
-    counts();
-    const char* folder = std::getenv("FAULTS_FOLDER");
-    const char* text = std::getenv("FAULTS_PLAN");
-    if (folder != nullptr && text != nullptr) faultsArm(folder, text);
-}
+/// The counts have to be there before the first fork.
+[[gnu::constructor]] void makeCounts() { counts(); }
 
 }  // namespace
 

@@ -2,7 +2,7 @@
 
 #include "tests/faults/faults.h"
 
-// What the calls of the library share.
+// The plan of faults, which all intercepted calls ask.
 namespace faults {
 
 enum class How { nothing, fails, isShort, isSlow, isTorn, kills };
@@ -12,10 +12,10 @@ struct Fault {
     int error = 0;
 };
 
-/// Counts a call and tells what happens to it. A kill has happened by then.
+/// Counts a call and returns its fault. Kills the process if that is the fault.
 Fault next(FaultsKind kind);
 
-/// The same for calls that can only fail: true, and errno set, if this one does.
+/// Counts a call that can only fail. Returns true and sets errno if it has to.
 bool fails(FaultsKind kind);
 
 /// Whether calls are counted, and the path names the folder or something in it.
@@ -23,10 +23,10 @@ bool covers(const char* path);
 
 [[noreturn]] void killNow();
 
-// What changed and was not synced, by descriptors.
+// Changes that were not synced, by descriptors.
 void noteChange(int descriptor, const char* path);
 void noteSync(int descriptor);
-/// The entry of this path in its folder came, went or changed.
+/// Notes that the entry of this path was created, removed or changed in its folder.
 void noteEntry(const char* path);
 
 }  // namespace faults

@@ -24,7 +24,7 @@ namespace {
 constexpr const char* completedText = "Operation completed";
 constexpr char unsyncedMark = '\1';
 
-/// Gone before the variables of the program are, as in the program itself.
+/// Destroyed before the program's variables, as in the program itself.
 std::unique_ptr<App> app;
 unsigned long fileLimit = RLIM_INFINITY;
 
@@ -54,7 +54,7 @@ void giveUpAtTheFault(WindowDriver& driver) {
 
 void convert(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan) {
     if (!driver.isOpen("frmMain")) {
-        // A window gives others a turn while it is still being made.
+        // A window handles events while it is being created.
         if (driver.isOpen("frmSplash")) driver.click("frmSplash", "cmdStart");
         driver.later([&] { convert(driver, order, folder, plan); });
         return;
@@ -75,7 +75,7 @@ void convert(WindowDriver& driver, const Order& order, const std::string& folder
     setenv("HOME", folder.c_str(), 1);
     setenv("TMPDIR", folder.c_str(), 1);
     const FileSizeLimit limit(fileLimit);
-    // A CAV file is synced when its connection goes, at the end of the conversion.
+    // A CAV file is synced when its connection is closed, at the end of the conversion.
     const bool intoCav = order.to == "Cav";
     driver.onBox([notes, intoCav](const Box& box) {
         if (box.buttons.size() > 1) return;
@@ -100,7 +100,7 @@ void readNotes(const std::string& path, End& end) {
     }
 }
 
-/// Waits for the process, but not for ever.
+/// Waits at most a minute for the process, then kills it and sets `hung`.
 int statusOf(pid_t process, bool& hung) {
     using namespace std::chrono_literals;
     const auto deadline = std::chrono::steady_clock::now() + 60s;
@@ -147,7 +147,7 @@ End convertUnderFaults(WindowDriver& driver, const Order& order, const std::stri
 void limitFiles(unsigned long bytes) { fileLimit = bytes; }
 
 #ifdef __SANITIZE_ADDRESS__
-/// What the sanitizers find ends the program by a signal, which no box and no exit code of its own can pass for.
+/// A finding of the sanitizers ends the program by a signal, which differs from every exit code of the program.
 extern "C" const char* __asan_default_options() { return "abort_on_error=1"; }
 extern "C" const char* __ubsan_default_options() { return "abort_on_error=1"; }
 #endif

@@ -7,17 +7,17 @@
 #include "tests/faults/faults.h"
 #include "windowdriver/windowDriver.h"
 
-/// A conversion that somebody wants: the forms ("Csv", "Rsd", "Cav"), the file, and the CAV file to fill.
+/// A conversion to run: the forms ("Csv", "Rsd", "Cav"), the source, and the CAV file to fill.
 struct Order {
     std::string from;
     std::string to;
     std::string source;
     std::string cav;
-    /// Presses Cancel once a call has met the fault, and keeps the file; closes the selector where nothing is in front.
+    /// Presses Cancel once a call has met the fault, and keeps the file. Closes the selector if frmWait isn't open.
     bool givesUp = false;
 };
 
-/// How the program ended that was given the order.
+/// How the program ended.
 struct End {
     int code = -1;
     int signal = 0;
@@ -27,7 +27,7 @@ struct End {
     std::array<long, faultsKinds> calls{};
 
     bool completed() const;
-    /// The boxes before and beside "Operation completed", one a line: what the user was told of a failure.
+    /// Returns the texts of all boxes but "Operation completed", one a line: the reported failures.
     std::string words() const;
 };
 

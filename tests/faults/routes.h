@@ -17,10 +17,9 @@ struct Route {
                          ///< "kennel-logged.rsd", with its last change in a write-ahead log
     const char* result;  ///< its name beside the copied source
     Contents (*read)(const std::string& path);
-    /// Whether this may stand in the result of a run that ended as if all had been done, where the program says nothing
-    /// on purpose.
+    /// Whether the result may be this where the run reported no failure, as some failures are dropped on purpose.
     bool (*mayGoUnsaid)(const Contents& whole, const Contents& found);
-    /// Whether this may stand in the result after the process was killed.
+    /// Whether the result may be this after the process was killed.
     bool (*mayStandAfterAKill)(const Contents& whole, const Contents& found);
 };
 
@@ -28,19 +27,19 @@ std::ostream& operator<<(std::ostream& to, const Route& route);
 
 extern const std::vector<Route> routes;
 
-/// How a run went; in the order from best to worst.
+/// The outcome of a run, from best to worst.
 enum class Verdict {
-    whole,     ///< all arrived, and so it was said
-    told,      ///< something was missing, or may have been, and a box said why
-    unsaid,    ///< something is missing without a word, where that is so on purpose
+    whole,     ///< everything arrived, and "Operation completed" was shown
+    told,      ///< a failure was reported
+    unsaid,    ///< something is missing, and the failure was dropped on purpose
     forbidden  ///< anything else
 };
 
 struct Judgement {
     Verdict verdict = Verdict::whole;
-    std::string reason;  ///< for what is forbidden
+    std::string reason;  ///< why the outcome is forbidden
 };
 
-/// What an end means, by the route's rules. `whole` is what a run without a fault leaves.
+/// Judge a run by the route's rules. `whole` is the result of a run without a fault.
 Judgement judge(const Route& route, const Contents& whole, const Contents& found, const End& end);
 Judgement judgeKilled(const Route& route, const Contents& whole, const Contents& found);

@@ -1,4 +1,5 @@
-// Streams of the C library, whose own reads and writes nobody stands between: those on files of the folder get ours.
+// Streams of the C library. Their own calls to the system can't be intercepted, so streams on files of the folder read
+// and write through functions of this library.
 
 #include <cstdio>
 #include <cstring>
@@ -22,7 +23,7 @@ int descriptorOf(void* cookie) { return static_cast<OpenStream*>(cookie)->descri
 ssize_t readFrom(void* cookie, char* to, size_t size) { return read(descriptorOf(cookie), to, size); }
 
 ssize_t writeTo(void* cookie, const char* from, size_t size) {
-    // As the library's own: what was written in part is gone on with.
+    // Like the C library, continues a write that was done in part.
     size_t done = 0;
     while (done < size) {
         const ssize_t written = write(descriptorOf(cookie), from + done, size - done);

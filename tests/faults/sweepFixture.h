@@ -5,7 +5,7 @@
 #include "tests/faults/routes.h"
 #include "windowdriver/windowDriver.h"
 
-/// What the folder for temporary files, which is the run's own, holds for a source with a log begins so.
+/// The beginning of the names of temporary copies of a source.
 constexpr const char* copyOfASource = "tolvaris-";
 
 /// Runs the routes under faults, each time on fresh copies of the samples in a folder of their own. No window is opened
@@ -18,21 +18,21 @@ class Sweep : public testing::TestWithParam<Route> {
     /// Converts the route's sample, a fresh copy of it. The folder stays as the run left it until the next one.
     End run(const std::string& plan);
 
-    /// The same, by somebody who gives up at the call that meets the fault, and keeps the new file.
+    /// Likewise, and presses Cancel at the call that meets the fault; keeps the new file.
     End runAndGiveUp(const std::string& plan);
 
-    /// The same in the folder as it stands, without a fault.
+    /// Converts again in the same folder, without a fault.
     End runAgain() { return convert(""); }
 
-    /// Takes this text in place of the route's sample.
+    /// Uses this text instead of the route's sample.
     void setSource(const std::string& text);
 
-    /// Lays out the folder for a run.
+    /// Fills the folder for a run.
     void prepare() const;
 
     Contents result() const { return route.read(inFolder(route.result)); }
 
-    /// What a run without a fault leaves, with the calls that it took.
+    /// The result of a run without a fault, and how many calls it made.
     struct Whole {
         Contents contents;
         End end;
@@ -47,7 +47,7 @@ class Sweep : public testing::TestWithParam<Route> {
     /// many as TOLVARIS_FAULTS says.
     static std::vector<long> places(long calls, long some);
 
-    /// In the test's own folder.
+    /// Returns the path of a file in the test's own folder.
     std::string path(const std::string& name) const { return own_ + "/" + name; }
 
     std::string folder() const { return folder_; }

@@ -68,7 +68,7 @@ std::string readWhole(const fs::path& path) {
     return content.str();
 }
 
-/// Some answers to any question, the same for the same bytes.
+/// Returns answers to the questions of a run, chosen by a hash of the bytes.
 std::deque<std::string> answersFor(std::string_view bytes) {
     std::deque<std::string> answers;
     const std::size_t hash = std::hash<std::string_view>()(bytes);

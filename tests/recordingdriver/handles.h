@@ -23,7 +23,7 @@ class Failure : public std::runtime_error {
     int nativeCode;
 };
 
-/// What lies behind an ODBC handle: the last call's diagnostic record, if it left one.
+/// The object behind an ODBC handle, with the diagnostic record of the last call, if there is one.
 class Handle {
   public:
     virtual ~Handle() = default;
@@ -33,8 +33,8 @@ class Handle {
 
 class Environment : public Handle {};
 
-/// A connection. It keeps the rules of the ODBC reference that an application could break unseen: no statement on a
-/// dead connection, no disconnect in the middle of a transaction.
+/// A connection. It enforces two rules of the ODBC reference: no statement on a dead connection, no disconnect within a
+/// transaction.
 class Connection : public Handle {
   public:
     /// Throws `Failure` 08001 if the script refuses this connect.
@@ -45,7 +45,7 @@ class Connection : public Handle {
     void setAutocommit(bool on) { autocommit_ = on; }
     bool isDead() const { return dead_; }
 
-    /// Notes the statement. Throws `Failure` 08S01 on a dead connection, HY000 if the script refuses the statement.
+    /// Records the statement. Throws `Failure` 08S01 on a dead connection, HY000 if the script refuses the statement.
     /// Returns its answer, null for a statement without a result.
     const Answer* execute(const std::string& statement);
 
@@ -70,7 +70,7 @@ class Statement : public Handle {
     /// Moves to the next row; false behind the last one.
     bool fetch();
 
-    /// One step in reading a value: what is left of it, or nothing for NULL.
+    /// One step in reading a value: the rest of the value, or nothing for NULL.
     struct Piece {
         std::optional<std::string> rest;
         bool finished;  ///< an earlier step has delivered the end of the value

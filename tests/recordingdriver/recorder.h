@@ -10,10 +10,10 @@ namespace recording {
 /// The name under which the recording driver is registered: that of the driver which the program asks for.
 inline constexpr const char* driverName = "Microsoft Access Driver (*.mdb)";
 
-/// Puts the recording driver in the real one's place, tells it what to refuse and answer, and reads back what it noted.
+/// Replaces the real driver by the recording driver, sets what it refuses and answers, and reads its record.
 ///
 /// The first recorder of a process writes a driver manager configuration of its own to a temporary folder and names it
-/// in ODBCSYSINI and ODBCINSTINI; the folder goes when the process ends. The driver manager keeps its first
+/// in ODBCSYSINI and ODBCINSTINI; the folder is removed when the process ends. The driver manager keeps its first
 /// configuration, so that recorder must come before the process's first ODBC call.
 ///
 /// Each recorder starts with an empty script, no events and all counts at nothing; one lives at a time. All numbers
@@ -29,7 +29,7 @@ class Recorder {
     /// Refuses one connect, or those from `first` to `last`, with SQLSTATE 08001.
     Recorder& refuseConnect(int number, const Refusal& refusal = {});
     Recorder& refuseConnects(int first, int last, const Refusal& refusal = {});
-    /// The connection is dead from this moment: it says so when asked, and refuses statements until it is made anew.
+    /// From then on the connection reports itself dead when asked, and refuses statements until the next connect.
     Recorder& dieAfterConnect(int number);
     Recorder& dieAfterStatement(int number);
     /// Refuses a statement with SQLSTATE HY000; refused statements count too.
@@ -37,14 +37,14 @@ class Recorder {
     Recorder& refuseStatementsWith(const std::string& part, const Refusal& refusal = {});
     /// Refuses a fetch with SQLSTATE HY000.
     Recorder& refuseFetch(int number);
-    /// Answers all statements that begin with `start`, letter for letter; the latest fitting answer counts. A SELECT
+    /// Answers all statements that begin with `start`; the latest matching answer counts. A SELECT
     /// without an answer is refused with SQLSTATE 42S02. Throws std::invalid_argument for a row of the wrong width.
     Recorder& answer(const std::string& start, std::vector<std::string> columns, std::vector<Row> rows = {});
 
-    /// All that was asked of the driver so far, in order. A statement on a connection that was left in autocommit mode
+    /// Returns all calls so far, in order. A statement on a connection that was left in autocommit mode
     /// is followed by a commit of its own.
     const std::vector<Event>& events() const { return script_.events; }
-    /// The texts of the events of one kind.
+    /// Returns the texts of the events of one kind.
     std::vector<std::string> texts(Kind kind) const;
 
   private:

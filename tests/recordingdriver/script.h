@@ -6,10 +6,10 @@
 
 namespace recording {
 
-/// What an application asked of the driver. A refused connect or statement is noted too, as what it is.
+/// A call of the application. Refused connects and statements are recorded as kinds of their own.
 enum class Kind { connect, refusedConnect, statement, refusedStatement, commit, rollback, disconnect };
 
-/// One thing asked of the driver.
+/// One call of the application.
 struct Event {
     Kind kind;
     std::string text;  ///< the connection string or the statement, byte for byte; else empty
@@ -18,7 +18,7 @@ struct Event {
     bool operator==(const Event&) const = default;
 };
 
-/// What a diagnostic record tells of a refusal, beside its SQLSTATE.
+/// The diagnostic record of a refusal, without its SQLSTATE.
 struct Refusal {
     int nativeCode = 0;
     std::string message = "refused by the script";
@@ -34,7 +34,7 @@ struct ConnectRefusal {
     Refusal refusal;
 };
 
-/// A statement is refused if it is the `number`-th of all, or if `part` is not empty and stands in its text.
+/// A statement is refused if it is the `number`-th of all, or if its text contains `part`, unless that is empty.
 struct StatementRefusal {
     int number;
     std::string part;
@@ -48,8 +48,8 @@ struct Answer {
     std::vector<Row> rows;
 };
 
-/// What the driver was told, and what it noted. It lies in the driver library, which exports it through
-/// `recordingDriverScript`; the test's side reaches it in the same process.
+/// The driver's instructions and its record. The object belongs to the driver library, which exports it through
+/// `recordingDriverScript`; the test uses it in the same process.
 struct Script {
     std::vector<ConnectRefusal> connectRefusals;
     std::vector<StatementRefusal> statementRefusals;
@@ -64,7 +64,7 @@ struct Script {
     int fetches = 0;
 };
 
-/// Type and name of the exported function that gives the driver's script.
+/// Type and name of the exported function that returns the driver's script.
 using ScriptAccessor = Script* (*)();
 inline constexpr const char* scriptAccessorName = "recordingDriverScript";
 

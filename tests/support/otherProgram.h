@@ -4,19 +4,19 @@
 #include <string>
 #include <sys/types.h>
 
-/// Another program that uses a database file while ours does: a process of its own that takes the locks which the
-/// library takes.
+/// Another process that uses a database file at the same time: it takes the same locks as the database library.
 class OtherProgram {
   public:
     enum class Lock { reading, writing };
 
-    /// Has it take the lock and keep it for so long. Returns when the lock is taken; std::runtime_error if it is not.
+    /// Takes the lock and keeps it for `time`. Returns once the lock is held; throws std::runtime_error if it is
+    /// refused.
     OtherProgram(const std::string& path, Lock lock, std::chrono::milliseconds time);
     OtherProgram(const OtherProgram&) = delete;
     OtherProgram& operator=(const OtherProgram&) = delete;
     ~OtherProgram();
 
-    /// Whether it could write to the file at this moment.
+    /// Whether another process could write to the file now.
     static bool mayWrite(const std::string& path);
 
   private:

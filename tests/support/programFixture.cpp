@@ -39,7 +39,7 @@ void ProgramTest::SetUp() {
 }
 
 void ProgramTest::TearDown() {
-    // What the test's observers referred to is gone by now.
+    // The objects that the test's observers refer to have been destroyed.
     driver.onEveryTurn(nullptr);
     driver.onBox(nullptr);
     yielding::setPump(yielding::Pump::onTime);

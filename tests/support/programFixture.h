@@ -7,14 +7,14 @@
 
 #include "windowdriver/windowDriver.h"
 
-/// Each test starts as the program does, with its first window's terms agreed to, an empty state and a folder of its
-/// own, and may not leave a window or an unanswered question behind.
+/// Starts each test with the selector open, an empty program state and a new folder. A test fails if it leaves a window
+/// or an unanswered question behind.
 class ProgramTest : public testing::Test {
   protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// Writes a file into the test's folder and gives its path.
+    /// Writes a file into the test's folder and returns its path.
     std::string write(const std::string& name, const std::string& content) const;
     std::string path(const std::string& name) const { return (folder_ / name).string(); }
 
@@ -23,7 +23,7 @@ class ProgramTest : public testing::Test {
     /// Chooses both forms ("Csv", "Rsd", "Cav"), types the path and presses Convert; returns when the route has ended.
     void convert(const std::string& from, const std::string& to, const std::string& path);
 
-    /// Texts of all boxes so far, in order.
+    /// Returns the texts of all boxes so far, in order.
     std::vector<std::string> boxTexts() const;
 
     WindowDriver driver;

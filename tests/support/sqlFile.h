@@ -7,8 +7,7 @@
 
 struct sqlite3;
 
-/// A database file opened with the library itself, past the program's own layers, to prepare files and to look at what
-/// the program wrote.
+/// A database file opened with the library itself, without the program's layers, to prepare files and to check results.
 class SqlFile {
   public:
     /// Opens or creates the file. A key makes it an encrypted one. Raises std::runtime_error.
@@ -19,10 +18,10 @@ class SqlFile {
     /// Runs one or more statements. Raises std::runtime_error with the database's message.
     void run(std::string_view sql);
 
-    /// Every row of a select, its cells joined by "|"; NULL shows as "NULL".
+    /// Returns every row of a select, its cells joined by "|". NULL is shown as "NULL".
     std::vector<std::string> rows(std::string_view sql);
 
-    /// The first cell of the first row; empty if there is none.
+    /// Returns the first cell of the first row, or an empty text if there is none.
     std::string value(std::string_view sql);
 
   private:

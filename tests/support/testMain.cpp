@@ -8,10 +8,10 @@
 #include "windowdriver/windowDriver.h"
 
 int main(int argumentCount, char** arguments) {
-    // No display is needed, and dates read the same on every machine.
+    // The tests need no display, and read dates in the same way on every machine.
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("LC_ALL", "en_GB.UTF-8", 1);
-    // The files of the tests are many and short-lived; memory serves them many times faster than a disk.
+    // The tests write many short-lived files, which a file system in memory serves faster than a disk.
     if (std::filesystem::is_directory("/dev/shm")) setenv("TMPDIR", "/dev/shm", 0);
     dropNoticesOfThePlatform();
     testing::InitGoogleTest(&argumentCount, arguments);
