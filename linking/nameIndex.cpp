@@ -52,9 +52,10 @@ std::string_view trimmed(std::string_view text) {
 
 }  // namespace
 
-std::string_view NameIndex::slice(const std::string& texts, const std::vector<std::uint32_t>& ends, Animal animal) {
-    const std::size_t begin = animal == 0 ? 0 : ends[animal - 1];
-    return std::string_view(texts).substr(begin, ends[animal] - begin);
+std::string_view NameIndex::slice(const std::string& texts, const std::vector<std::uint32_t>& ends,
+                                  std::size_t number) {
+    const std::size_t begin = number == 0 ? 0 : ends[number - 1];
+    return std::string_view(texts).substr(begin, ends[number] - begin);
 }
 
 /// Without the 0 at the end.
@@ -64,12 +65,18 @@ std::string_view NameIndex::fullName(Animal animal) const {
 }
 
 void NameIndex::add(std::string_view prefix, std::string_view name) {
-    names_ += name;
-    nameEnds_.push_back(static_cast<std::uint32_t>(names_.size()));
-    appendFolded(fullNames_, trimmed(std::string(prefix).append(" ").append(name)));
+    for (const std::string_view text : {prefix, name}) {
+        names_ += text;
+        ends_.push_back(static_cast<std::uint32_t>(names_.size()));
+    }
+}
+
+void NameIndex::addFullName(Animal animal) {
+    std::string joined(slice(names_, ends_, 2 * std::size_t{animal}));
+    appendFolded(fullNames_, trimmed(joined.append(" ").append(name(animal))));
     fullNames_ += '\0';
     fullEnds_.push_back(static_cast<std::uint32_t>(fullNames_.size()));
-    bytes_.push_back(bytesOf(fullName(static_cast<Animal>(fullEnds_.size() - 1))));
+    bytes_.push_back(bytesOf(fullName(animal)));
 }
 
 NameIndex::Bytes NameIndex::bytesOf(std::string_view text) {
@@ -81,6 +88,14 @@ NameIndex::Bytes NameIndex::bytesOf(std::string_view text) {
 
 void NameIndex::prepare() {
     if (!bucketEnds_.empty()) return;
+    // An earlier attempt may have ended in a yield.
+    fullNames_.clear();
+    fullEnds_.clear();
+    bytes_.clear();
+    for (Animal animal = 0; animal < ends_.size() / 2; ++animal) {
+        addFullName(animal);
+        RuntimeBackgroundTask(yielding::character);
+    }
     // No text is found across the end of a name.
     const auto eachPosition = [this](auto visit) {
         for (std::size_t at = 0; at + groupBytes < fullNames_.size(); ++at) {
@@ -89,14 +104,14 @@ void NameIndex::prepare() {
             RuntimeBackgroundTask(yielding::character);
         }
     };
-    bucketEnds_.assign(groups * bucketsOfGroup + 1, 0);
-    eachPosition([this](std::size_t, std::size_t bucket) { ++bucketEnds_[bucket + 1]; });
-    for (std::size_t bucket = 1; bucket < bucketEnds_.size(); ++bucket) bucketEnds_[bucket] += bucketEnds_[bucket - 1];
+    std::vector<std::uint32_t> ends(groups * bucketsOfGroup + 1);
+    eachPosition([&](std::size_t, std::size_t bucket) { ++ends[bucket + 1]; });
+    for (std::size_t bucket = 1; bucket < ends.size(); ++bucket) ends[bucket] += ends[bucket - 1];
     // From here, entry b is where the next position of bucket b goes; in the end it is where the bucket ends.
-    positions_.resize(bucketEnds_.back());
-    eachPosition([this](std::size_t at, std::size_t bucket) {
-        positions_[bucketEnds_[bucket]++] = static_cast<std::uint32_t>(at);
-    });
+    positions_.resize(ends.back());
+    eachPosition(
+        [&](std::size_t at, std::size_t bucket) { positions_[ends[bucket]++] = static_cast<std::uint32_t>(at); });
+    bucketEnds_ = std::move(ends);
 }
 
 /// Returns a gram with an empty part if no part has three bytes.

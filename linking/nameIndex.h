@@ -24,9 +24,9 @@ class NameIndex {
     void add(std::string_view prefix, std::string_view name);
 
     /// Returns the name of an animal, as it was added.
-    std::string_view name(Animal animal) const { return slice(names_, nameEnds_, animal); }
+    std::string_view name(Animal animal) const { return slice(names_, ends_, 2 * std::size_t{animal} + 1); }
 
-    /// Sorts the positions, before the first find(); does nothing the second time. Yields.
+    /// Builds the index, before the first find(); does nothing the second time. Yields.
     void prepare();
 
     /// Returns the first animal whose full name is LIKE '%text%'; noAnimal if there is none, or if the database refuses
@@ -46,16 +46,17 @@ class NameIndex {
     using Bytes = std::uint64_t;
     using Matches = std::function<bool(Animal animal)>;
 
-    static std::string_view slice(const std::string& texts, const std::vector<std::uint32_t>& ends, Animal animal);
+    static std::string_view slice(const std::string& texts, const std::vector<std::uint32_t>& ends, std::size_t number);
     static Bytes bytesOf(std::string_view text);
+    void addFullName(Animal animal);
     std::string_view fullName(Animal animal) const;
     std::size_t begin(std::size_t bucket) const { return bucket == 0 ? 0 : bucketEnds_[bucket - 1]; }
     Gram rarest(const std::vector<std::string>& parts) const;
     Animal search(const std::vector<std::string>& parts, const Matches& matches) const;
     Animal searchBytes(const std::vector<std::string>& parts, const Matches& matches) const;
 
-    std::string names_;
-    std::vector<std::uint32_t> nameEnds_;
+    std::string names_;                ///< prefix and name of each animal
+    std::vector<std::uint32_t> ends_;  ///< of each prefix and name
     std::string fullNames_;
     std::vector<std::uint32_t> fullEnds_;
     std::vector<Bytes> bytes_;               ///< of each full name

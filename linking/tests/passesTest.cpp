@@ -253,6 +253,33 @@ TEST_F(Passes, AFailureOnTheWayLeavesWhatThePassCameTo) {
     }
 }
 
+// Wherever it ends one pass, also while the names are read or indexed, the other one links its parents as ever.
+TEST_F(Passes, AFailureInAnyYieldEndsNoMoreThanOnePass) {
+    Herd herd;
+    for (const char* name : {"Ada", "Bella", "Ada Bell"}) herd.push_back({name, {}, {}, {}, {}, "Ada", "Bell", {}});
+    Stores stores;
+    yielding::setPump(yielding::Pump::everyCall);
+    failed_ = true;
+    for (int turns = 1; failed_; ++turns) {
+        SCOPED_TRACE(turns);
+        stores.layOut(herd);
+        failed_ = false;
+        int left = turns;
+        driver.onEveryTurn([&] {
+            if (--left > 0) return;
+            driver.onEveryTurn(nullptr);
+            failed_ = true;
+            events::run([] { throw OutOfBounds("in a handler"); });
+        });
+        events::run([&] { appSystem::linkAnimals(stores.program); });
+        driver.onEveryTurn(nullptr);
+        auto links = stores.program.prepare("SELECT group_concat(fatherId), group_concat(motherId) FROM tree");
+        ASSERT_TRUE(links.step());
+        EXPECT_TRUE(links.text(0) == "1,1,1" || links.text(1) == "2,2,2") << links.text(0) << " " << links.text(1);
+        EXPECT_TRUE(failed_ || turns > 10);
+    }
+}
+
 TEST_F(Passes, NobodyReadsTheFileBetweenThePasses) {
     Stores stores = makeFiles();
     stores.layOut({{"Ada", {}, "1", {}, {}, {}, {}, {}}, {"Bea", {}, "2", {}, "1", {}, {}, {}}});

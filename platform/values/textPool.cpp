@@ -7,14 +7,15 @@
 
 TextPool::Number TextPool::add(std::string_view text) {
     if ((places_.size() + 1) * 2 > slots_.size()) grow();
-    Number& slot = slots_[slotOf(text, slots_)];
-    if (slot != noNumber) return slot;
+    const auto hash = static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
+    Slot& slot = slotOf(text, hash);
+    if (slot.number != noNumber) return slot.number;
     if (text.size() > std::numeric_limits<std::uint32_t>::max() - bytes_.size()) throw Failure("too many long texts");
     const Place place{static_cast<std::uint32_t>(bytes_.size()), static_cast<std::uint32_t>(text.size())};
     bytes_.append(text);
     places_.push_back(place);
-    slot = static_cast<Number>(places_.size() - 1);
-    return slot;
+    slot = {hash, static_cast<Number>(places_.size() - 1)};
+    return slot.number;
 }
 
 std::string_view TextPool::at(Number number) const {
@@ -22,15 +23,24 @@ std::string_view TextPool::at(Number number) const {
     return std::string_view(bytes_).substr(place.begin, place.length);
 }
 
-std::size_t TextPool::slotOf(std::string_view text, const std::vector<Number>& slots) const {
-    const std::size_t mask = slots.size() - 1;
-    std::size_t slot = std::hash<std::string_view>()(text) & mask;
-    while (slots[slot] != noNumber && at(slots[slot]) != text) slot = (slot + 1) & mask;
-    return slot;
+TextPool::Slot& TextPool::slotOf(std::string_view text, std::uint32_t hash) {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t at = hash & mask;
+    const auto isOther = [&](const Slot& slot) {
+        return slot.number != noNumber && (slot.hash != hash || this->at(slot.number) != text);
+    };
+    while (isOther(slots_[at])) at = (at + 1) & mask;
+    return slots_[at];
 }
 
 void TextPool::grow() {
-    std::vector<Number> slots(2 * slots_.size(), noNumber);
-    for (Number number = 0; number < places_.size(); ++number) slots[slotOf(at(number), slots)] = number;
+    std::vector<Slot> slots(2 * slots_.size());
+    const std::size_t mask = slots.size() - 1;
+    for (const Slot& slot : slots_) {
+        if (slot.number == noNumber) continue;
+        std::size_t at = slot.hash & mask;
+        while (slots[at].number != noNumber) at = (at + 1) & mask;
+        slots[at] = slot;
+    }
     slots_.swap(slots);
 }

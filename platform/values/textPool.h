@@ -26,13 +26,16 @@ class TextPool {
         std::uint32_t length;
     };
     static constexpr Number noNumber = ~Number{0};
+    struct Slot {
+        std::uint32_t hash = 0;
+        Number number = noNumber;
+    };
 
-    /// Returns the slot that holds the number of the text, or the free slot where it belongs.
-    std::size_t slotOf(std::string_view text, const std::vector<Number>& slots) const;
+    /// Returns the slot of the text, or the free slot where it belongs.
+    Slot& slotOf(std::string_view text, std::uint32_t hash);
     void grow();
 
     std::string bytes_;
-    std::vector<Place> places_;  ///< of each text in bytes_
-    std::vector<Number> slots_ =
-        std::vector<Number>(1024, noNumber);  ///< hash table, linear probing, size a power of 2
+    std::vector<Place> places_;                          ///< of each text in bytes_
+    std::vector<Slot> slots_ = std::vector<Slot>(1024);  ///< hash table, linear probing, size a power of 2
 };
