@@ -22,6 +22,12 @@ struct DateTime {
     auto operator<=>(const DateTime&) const = default;
 };
 
+/// Whether a date lies in the years 100 to 9999, which are those that Access knows.
+constexpr bool isInCalendar(DateTime date) {
+    constexpr double firstDay = -657434, lastDay = 2958465;  // 0100-01-01 and 9999-12-31
+    return date.days > firstDay - 1 && date.days < lastDay + 1;
+}
+
 using Bytes = std::vector<std::uint8_t>;
 
 /// One column's value. Null is std::monostate. Byte, Integer and Long are int32_t, Single and Double are double,

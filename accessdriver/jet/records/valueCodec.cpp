@@ -10,9 +10,6 @@ namespace jet {
 
 namespace {
 
-// Days since 1899-12-30 of 0100-01-01 and of the day after 9999-12-31, between which Access knows dates.
-constexpr double firstDay = -657434, dayAfterLast = 2958466;
-
 [[noreturn]] void fail(Fault fault, const TableDefinition& table, const Column& column, const std::string& what) {
     throw Error(fault, "The value for the column " + column.name + " of the table " + table.name + " " + what + ".");
 }
@@ -45,7 +42,7 @@ void encodeFloat(const TableDefinition& table, const Column& column, double numb
         appendLittle(to, std::bit_cast<std::uint32_t>(static_cast<float>(number)), 4);
         return;
     }
-    if (column.type == ColumnType::dateTime && !(number > firstDay - 1 && number < dayAfterLast)) {
+    if (column.type == ColumnType::dateTime && !isInCalendar({number})) {
         fail(Fault::badValue, table, column, "is no date from the years 100 to 9999");
     }
     appendLittle(to, std::bit_cast<std::uint64_t>(number), 8);

@@ -27,7 +27,7 @@ class ConditionParser {
     Predicate condition() { return requireCondition(alternatives(0)); }
 
   private:
-    // What stands in brackets may be a whole condition, or only the first operand of a comparison.
+    // The content of brackets may be a whole condition, or only the first operand of a comparison.
     using Part = std::variant<Operand, Predicate>;
 
     Part alternatives(int depth) {

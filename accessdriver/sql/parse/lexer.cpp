@@ -17,7 +17,7 @@ bool startsWord(char c) {
 
 constexpr std::size_t shownBytes = 24;
 
-// What stands at the place, up to the next blank and never half a character.
+// The beginning of a text, up to the next blank and never half a character.
 std::string_view nearText(std::string_view rest) {
     std::size_t length = 1;
     while (length < rest.size() && length < shownBytes && !isBlank(rest[length])) ++length;

@@ -22,7 +22,7 @@ struct Token {
     TokenKind kind = TokenKind::end;
     std::string_view text;  ///< the part of the statement between the quotes or brackets, if there are any
     std::size_t at = 0;     ///< byte offset of the token's first character in the statement
-    char doubled = '\0';    ///< the quotation mark of which the text holds pairs that stand for one, if it does
+    char doubled = '\0';    ///< the quotation mark that the text holds doubled, if it does
 };
 
 /// Cuts a statement into tokens, one at a call, without copying.
@@ -43,10 +43,10 @@ class Lexer {
     std::size_t at_ = 0;
 };
 
-/// An Error(42000) that tells the position (in characters, from 1) and the text that stands there.
+/// Makes an Error(42000) that names the position (in characters, from 1) and quotes the text there.
 Error refusedAt(std::string_view statement, std::size_t at, const std::string& why);
 
-/// The text of a token with doubled quotes made single.
+/// Returns the text of a token with each doubled quotation mark made single.
 std::string undoubled(const Token& token);
 
 }  // namespace sql

@@ -24,8 +24,8 @@ namespace sql {
 /// with an optional semicolon at the end. Names may be in [brackets], in `backticks` and, where no value can be meant,
 /// in double quotes. A value is a text in single or double quotes, a number, a #date#, {d '...'}, {t '...'},
 /// {ts '...'}, {guid '...'}, True, Yes, On, False, No, Off, Null, Date(), Time(), Now(), @@IDENTITY, or a ? parameter.
-/// Keywords are known in any letter case. The text must outlive the result. Throws Error(42000) that tells where, for
-/// everything else.
+/// Keywords are known in any letter case. The text must outlive the result. Throws an Error(42000)
+/// that names the place, for everything else.
 Statement parse(std::string_view text);
 
 }  // namespace sql

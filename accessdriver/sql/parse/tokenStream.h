@@ -10,8 +10,8 @@
 
 namespace sql {
 
-/// The tokens of a statement, and the phrases that statements and conditions are made of. What is expected and not
-/// there is refused with an Error(42000) that tells the place.
+/// The tokens of a statement, and the phrases that statements and conditions are made of. If an expected token is
+/// missing, an Error(42000) is thrown that names the place.
 class TokenStream {
   public:
     /// The text and the statement must outlive this. The statement gets what the phrases leave behind: texts of their
@@ -36,7 +36,7 @@ class TokenStream {
 
     /// Whether a value starts here and no column's name. A text in double quotes is a value, except before a point.
     bool isValue() const;
-    /// Whether a name starts here. A text in double quotes is one: ask isValue() first where a value may stand, too.
+    /// Whether a name starts here. A text in double quotes is one: ask isValue() first where a value is allowed, too.
     bool isName() const;
 
     // --- reading on

@@ -32,7 +32,7 @@ class ColumnNames {
 /// compared.
 void resolve(Predicate& predicate, ColumnNames& columns, std::span<jet::ColumnInfo> parameters);
 
-/// What SQLDescribeParam tells of a parameter that stands beside no column.
+/// The description of a parameter that is compared with no column.
 jet::ColumnInfo unknownColumn();
 
 }  // namespace sql

@@ -49,7 +49,7 @@ jet::Value Aggregate::result() const {
     const bool average = kind_ == Kind::average;
     if (type_ != jet::ColumnType::currency) return average ? sum_ / static_cast<double>(count_) : sum_;
     if (!average) return jet::Currency{units_};
-    // Half a unit goes to the even neighbour.
+    // Rounded half to even.
     const std::int64_t whole = units_ / count_;
     const std::int64_t rest = std::abs(units_ % count_);
     const bool up = rest > count_ - rest || (rest == count_ - rest && whole % 2 != 0);

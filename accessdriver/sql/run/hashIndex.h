@@ -12,8 +12,8 @@
 namespace sql {
 
 /// Where the keys of one column are: a hash table from key to rows, 16 bytes a row and a quarter for the heads.
-/// It only ever proposes rows; a row may have changed since, or another key may have the same hash, so whoever asks
-/// compares the row itself.
+/// It only proposes rows: a row may have changed since, or another key may have the same hash. So the caller compares
+/// the row itself.
 class HashIndex {
   public:
     void add(const Key& key, jet::RowId row);
@@ -24,10 +24,10 @@ class HashIndex {
     /// How many entries find() would go through, counted no further than limit.
     std::size_t count(const Key& key, std::size_t limit) const;
 
-    /// Notes that rows got another key or went, which leaves entries behind that propose them in vain.
+    /// Notes that rows got another key or were deleted, so that entries propose rows that no longer have the key.
     void noteOutdated(std::size_t entries = 1) { outdated_ += entries; }
 
-    /// Whether so many entries propose in vain that the table should be built anew.
+    /// Whether so many entries are outdated that the index should be built again.
     bool isWorn() const { return outdated_ > 1000 + entries_.size() / 2; }
 
   private:

@@ -9,11 +9,11 @@
 
 namespace sql {
 
-/// The rows of a table that meet a condition, one after another.
+/// Iterates over the rows of a table that meet a condition.
 class RowIterator {
   public:
-    /// All rows of the table, or of those that candidates names, that the filter lets through. Database and table must
-    /// outlive this.
+    /// Iterates over all rows of the table, or over the candidates, and skips those that the filter rejects. Database
+    /// and table must outlive this.
     RowIterator(jet::Database& database, const jet::TableInfo& table, std::optional<Filter> filter,
                 std::optional<std::vector<jet::RowId>> candidates);
 

@@ -87,7 +87,7 @@ void RowSet::add(const Row& row) {
         chunk += static_cast<char>(value.index());
         std::visit([&](const auto& held) { put(chunk, held); }, value);
     }
-    // A row for which there was no memory is none.
+    // Only now the row counts: there was memory for all of it.
     starts_.push_back(place);
 }
 

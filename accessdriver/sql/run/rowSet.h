@@ -11,7 +11,7 @@ namespace sql {
 
 using Row = std::vector<jet::Value>;
 
-/// Gives the rows of an answer one by one, while they are asked for.
+/// Gives the rows of a result set one by one, when they are asked for.
 class RowSource {
   public:
     virtual ~RowSource() = default;
@@ -20,7 +20,7 @@ class RowSource {
     virtual bool next(Row& row) = 0;
 };
 
-/// The rows of an answer: those that were copied, packed tightly, and behind them those that a source still gives.
+/// The rows of a result set: first those that were copied, packed tightly, then those that a source still gives.
 /// What was copied does not change while rows of the table do. A Decimal's value is its digits as text.
 class RowSet {
   public:

@@ -86,7 +86,7 @@ std::optional<std::vector<jet::RowId>> Session::candidates(const Plan& plan, con
     return hashIndexes_.candidates(table, rarest->column, rarest->key);
 }
 
-// For a single search a table scan is best, as it gives its first row at once; a hash index pays from the second
+// A single search is served best by a table scan, which gives its first row at once. A hash index pays from the second
 // search.
 bool Session::isFirstSearch(const Plan& plan, std::size_t column) {
     return plan.streams() && !hashIndexes_.has(*plan.table, column) && scanned_.insert({plan.table, column}).second;

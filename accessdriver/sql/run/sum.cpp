@@ -53,7 +53,7 @@ jet::Value sumOf(std::span<const Summand> summands, const jet::Cursor& row, cons
         const bool date = literal.kind == Literal::Kind::date;
         const auto number = numberTextOf(literal, target);
         if (!number) return {};
-        floating = floating || date || number->find_first_of("eE") != std::string::npos;
+        floating = floating || number->find_first_of("eE") != std::string::npos;
         const Number one{*number, floating, date};
         sum = sum ? plus(*sum, one, summand.subtracted, target) : one;
     }

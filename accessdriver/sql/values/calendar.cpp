@@ -16,8 +16,6 @@ namespace {
 
 // Day 0 of Access is 1899-12-30, day 0 of the system clock 1970-01-01.
 constexpr int accessDayOfUnixEpoch = 25569;
-constexpr double firstDay = -657434;  // 0100-01-01
-constexpr double lastDay = 2958465;   // 9999-12-31
 constexpr int secondsPerDay = 24 * 60 * 60;
 
 struct Number {
@@ -160,7 +158,7 @@ jet::DateTime toDateTime(const Moment& m) {
 }
 
 Moment toMoment(jet::DateTime date) {
-    if (!(date.days > firstDay - 1 && date.days < lastDay + 1)) {
+    if (!jet::isInCalendar(date)) {
         throw Error("22008", "A date lies outside the years 100 to 9999.");
     }
     const double whole = std::trunc(date.days);

@@ -35,7 +35,7 @@ Moment toMoment(jet::DateTime date);
 
 /// Reads yyyy-mm-dd, or day, month and year (two or four digits, 30 to 99 are 19xx) in the given order, with '/', '-'
 /// or '.' between; where only the other order makes a real date, that one is taken. A time hh:mm[:ss[.f]] [AM|PM] may
-/// follow after a blank or a T, or stand alone. Nothing for any other text.
+/// follow after a blank or a T, or be the whole text. Returns nothing for any other text.
 std::optional<jet::DateTime> readDate(std::string_view text, DateOrder order);
 
 /// This moment in the time zone of the computer.

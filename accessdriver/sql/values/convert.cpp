@@ -65,7 +65,7 @@ Value coerceToBoolean(const Literal& literal, const ColumnInfo& column) {
     refuseText("22018", literal, column, "yes/no value");
 }
 
-// The number that the literal stands for, as text for those that read it more exactly.
+// The number that the literal means, as text, because some types read it more exactly than a double.
 std::string numberText(const Literal& literal, const ColumnInfo& column) {
     switch (literal.kind) {
         case Kind::boolean:

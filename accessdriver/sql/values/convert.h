@@ -18,7 +18,7 @@ namespace sql {
 /// A GUID may come as 16 bytes or as text, with or without braces; bytes for a text column are UTF-8.
 jet::Value coerce(const Literal& literal, const jet::ColumnInfo& column, DateOrder order);
 
-/// The number that a literal stands for, as text; nothing for Null and empty text. Throws as coerce does.
+/// The number that a literal means, as text; nothing for Null and empty text. Throws as coerce does.
 std::optional<std::string> numberTextOf(const Literal& literal, const jet::ColumnInfo& column);
 
 /// Bytes from pairs of hexadecimal digits; nothing for any other text.

@@ -63,8 +63,8 @@ void roundTo(std::string& digits, std::size_t count) {
     }
 }
 
-// A number as it is written: its digits from the first that is not 0, and how many of them stand before the point,
-// which is negative where zeroes stand behind it.
+// A number as it is written: its digits from the first one that is not 0, and how many of them come before the point.
+// The count is negative if zeroes follow the point.
 struct Digits {
     bool negative = false;
     std::string digits = {};

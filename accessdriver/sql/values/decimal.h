@@ -29,7 +29,7 @@ std::optional<std::string> exactOrder(std::string_view text);
 /// more than 38 digits.
 std::optional<std::string> exactSum(std::string_view left, std::string_view right, bool subtract);
 
-/// With as many decimals as its scale, as 12.50.
+/// Writes a number with as many decimals as its scale, as 12.50.
 std::string writeDecimal(const Decimal& number);
 
 /// How many digits the number has, without zeroes before them.

@@ -24,7 +24,8 @@ Key keyOf(const jet::Value& value, const jet::ColumnInfo& column, jet::ColumnTyp
 /// compared with the column, 42000 for a column of a type that can't be searched.
 Key keyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder order);
 
-/// The same for = and IN, where each number but 0 equals Yes: result sets give Yes as 1.
+/// The key of a literal for = and IN, where each number but 0 equals Yes, because result sets give Yes as 1. Throws as
+/// keyFor() does.
 Key equalityKeyFor(const Literal& literal, const jet::ColumnInfo& column, DateOrder order);
 
 /// A number that the column holds, as a floating-point number.

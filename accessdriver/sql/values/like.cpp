@@ -9,7 +9,7 @@ namespace sql {
 
 namespace {
 
-// Whether a character stands in the list between brackets, which holds characters and ranges of them.
+// Whether the list between brackets, of characters and ranges of characters, has a character.
 bool isListed(std::string_view character, std::string_view list) {
     const bool excluded = list.size() > 1 && (list.front() == '!' || list.front() == '^');
     if (excluded) list.remove_prefix(1);

@@ -12,7 +12,8 @@ namespace sql {
 /// The text without blanks at both ends.
 std::string_view trimmed(std::string_view text);
 
-/// Reads a decimal number, with an optional sign and exponent, and nothing beside it but blanks at the ends.
+/// Reads a decimal number, with an optional sign and exponent. Blanks at the ends are allowed; returns nothing for any
+/// other text.
 std::optional<double> readNumber(std::string_view text);
 
 /// Reads a decimal number exactly to four decimals, further ones rounded half to even as Access does. Nothing for text
@@ -23,7 +24,7 @@ std::optional<jet::Currency> readCurrency(std::string_view text);
 std::string writeNumber(double number);
 std::string writeSingle(float number);
 
-/// With four decimals, as 12.5000.
+/// Writes an amount with four decimals, as 12.5000.
 std::string writeCurrency(jet::Currency amount);
 
 }  // namespace sql

@@ -12,9 +12,9 @@ inline std::size_t characterLength(std::string_view text) {
     return length == 0 ? 1 : length;
 }
 
-/// Whether a whole text is like a pattern, of which the caller knows the rules: anyText says of a character whether it
-/// stands for any text, and takeOne(text, pattern) takes from both what the pattern asks of one character, or gives
-/// false. Only the last wildcard for any text is ever gone back to, so that no pattern takes longer than text times
+/// Whether a whole text matches a pattern whose rules the caller knows: anyText(character) says whether a character of
+/// the pattern matches any text. takeOne(text, pattern) removes from both what the pattern asks of one character, or
+/// returns false. Only the last wildcard for any text is gone back to, so no pattern takes longer than text times
 /// pattern.
 template <class AnyText, class TakeOne>
 bool matchesWildcards(std::string_view text, std::string_view pattern, AnyText anyText, TakeOne takeOne) {
