@@ -17,14 +17,15 @@ namespace {
 
 using Lock = std::lock_guard<std::mutex>;
 
-// Tries again and again while somebody else has the file, for as long as the options say.
-std::shared_ptr<SharedFile> attachWaiting(const std::string& path, const OpenOptions& options) {
+// Repeats a call for so long while another process has the file.
+template <class Call>
+auto waiting(std::chrono::milliseconds wait, const Call& call) {
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::milliseconds pause(20);
-    const Clock::time_point end = Clock::now() + options.wait;
+    const Clock::time_point end = Clock::now() + wait;
     for (;;) {
         try {
-            return SharedFile::attach(path, options.access);
+            return call();
         } catch (const Error& error) {
             if (error.fault() != Fault::inUse || Clock::now() >= end) throw;
         }
@@ -40,8 +41,9 @@ std::unique_ptr<Database> Database::open(const std::string& path, const std::str
 }
 
 Database::Database(const std::string& path, const std::string& password, const OpenOptions& options)
-    : file_(attachWaiting(path, options)),
-      readOnly_(options.access == OpenOptions::Access::read || !file_->writable()) {
+    : file_(waiting(options.wait, [&] { return SharedFile::attach(path, options.access); })),
+      readOnly_(options.access == OpenOptions::Access::read || !file_->writable()),
+      wait_(options.wait) {
     try {
         const Lock lock(file_->mutex);
         pages_ = std::make_unique<PageAccess>(file_->pager());
@@ -56,12 +58,14 @@ Database::Database(const std::string& path, const std::string& password, const O
 Database::~Database() {
     try {
         const Lock lock(file_->mutex);
-        pages_->rollback();
-        if (ownCommits_ > 0) file_->sync();
+        if (!file_->isInherited()) {
+            endTransaction([&] { pages_->rollback(); });
+            if (ownCommits_ > 0) file_->sync();
+        }
     } catch (...) {
-        // Nobody is left to be told. After a rollback that failed the pager is broken and says so to the other
-        // connections, and the journal restores the file at the next open. Pages that could not be synced are with the
-        // system, which goes on trying.
+        // There is nobody left to report to. After a rollback that failed the pager is broken and refuses the calls of
+        // other connections, and the journal restores the file at the next open. Pages that could not be synced are
+        // with the system, which continues to try.
     }
     SharedFile::detach(file_);
 }
@@ -131,13 +135,15 @@ TableStore& Database::store(const TableInfo& table) const {
 
 // Runs one statement, which takes effect as a whole or not at all.
 template <class Change>
-void Database::change(Change change) {
-    const Lock lock(file_->mutex);
+void Database::change(const Change& change) {
     if (readOnly_) throw Error(Fault::readOnly, "The file " + file_->path() + " is open for reading only.");
-    if (!pages_->inTransaction()) file_->announceWriting();
-    PageAccess::Statement statement(*pages_);
-    change();
-    statement.finish();
+    waiting(wait_, [&] {
+        const Lock lock(file_->mutex);
+        const SharedFile::ChangeGuard guard(*file_);
+        PageAccess::Statement statement(*pages_);
+        change();
+        statement.finish();
+    });
 }
 
 RowId Database::insert(const TableInfo& table, std::span<const Assignment> values) {
@@ -186,19 +192,29 @@ std::unique_ptr<Cursor> Database::fetch(const TableInfo& table, RowId row) {
 
 // --- transactions
 
+// Commits or rolls back, and gives the exclusive lock back.
+template <class End>
+void Database::endTransaction(const End& end) {
+    if (!pages_->inTransaction()) return;
+    const SharedFile::ChangeGuard guard(*file_);
+    end();
+}
+
 void Database::commit() {
     const Lock lock(file_->mutex);
-    if (!pages_->inTransaction()) return;
-    pages_->commit();
-    file_->noteCommit();
-    ++ownCommits_;
+    endTransaction([&] {
+        pages_->commit();
+        file_->noteCommit();
+        ++ownCommits_;
+    });
 }
 
 void Database::rollback() {
     const Lock lock(file_->mutex);
-    if (!pages_->inTransaction()) return;
-    ++ownRollbacks_;
-    pages_->rollback();
+    endTransaction([&] {
+        ++ownRollbacks_;
+        pages_->rollback();
+    });
 }
 
 void Database::sync() {

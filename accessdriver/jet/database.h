@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -30,22 +31,23 @@ struct RowUpdate {
 
 /// One connection to one Access file (Jet 4). Connections of one process to the same file share its pages and see each
 /// other's commits; a write while another connection has uncommitted changes fails with Fault::busy.
-/// Every call that throws leaves the file and the open transaction as they were before that call.
+/// Every call that throws leaves the file and the open transaction as they were before that call. Changes, commit and
+/// rollback throw Error(otherProcess) in a process that inherited the connection by a fork.
 class Database {
   public:
     /// Opens an existing file; plays back a rollback journal (the file's name with "-jetjournal" behind it) that a
     /// crash left beside it. password is UTF-8; it is ignored if the file has none.
     /// Throws Error. A lock file of Access (.ldb) beside the file is inUse, even if it was left over: nothing
-    /// distinguishes the two, and the message says what to do. Until its last connection is closed, a file that is open
-    /// for writing is locked against other processes, and against another copy of this library in the same one; a file
-    /// that is open for reading is locked against those that would write. A process that has a file open for reading
-    /// only can't open it for writing beside that: inUse.
+    /// distinguishes the two, and the message says what to do. OpenOptions says against whom the file is locked;
+    /// another copy of this library in the same process counts as another process. A process that has a file open for
+    /// reading only can't open it for writing beside that: inUse.
     static std::unique_ptr<Database> open(const std::string& path, const std::string& password,
                                           const OpenOptions& options = {});
 
     /// As open().
     Database(const std::string& path, const std::string& password, const OpenOptions& options);
-    /// Rolls back what was not committed, and syncs what was; a failure of either is ignored.
+    /// Rolls back what was not committed, and syncs what was; a failure of either is ignored. In a child process of the
+    /// one that opened the file, nothing happens to the file.
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -111,10 +113,13 @@ class Database {
     void requirePassword(const std::string& password);
     std::unique_ptr<TableStore> openTable(const CatalogEntry& entry);
     template <class Change>
-    void change(Change change);
+    void change(const Change& change);
+    template <class End>
+    void endTransaction(const End& end);
 
     std::shared_ptr<SharedFile> file_;  // its mutex is held during every call
     bool readOnly_;
+    std::chrono::milliseconds wait_;
     std::unique_ptr<PageAccess> pages_;
     std::uint32_t defaultSortOrder_ = 0;
     std::vector<CatalogEntry> catalog_;

@@ -26,6 +26,7 @@ enum class Fault {
     busy,            ///< another connection of this process has uncommitted changes
     ruleBroken,      ///< the column's properties forbid the value
     readOnly,        ///< a change through a connection that is open for reading only
+    otherProcess,    ///< a change through a connection that this process inherited by a fork
     io               ///< reading or writing the file failed (disk full, ...)
 };
 

@@ -16,7 +16,7 @@ namespace jet {
 void CheckReport::claim(std::uint32_t page, const std::string& owner) {
     const auto [known, fresh] = owners_.emplace(page, owner);
     if (!fresh && known->second != owner) say(pageName(page) + " belongs to " + known->second + " and to " + owner);
-    if (UsageMap(pages_, {0, 1}).contains(page)) say(pageName(page) + " of " + owner + " is marked free");
+    if (UsageMap::ofFreePages(pages_).contains(page)) say(pageName(page) + " of " + owner + " is marked free");
 }
 
 void CheckReport::claimMap(RowPointer map) {

@@ -146,8 +146,7 @@ void IndexTree::store(PageRef page, std::vector<IndexEntry>& entries, Path& path
         return;
     }
     encodeEntries(page, entries);
-    // An inner tail has no text; its greatest entry is then the business of the level below.
-    if (!entries.back().text.empty()) changeGreatest(path, entries.back().text);
+    changeGreatest(path, greatestOf(entries));
 }
 
 void IndexTree::splitPage(PageRef page, std::vector<IndexEntry>& entries, Path& path, bool appended) {
@@ -175,7 +174,7 @@ void IndexTree::splitPage(PageRef page, std::vector<IndexEntry>& entries, Path& 
     std::vector<IndexEntry> children = decodeEntries(parent);
     if (step.child >= children.size()) failCorrupt("the index " + pageName(step.page) + " has lost a child");
     children[step.child].child = rightNumber;
-    if (!children[step.child].text.empty() && !right.back().text.empty()) children[step.child].text = right.back().text;
+    if (!children[step.child].text.empty()) children[step.child].text = greatestOf(right);
     const bool lastChild = step.child + 1 == children.size();
     children.insert(children.begin() + static_cast<std::ptrdiff_t>(step.child),
                     IndexEntry{leftGreatest, page.number()});
@@ -211,7 +210,7 @@ void IndexTree::changeGreatest(Path path, const std::vector<std::uint8_t>& great
     while (!path.empty()) {
         const Step step = path.back();
         path.pop_back();
-        // The tail has no entry, so it is this node's own greatest entry that has changed.
+        // The tail has no entry, so the node's own greatest entry has changed.
         if (step.tail) continue;
         PageRef parent = writePage(step.page);
         std::vector<IndexEntry> children = decodeEntries(parent);
@@ -298,6 +297,11 @@ void IndexTree::unlink(PageRef& page) {
 void IndexTree::freePage(std::uint32_t page) {
     UsageMap(pages_, index_.map).remove(page);
     releasePage(pages_, page);
+}
+
+// The greatest leaf entry on or below a page with these entries; the tail of a node has no text of its own.
+std::vector<std::uint8_t> IndexTree::greatestOf(const std::vector<IndexEntry>& entries) {
+    return entries.back().text.empty() ? greatestBelow(entries.back().child) : entries.back().text;
 }
 
 std::vector<std::uint8_t> IndexTree::greatestBelow(std::uint32_t number) {

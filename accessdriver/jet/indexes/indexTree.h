@@ -52,6 +52,7 @@ class IndexTree {
     void removeChild(Path path);
     void unlink(PageRef& page);
     void freePage(std::uint32_t page);
+    std::vector<std::uint8_t> greatestOf(const std::vector<IndexEntry>& entries);
     std::vector<std::uint8_t> greatestBelow(std::uint32_t page);
     PageRef readPage(std::uint32_t page);
     PageRef writePage(std::uint32_t page);

@@ -124,7 +124,7 @@ class Writer {
         PageRef page = allocatePage(pages_);
         dataPage::format(page.writable(), dataPage::longValueOwner);
         if (!column_.longOwned.null()) UsageMap(pages_, column_.longOwned).add(page.number());
-        if (!column_.longFree.null()) UsageMap(pages_, column_.longFree).add(page.number());
+        if (!column_.longFree.null()) UsageMap(pages_, column_.longFree).addHint(page.number());
         return page;
     }
 
@@ -193,12 +193,18 @@ std::vector<RowPointer> longValuePieces(PageAccess& pages, ByteSpan field) {
 void releaseLongValue(PageAccess& pages, const Column& column, ByteSpan field) {
     for (const RowPointer pointer : longValuePieces(pages, field)) {
         PageRef page = pages.write(pointer.page);
-        // A chain that met itself has its piece deleted already.
-        if (dataPage::slot(page, pointer.row).flags != 0) failCorrupt("the chain of a long value meets itself");
-        dataPage::resize(page, pointer.row, 0);
-        dataPage::setFlags(page, pointer.row, dataPage::deletedFlags);
-        const bool roomForMore = dataPage::slotCount(page) < dataPage::maxSlots;
-        if (roomForMore && !column.longFree.null()) UsageMap(pages, column.longFree).add(pointer.page);
+        // A chain that reaches one of its pieces twice finds it deleted, or its page released, the second time.
+        (void)findPiece(page, pointer);
+        dataPage::remove(page, pointer.row);
+        if (column.longOwned.null() || column.longFree.null()) continue;
+        UsageMap owned(pages, column.longOwned), free(pages, column.longFree);
+        if (dataPage::isEmpty(page) && owned.contains(pointer.page)) {
+            owned.remove(pointer.page);
+            free.remove(pointer.page);
+            releasePage(pages, pointer.page);
+        } else if (dataPage::slotCount(page) < dataPage::maxSlots) {
+            free.addHint(pointer.page);
+        }
     }
 }
 

@@ -57,9 +57,19 @@ class Reader {
     std::size_t at_ = 0;
 };
 
-Column readColumn(ByteSpan block, std::uint32_t defaultSortOrder) {
+// The types are numbered with gaps; those of later formats have other numbers.
+bool isKnownType(std::uint8_t type) {
+    return (type >= static_cast<std::uint8_t>(ColumnType::boolean) &&
+            type <= static_cast<std::uint8_t>(ColumnType::memo)) ||
+           type == static_cast<std::uint8_t>(ColumnType::guid) ||
+           type == static_cast<std::uint8_t>(ColumnType::numeric);
+}
+
+Column readColumn(ByteSpan block, std::uint32_t defaultSortOrder, const Reader& reader) {
     Column column;
-    column.type = static_cast<ColumnType>(block[column::typeAt]);
+    const std::uint8_t type = block[column::typeAt];
+    if (!isKnownType(type)) reader.fail("a column is of the unknown type " + std::to_string(type));
+    column.type = static_cast<ColumnType>(type);
     column.number = getU16(block, column::numberAt);
     column.variableIndex = getU16(block, column::variableIndexAt);
     column.sortOrder = getU32(block, column::sortOrderAt);
@@ -233,7 +243,7 @@ TableDefinition readTableDefinition(PageAccess& pages, std::uint32_t page, std::
     }
     reader.take(physicalCount * counterSize);
     for (std::size_t i = 0; i < columnCount; ++i) {
-        table.columns.push_back(readColumn(reader.take(column::size), defaultSortOrder));
+        table.columns.push_back(readColumn(reader.take(column::size), defaultSortOrder, reader));
     }
     for (Column& column : table.columns) column.name = reader.takeName();
     layOutRow(table, reader);

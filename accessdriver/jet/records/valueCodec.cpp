@@ -109,8 +109,8 @@ void encodeValue(const TableDefinition& table, const Column& column, const Value
         case ColumnType::guid:
         case ColumnType::numeric:
             return encodeBytes(table, column, value, to);
-        default:
-            fail(Fault::badValue, table, column, "can't be stored: the column is of an unknown type");
+        case ColumnType::boolean:
+            break;  // its value is its bit in the null mask
     }
 }
 
@@ -133,9 +133,14 @@ Value decodeValue(const Column& column, ByteSpan stored) {
         case ColumnType::text:
         case ColumnType::memo:
             return decodeTextToUtf8(stored);
-        default:
-            return Bytes(stored.begin(), stored.end());
+        case ColumnType::boolean:
+        case ColumnType::binary:
+        case ColumnType::ole:
+        case ColumnType::guid:
+        case ColumnType::numeric:
+            break;
     }
+    return Bytes(stored.begin(), stored.end());
 }
 
 }  // namespace jet

@@ -102,4 +102,16 @@ void setFlags(PageRef& page, std::size_t row, std::uint16_t flags) {
     putU16(page.writable(), slotAt(row), (getU16(page.bytes(), slotAt(row)) & offsetMask) | flags);
 }
 
+void remove(PageRef& page, std::size_t row) {
+    resize(page, row, 0);
+    setFlags(page, row, deletedFlags);
+}
+
+bool isEmpty(const PageRef& page) {
+    for (std::size_t row = 0; row < slotCount(page); ++row) {
+        if (!slot(page, row).deleted()) return false;
+    }
+    return true;
+}
+
 }  // namespace jet::dataPage

@@ -87,5 +87,11 @@ bool resize(PageRef& page, std::size_t row, std::size_t newSize);
 
 void setFlags(PageRef& page, std::size_t row, std::uint16_t flags);
 
+/// Deletes a row: its slot stays, without bytes.
+void remove(PageRef& page, std::size_t row);
+
+/// Whether all rows of the page are deleted.
+bool isEmpty(const PageRef& page);
+
 }  // namespace dataPage
 }  // namespace jet

@@ -17,8 +17,6 @@ namespace jet {
 
 namespace {
 
-File::WriteHook writeHook;
-
 Fault faultOfOpen(int error) {
     switch (error) {
         case ENOENT:
@@ -53,7 +51,7 @@ std::string sentenceOfOpen(Fault fault, const std::string& path, const char* act
 
 }  // namespace
 
-File::File(std::string path, Mode mode, unsigned permissions) : path_(std::move(path)) {
+File::File(std::string path, Mode mode, unsigned permissions) : path_(std::move(path)), opener_(::getpid()) {
     const bool reads = mode == Mode::readOnly;
     const bool creates = mode == Mode::createIfMissing || mode == Mode::createNew;
     const int flags =
@@ -96,18 +94,26 @@ unsigned File::permissions() const {
     return info.st_mode & 0777;
 }
 
+bool File::isInherited() const { return ::getpid() != opener_; }
+
 bool File::tryLock(Lock lock) {
-    const bool shared = lock == Lock::shared;
-    // A file system without locks of one kind can't tell us of others; the second kind may still do.
-    if (::flock(descriptor_, (shared ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
-    bool free = true;
+    // A file system without locks of one kind can't report those of others; the second kind may still do.
+    const int kind = lock == Lock::shared ? LOCK_SH : LOCK_EX;
+    if (::flock(descriptor_, kind | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+    exchangeable_ = true;
+    return exchangeLock(lock);
+}
+
+bool File::exchangeLock([[maybe_unused]] Lock lock) {
 #ifdef F_OFD_SETLK
     struct flock whole = {};
-    whole.l_type = shared ? F_RDLCK : F_WRLCK;
+    whole.l_type = lock == Lock::shared ? F_RDLCK : F_WRLCK;
     whole.l_whence = SEEK_SET;
-    free = ::fcntl(descriptor_, F_OFD_SETLK, &whole) == 0 || (errno != EAGAIN && errno != EACCES);
+    if (::fcntl(descriptor_, F_OFD_SETLK, &whole) == 0) return true;
+    if (errno == EAGAIN || errno == EACCES) return false;
 #endif
-    return free;
+    exchangeable_ = false;
+    return true;
 }
 
 bool File::readAt(std::uint64_t at, std::span<std::uint8_t> to) const {
@@ -125,7 +131,6 @@ bool File::readAt(std::uint64_t at, std::span<std::uint8_t> to) const {
 }
 
 void File::writeAt(std::uint64_t at, std::span<const ByteSpan> pieces) {
-    if (writeHook) writeHook(descriptor_, at, pieces);
     constexpr std::size_t maxPieces = 64;
     std::size_t done = 0;  // bytes of pieces.front() that are written
     while (!pieces.empty()) {
@@ -150,15 +155,12 @@ void File::writeAt(std::uint64_t at, std::span<const ByteSpan> pieces) {
 }
 
 void File::truncate(std::uint64_t size) {
-    if (writeHook) writeHook(descriptor_, size, {});
     if (::ftruncate(descriptor_, static_cast<off_t>(size)) != 0) fail("shortened");
 }
 
 void File::sync() {
     if (::fsync(descriptor_) != 0) fail("brought to the disk");
 }
-
-void File::setWriteHook(WriteHook hook) { writeHook = std::move(hook); }
 
 void File::fail(const char* action) const {
     throw Error(Fault::io, "The file " + path_ + " can't be " + action + ": " + std::strerror(errno) + ".");

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <span>
 #include <string>
 #include <utility>
@@ -33,10 +32,19 @@ class File {
     /// Who may read and write it, as in File().
     unsigned permissions() const;
 
-    /// Takes the lock that keeps other processes out until the file is closed, a shared one only those that want it
-    /// for themselves; false if another one holds it. Both kinds of lock that programs use are taken, since they do
-    /// not see each other.
+    /// Whether this process is a fork of the one that opened the file.
+    bool isInherited() const;
+
+    /// Locks the file until it is closed: an exclusive lock keeps all other processes out, a shared one those that want
+    /// an exclusive one. Returns false if another process holds a lock against that. Both kinds of lock that programs
+    /// use are taken, since they do not see each other.
     bool tryLock(Lock lock);
+    /// Whether exchangeLock() works here, which is up to the operating system and the file system.
+    bool canExchangeLock() const { return exchangeable_; }
+    /// Replaces the lock by another one in a single step, so that no other process can get a lock in between; returns
+    /// false, and keeps the old lock, if another process holds one against that. Of the two kinds of lock only the one
+    /// that can be replaced so (an open file description lock) changes.
+    bool exchangeLock(Lock lock);
 
     /// Reads exactly as many bytes as to holds; false if the file ends before that.
     bool readAt(std::uint64_t at, std::span<std::uint8_t> to) const;
@@ -46,16 +54,13 @@ class File {
     void truncate(std::uint64_t size);
     void sync();
 
-    /// Called before every write and truncation with the descriptor, the offset and the bytes (empty for a
-    /// truncation). A test may throw, write a part and end the process, or count.
-    using WriteHook = std::function<void(int descriptor, std::uint64_t at, std::span<const ByteSpan> pieces)>;
-    static void setWriteHook(WriteHook hook);
-
   private:
     [[noreturn]] void fail(const char* action) const;
 
     std::string path_;
     int descriptor_ = -1;
+    int opener_;  // the process that opened the file
+    bool exchangeable_ = false;
 };
 
 }  // namespace jet

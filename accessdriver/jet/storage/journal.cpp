@@ -228,7 +228,7 @@ Journal::Journal(std::string path, const File& file) : path_(std::move(path)), o
 Journal::~Journal() {
     try {
         // The folder may hold another file of our file's name by now, with a journal of its own.
-        if (file_ && !active() && file_->isAtItsPath()) ::unlink(path_.c_str());
+        if (file_ && !active() && !file_->isInherited() && file_->isAtItsPath()) ::unlink(path_.c_str());
     } catch (const Error&) {
         // A journal whose transaction has ended does no harm.
     }

@@ -70,7 +70,7 @@ LockFile::LockFile(const std::string& database, unsigned permissions) {
 
 LockFile::~LockFile() {
     try {
-        if (file_ && file_->isAtItsPath()) ::unlink(file_->path().c_str());
+        if (file_ && !file_->isInherited() && file_->isAtItsPath()) ::unlink(file_->path().c_str());
     } catch (const Error&) {
         // It stays behind and is known as ours by what is in it.
     }

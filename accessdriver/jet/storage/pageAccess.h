@@ -15,8 +15,10 @@ class PageAccess {
     PageRef read(std::uint32_t page) { return pager_.read(this, page); }
     /// Within a Statement only.
     PageRef write(std::uint32_t page) { return pager_.write(page); }
-    /// A page of zeroes at the end of the file; allocate() in allocation.h is what callers want.
+    /// A page of zeroes at the end of the file. Callers use allocatePage(), which prefers released pages.
     PageRef append() { return pager_.append(); }
+    std::uint32_t firstReleased() const { return pager_.firstReleased(); }
+    void setFirstReleased(std::uint32_t page) { pager_.setFirstReleased(page); }
 
     bool inTransaction() const { return pager_.inTransaction(this); }
     void commit() { pager_.commit(this); }

@@ -82,10 +82,10 @@ Pager::Frame* Pager::originalOf(std::uint32_t page, Original& original) {
 Pager::Frame* Pager::takeFrame(std::uint32_t page) {
     Frame* frame = nullptr;
     if (idle_.empty() && frames_.size() >= capacity_) {
-        if (unsaved_.size() > capacity_ / 4 * 3) save(false);
+        if (dirty_.size() > capacity_ / 4 * 3) flush(false);
         frame = findVictim();
         if (!frame) {
-            save(false);
+            flush(false);
             frame = findVictim();
         }
     }
@@ -100,7 +100,7 @@ Pager::Frame* Pager::takeFrame(std::uint32_t page) {
     }
     frame->page = page;
     frame->used = true;
-    frame->unsaved = frame->original = false;
+    frame->dirty = frame->original = false;
     frame->change = frame->statement = 0;
     return frame;
 }
@@ -117,7 +117,7 @@ Pager::Frame* Pager::findVictim() {
 }
 
 bool Pager::evictable(const Frame& frame) const {
-    if (frame.pins > 0 || frame.unsaved) return false;
+    if (frame.pins > 0 || frame.dirty) return false;
     return !frame.original || originals_.at(frame.page).journaled;
 }
 
@@ -131,12 +131,12 @@ void Pager::forget(Frame* frame) {
 
 void Pager::discard(Frame* frame) {
     forget(frame);
-    frame->unsaved = frame->original = false;
+    frame->dirty = frame->original = false;
     idle_.push_back(frame);
 }
 
 void Pager::discardFrom(std::uint32_t firstPage) {
-    std::erase_if(unsaved_, [&](const Frame* frame) { return frame->page >= firstPage; });
+    std::erase_if(dirty_, [&](const Frame* frame) { return frame->page >= firstPage; });
     for (std::uint32_t page = firstPage; page < current_.size(); ++page) {
         if (current_[page]) discard(current_[page]);
     }
@@ -156,7 +156,9 @@ void Pager::beginStatement(Viewer viewer) {
     if (statementOpened_) {
         writer_ = viewer;
         ++transaction_;
+        transactionReleased_ = firstReleased_;
     }
+    statementReleased_ = firstReleased_;
     ++statement_;
     ++changes_;
     statementOpen_ = true;
@@ -166,9 +168,8 @@ void Pager::beginStatement(Viewer viewer) {
 PageRef Pager::write(std::uint32_t page) {
     if (page >= pageCount_) failCorrupt(pageName(page) + " is to be changed, but lies beyond the end of the file");
     PageRef ref(current(page));
-    keepOriginal(ref.frame_);
     keepUndo(ref.frame_);
-    markUnsaved(ref.frame_);
+    markDirty(ref.frame_);
     return ref;
 }
 
@@ -183,42 +184,56 @@ PageRef Pager::append() {
     frame->statement = statement_;
     current_.push_back(frame);
     ++pageCount_;
-    markUnsaved(frame);
+    markDirty(frame);
     return PageRef(frame);
 }
 
-void Pager::markUnsaved(Frame* frame) {
-    if (frame->unsaved) return;
-    frame->unsaved = true;
-    unsaved_.push_back(frame);
+void Pager::markDirty(Frame* frame) {
+    if (frame->dirty) return;
+    frame->dirty = true;
+    dirty_.push_back(frame);
 }
 
-void Pager::keepOriginal(Frame* frame) {
-    if (frame->change == transaction_) return;
-    if (frame->page < committedCount_ && !originals_.contains(frame->page)) {
+// Makes sure that a page has its original. Returns whether it got it only now: the page is as it was committed.
+bool Pager::keepOriginal(Frame* frame) {
+    if (frame->change == transaction_) return false;
+    const bool isNew = frame->page < committedCount_ && !originals_.contains(frame->page);
+    if (isNew) {
         Frame* copy = takeFrame(frame->page);
         copy->bytes = frame->bytes;
         copy->original = true;
-        originals_[frame->page] = {copy, 0, false};
+        originals_[frame->page] = {copy};
     }
     frame->change = transaction_;
+    return isNew;
 }
 
 void Pager::keepUndo(Frame* frame) {
     if (frame->statement == statement_) return;
-    if (frame->page < statementCount_) {
-        if (spare_.empty()) spare_.push_back(std::make_unique<Buffer>());
-        *spare_.back() = frame->bytes;
-        undo_.push_back({frame->page, std::move(spare_.back())});
-        spare_.pop_back();
-    }
+    const bool wasCached = frame->change == transaction_;
+    const bool isOriginal = keepOriginal(frame);
     frame->statement = statement_;
+    if (statementOpened_ || frame->page >= statementCount_) return;
+    if (!wasCached) {
+        // A page that was evicted in the middle of a statement and read again has been noted already.
+        if (const auto found = originals_.find(frame->page); found != originals_.end()) {
+            if (std::exchange(found->second.statement, statement_) == statement_) return;
+        }
+    }
+    if (isOriginal) {
+        undo_.push_back({frame->page, nullptr});
+        return;
+    }
+    if (spare_.empty()) spare_.push_back(std::make_unique<Buffer>());
+    *spare_.back() = frame->bytes;
+    undo_.push_back({frame->page, std::move(spare_.back())});
+    spare_.pop_back();
 }
 
 void Pager::endStatement() {
     statementOpen_ = false;
     for (Undo& undo : undo_) {
-        if (spare_.size() < maxSpare) spare_.push_back(std::move(undo.bytes));
+        if (undo.bytes && spare_.size() < maxSpare) spare_.push_back(std::move(undo.bytes));
     }
     undo_.clear();
     if (statementOpened_ && originals_.empty() && pageCount_ == committedCount_) endTransaction();
@@ -227,17 +242,19 @@ void Pager::endStatement() {
 void Pager::undoStatement() noexcept {
     try {
         ++changes_;
+        firstReleased_ = statementReleased_;
         if (statementOpened_) {
             undo_.clear();
             statementOpen_ = false;
             rollback(writer_);
             return;
         }
-        // Backwards: a page that was evicted and fetched again has two images, and the first one is the wanted one.
+        // Backwards: a page that was evicted and read again may be noted twice, and the first image is the wanted one.
         while (!undo_.empty()) {
-            PageRef ref(current(undo_.back().page));
-            ref.frame_->bytes = *undo_.back().bytes;
-            markUnsaved(ref.frame_);
+            const Undo& undo = undo_.back();
+            PageRef ref(current(undo.page));
+            ref.frame_->bytes = undo.bytes ? *undo.bytes : originalOf(undo.page, originals_.at(undo.page))->bytes;
+            markDirty(ref.frame_);
             undo_.pop_back();
         }
         discardFrom(statementCount_);
@@ -249,17 +266,17 @@ void Pager::undoStatement() noexcept {
 
 // --- the file
 
-void Pager::save(bool all) {
+void Pager::flush(bool all) {
     std::vector<Frame*> frames;
-    for (Frame* frame : unsaved_) {
+    for (Frame* frame : dirty_) {
         if (all || frame->pins == 0) frames.push_back(frame);
     }
     if (frames.empty()) return;
     std::sort(frames.begin(), frames.end(), [](const Frame* a, const Frame* b) { return a->page < b->page; });
     journalOriginals(frames);
     writeFrames(frames);
-    for (Frame* frame : frames) frame->unsaved = false;
-    std::erase_if(unsaved_, [](const Frame* frame) { return !frame->unsaved; });
+    for (Frame* frame : frames) frame->dirty = false;
+    std::erase_if(dirty_, [](const Frame* frame) { return !frame->dirty; });
 }
 
 void Pager::journalOriginals(const std::vector<Frame*>& frames) {
@@ -294,7 +311,7 @@ void Pager::writeFrames(const std::vector<Frame*>& frames) {
 void Pager::commit(Viewer viewer) {
     requireSound();
     if (writer_ == nullptr || writer_ != viewer) return;
-    save(true);
+    flush(true);
     if (fileCount_ > pageCount_) {
         file_.truncate(std::uint64_t{pageCount_} * pageSize);
         fileCount_ = pageCount_;
@@ -306,6 +323,7 @@ void Pager::commit(Viewer viewer) {
 
 void Pager::rollback(Viewer viewer) {
     if (writer_ == nullptr || writer_ != viewer) return;
+    firstReleased_ = transactionReleased_;
     try {
         restoreFile();
     } catch (...) {
@@ -317,13 +335,13 @@ void Pager::rollback(Viewer viewer) {
         if (!frame) continue;
         if (original.frame) {
             frame->bytes = original.frame->bytes;
-            frame->unsaved = false;
+            frame->dirty = false;
         } else {
             discard(frame);
         }
     }
     discardFrom(committedCount_);
-    unsaved_.clear();
+    dirty_.clear();
     endTransaction();
 }
 

@@ -24,9 +24,12 @@ namespace jet {
 /// 4. Commit writes the journal, then the pages, then ends the journal. If one of these fails, the transaction is open
 ///    as before: the originals are still known and the journal, if its end was not reached, still leads back.
 /// 5. Rollback puts originals back, in memory alone if nothing reached the file.
-/// 6. A statement keeps its own undo images, one for each page that it touches and that was there before it.
+/// 6. A statement notes the pages that it changes and that were there before it. A page that the transaction had
+/// changed
+///    before keeps an undo image in memory; the undo image of any other page is its original. The statement that opened
+///    the transaction notes nothing, since undoing it is a rollback.
 /// 7. A pinned page (a PageRef exists) is neither evicted nor written, since it may be half changed.
-/// 8. The cache holds at most `capacity` pages, originals included; the undo images of one statement come on top.
+/// 8. The cache holds at most `capacity` pages, originals included; the undo images in memory come on top.
 /// 9. If undoing fails, the file and the cache can no longer be trusted: the pager is broken, refuses everything, and
 ///    leaves the journal for the next open.
 class Pager;
@@ -57,11 +60,11 @@ class PageRef {
     struct Frame {
         std::uint32_t page = 0;
         std::uint32_t pins = 0;
-        bool used = false;            // looked at since the clock's hand last came by
-        bool unsaved = false;         // newer than the file
+        bool used = false;            // accessed since the clock's hand last passed
+        bool dirty = false;           // newer than the file
         bool original = false;        // the committed bytes of a page that the transaction changed
-        std::uint64_t change = 0;     // the transaction whose original is kept
-        std::uint64_t statement = 0;  // the statement whose undo image is kept
+        std::uint64_t change = 0;     // the transaction that is known to have the page's original
+        std::uint64_t statement = 0;  // the statement that is known to be able to undo its changes of the page
         alignas(8) std::array<std::uint8_t, pageSize> bytes;
     };
 
@@ -100,7 +103,12 @@ class Pager {
     void commit(Viewer viewer);
     void rollback(Viewer viewer);
     bool inTransaction(Viewer viewer) const { return writer_ != nullptr && writer_ == viewer; }
+    /// Whether any viewer has a transaction.
+    bool hasWriter() const { return writer_ != nullptr; }
     bool broken() const { return broken_; }
+    /// No page below this one is free and may be used again. Kept for allocatePage().
+    std::uint32_t firstReleased() const { return firstReleased_; }
+    void setFirstReleased(std::uint32_t page) { firstReleased_ = page; }
     /// Grows with every statement, undo, commit and rollback: a row read earlier may be another one now.
     std::uint64_t changes() const { return changes_; }
 
@@ -111,7 +119,9 @@ class Pager {
         Frame* frame = nullptr;  // null: only in the journal
         std::uint64_t journalAt = 0;
         bool journaled = false;
+        std::uint64_t statement = 0;  // the statement that noted the page when it was not in the cache
     };
+    /// A page that the statement changed, and its undo image: null if that is the page's original.
     struct Undo {
         std::uint32_t page;
         std::unique_ptr<Buffer> bytes;
@@ -126,10 +136,10 @@ class Pager {
     void forget(Frame* frame);
     void discard(Frame* frame);
     void discardFrom(std::uint32_t firstPage);
-    void markUnsaved(Frame* frame);
-    void keepOriginal(Frame* frame);
+    void markDirty(Frame* frame);
+    bool keepOriginal(Frame* frame);
     void keepUndo(Frame* frame);
-    void save(bool all);
+    void flush(bool all);
     void journalOriginals(const std::vector<Frame*>& frames);
     void writeFrames(const std::vector<Frame*>& frames);
     void restoreFile();
@@ -142,7 +152,7 @@ class Pager {
     std::vector<Frame*> idle_;     // frames that hold no page
     std::vector<Frame*> current_;  // by page number
     std::size_t hand_ = 0;
-    std::vector<Frame*> unsaved_;
+    std::vector<Frame*> dirty_;
     std::unordered_map<std::uint32_t, Original> originals_;
 
     Viewer writer_ = nullptr;
@@ -158,6 +168,8 @@ class Pager {
     std::vector<Undo> undo_;
     std::vector<std::unique_ptr<Buffer>> spare_;
     std::uint64_t changes_ = 0;
+    std::uint32_t firstReleased_ = 0;
+    std::uint32_t transactionReleased_ = 0, statementReleased_ = 0;  // its values when these began
     bool broken_ = false;
 };
 

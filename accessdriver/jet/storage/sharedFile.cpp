@@ -36,8 +36,12 @@ std::string resolved(const std::string& path) {
     return real ? std::string(real.get()) : path;
 }
 
+[[noreturn]] void failInUse(const std::string& path) {
+    throw Error(Fault::inUse, "The file " + path + " is in use by another program.");
+}
+
 void requireLock(File& file, File::Lock lock, const std::string& path) {
-    if (!file.tryLock(lock)) throw Error(Fault::inUse, "The file " + path + " is in use by another program.");
+    if (!file.tryLock(lock)) failInUse(path);
 }
 
 void requireWritableFolder(const std::string& path) {
@@ -73,8 +77,13 @@ std::string journalOf(const std::string& path) { return path + "-jetjournal"; }
 
 }  // namespace
 
-SharedFile::SharedFile(std::string path, std::unique_ptr<File> file, bool writable)
-    : path_(std::move(path)), file_(std::move(file)), identity_(file_->identity()), writable_(writable) {
+SharedFile::SharedFile(std::string path, std::unique_ptr<File> file, bool writable, bool exclusive)
+    : path_(std::move(path)),
+      file_(std::move(file)),
+      identity_(file_->identity()),
+      writable_(writable),
+      exclusive_(exclusive),
+      staysExclusive_(exclusive) {
     pager_ = std::make_unique<Pager>(*file_, journalOf(path_), cacheCapacity);
 }
 
@@ -87,7 +96,7 @@ std::shared_ptr<SharedFile> SharedFile::attach(const std::string& name, OpenOpti
     const std::lock_guard lock(registry().mutex);
     if (access != Access::read) {
         try {
-            return openForWriting(name);
+            return openForWriting(name, access == Access::write);
         } catch (const Error& error) {
             if (access != Access::writeIfAllowed || error.fault() != Fault::noPermission) throw;
         }
@@ -95,23 +104,43 @@ std::shared_ptr<SharedFile> SharedFile::attach(const std::string& name, OpenOpti
     return openForReading(name);
 }
 
-std::shared_ptr<SharedFile> SharedFile::openForWriting(const std::string& name) {
+std::shared_ptr<SharedFile> SharedFile::openForWriting(const std::string& name, bool exclusive) {
     const std::string path = resolved(name);
     auto file = std::make_unique<File>(path, File::Mode::existing);
     std::weak_ptr<SharedFile>& entry = registry().files[file->identity()];
-    if (auto shared = entry.lock()) {
-        if (shared->writable_) return shared;
-        throw Error(Fault::inUse, "This program has the file " + path +
-                                      " open for reading only; it can't be written before that connection is closed.");
+    if (auto shared = entry.lock(); shared && !shared->isInherited()) {
+        if (!shared->writable_) {
+            throw Error(Fault::inUse,
+                        "This program has the file " + path +
+                            " open for reading only; it can't be written before that connection is closed.");
+        }
+        if (exclusive) {
+            const std::lock_guard lock(shared->mutex);
+            shared->takeExclusiveLock();
+            shared->staysExclusive_ = true;
+        }
+        return shared;
     }
-    requireLock(*file, File::Lock::exclusive, path);
+    if (!exclusive) {
+        requireLock(*file, File::Lock::shared, path);
+        // Without a gap between the locks nobody can change the file while its pages are in the cache.
+        exclusive = !file->canExchangeLock();
+    }
+    if (exclusive) requireLock(*file, File::Lock::exclusive, path);
     requireFormat(*file);
     LockFile::requireNone(path);
     requireWritableFolder(path);
-    LockFile::removeStale(path);
-    Journal::playBack(journalOf(path), *file);
+    if (exclusive) {
+        LockFile::removeStale(path);
+        Journal::playBack(journalOf(path), *file);
+    } else if (Journal::waits(journalOf(path))) {
+        // Nobody is writing, so a crash left it. To restore the file takes the exclusive lock for a moment.
+        file.reset();
+        openForWriting(name, true);
+        return openForWriting(name, false);
+    }
     requireWholePages(*file);
-    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), true));
+    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), true, exclusive));
     entry = shared;
     return shared;
 }
@@ -120,13 +149,13 @@ std::shared_ptr<SharedFile> SharedFile::openForReading(const std::string& name) 
     const std::string path = resolved(name);
     auto file = std::make_unique<File>(path, File::Mode::readOnly);
     std::weak_ptr<SharedFile>& entry = registry().files[file->identity()];
-    if (auto shared = entry.lock()) return shared;
+    if (auto shared = entry.lock(); shared && !shared->isInherited()) return shared;
     requireLock(*file, File::Lock::shared, path);
     if (Journal::waits(journalOf(path))) {
         // Nobody is writing, so a crash left it. To restore the file is a matter of a moment for a writer.
         file.reset();
         try {
-            openForWriting(name);
+            openForWriting(name, true);
         } catch (const Error& error) {
             throw Error(error.fault(), "A change to " + path +
                                            " was cut short, and has to be undone before it can be " + "read. " +
@@ -137,7 +166,7 @@ std::shared_ptr<SharedFile> SharedFile::openForReading(const std::string& name) 
     requireFormat(*file);
     LockFile::requireNone(path);
     requireWholePages(*file);
-    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), false));
+    std::shared_ptr<SharedFile> shared(new SharedFile(path, std::move(file), false, false));
     entry = shared;
     return shared;
 }
@@ -146,12 +175,42 @@ void SharedFile::detach(std::shared_ptr<SharedFile>& file) noexcept {
     Registry& all = registry();
     // Closing happens under the registry's lock, so that nobody meets the file half closed and still locked.
     const std::lock_guard lock(all.mutex);
-    if (file.use_count() == 1) all.files.erase(file->identity_);
+    const FileIdentity identity = file->identity_;
     file.reset();
+    if (const auto entry = all.files.find(identity); entry != all.files.end() && entry->second.expired()) {
+        all.files.erase(entry);
+    }
+}
+
+SharedFile::ChangeGuard::ChangeGuard(SharedFile& file) : file_(file) {
+    if (file.isInherited()) {
+        throw Error(Fault::otherProcess, "The connection to " + file.path() +
+                                             " belongs to the process that opened it, not to its child processes.");
+    }
+    file.takeExclusiveLock();
+    try {
+        file.announceWriting();
+    } catch (const Error&) {
+        file.releaseExclusiveLock();
+        throw;
+    }
+}
+
+void SharedFile::takeExclusiveLock() {
+    if (exclusive_) return;
+    if (!file_->exchangeLock(File::Lock::exclusive)) failInUse(path_);
+    exclusive_ = true;
+}
+
+void SharedFile::releaseExclusiveLock() noexcept {
+    // What a broken pager left is restored at the next open, and nobody may see it before that.
+    if (!exclusive_ || staysExclusive_ || pager_->hasWriter() || pager_->broken()) return;
+    file_->exchangeLock(File::Lock::shared);
+    exclusive_ = false;
 }
 
 void SharedFile::announceWriting() {
-    // Beside a file whose path is gone nobody is to be told.
+    // Beside a file whose path is gone there is nobody to inform.
     if (lockFile_ || !file_->isAtItsPath()) return;
     lockFile_ = std::make_unique<LockFile>(path_, file_->permissions());
 }

@@ -245,28 +245,37 @@ void TableStore::remove(RowId row) {
     if (!read(row, old)) return;
     std::vector<Field> fields;
     decodeRow(table_, old, row, fields);
-    // The keys are made before the long values go.
-    IndexKey key;
-    for (const Index& index : table_.indexes) {
-        makeIndexKey(pages_, table_, index, fields, key);
-        if (entersIndex(index, key)) IndexTree(pages_, table_, index).remove(key.bytes, row);
-    }
+    // The keys are made before the long values go. The room of row and values is released before the indexes change,
+    // which in a full file may need it.
+    std::vector<IndexKey> keys(table_.indexes.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) makeIndexKey(pages_, table_, table_.indexes[i], fields, keys[i]);
     for (std::size_t i = 0; i < table_.columns.size(); ++i) {
         if (table_.columns[i].longValue() && fields[i].present) {
             releaseLongValue(pages_, table_.columns[i], fields[i].bytes);
         }
     }
     const RowId body = bodyOf(row);
-    for (const RowId& place : {body, row}) {
-        PageRef page = pages_.write(place.page);
-        dataPage::resize(page, place.slot, 0);
-        dataPage::setFlags(page, place.slot, dataPage::deletedFlags);
-        if (UsageMap free(pages_, table_.free); !free.contains(place.page)) free.add(place.page);
-        if (body == row) break;
+    removeSlot(row);
+    if (body != row) removeSlot(body);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const Index& index = table_.indexes[i];
+        if (entersIndex(index, keys[i])) IndexTree(pages_, table_, index).remove(keys[i].bytes, row);
     }
     PageRef definition = pages_.write(table_.page);
     const std::uint32_t count = getU32(definition.bytes(), definitionFormat::rowCountAt);
     if (count > 0) putU32(definition.writable(), definitionFormat::rowCountAt, count - 1);
+}
+
+// Deletes the bytes of a row at one place. A page without rows is released.
+void TableStore::removeSlot(RowId place) {
+    PageRef page = pages_.write(place.page);
+    dataPage::remove(page, place.slot);
+    UsageMap owned(pages_, table_.owned), free(pages_, table_.free);
+    if (!dataPage::isEmpty(page)) return free.addHint(place.page);
+    if (!owned.contains(place.page)) return;
+    owned.remove(place.page);
+    free.remove(place.page);
+    releasePage(pages_, place.page);
 }
 
 // Gives a row new bytes without a change of its identity: in its place, grown or shrunk there, or moved away.
@@ -279,10 +288,7 @@ void TableStore::replaceBody(RowId row, ByteSpan bytes) {
         return;
     }
     const RowId target = place(bytes, dataPage::skipFlag);
-    if (body != row) {
-        dataPage::resize(page, body.slot, 0);
-        dataPage::setFlags(page, body.slot, dataPage::deletedFlags);
-    }
+    if (body != row) removeSlot(body);
     PageRef original = pages_.write(row.page);
     if (!dataPage::resize(original, row.slot, rowPointerSize)) {
         failCorrupt(rowName(row) + " of the table " + table_.name + " has no room for the pointer to its new place");
@@ -324,7 +330,7 @@ PageRef TableStore::newDataPage() {
     PageRef page = allocatePage(pages_);
     dataPage::format(page.writable(), table_.page);
     UsageMap(pages_, table_.owned).add(page.number());
-    UsageMap(pages_, table_.free).add(page.number());
+    UsageMap(pages_, table_.free).addHint(page.number());
     return page;
 }
 

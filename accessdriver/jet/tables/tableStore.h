@@ -69,6 +69,7 @@ class TableStore {
     std::optional<RowId> firstOn(const PageRef& page, std::size_t slot) const;
     RowId bodyOf(RowId row) const;
     void replaceBody(RowId row, ByteSpan bytes);
+    void removeSlot(RowId place);
     void addKey(std::size_t index, const IndexKey& key, RowId row);
 
     PageAccess& pages_;

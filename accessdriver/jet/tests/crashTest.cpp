@@ -1,33 +1,16 @@
 // A process that ends at any point of its work leaves a file that opens in its last committed state.
 
 #include <array>
-#include <cerrno>
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
-#include "accessdriver/jet/storage/file.h"
 #include "accessdriver/jet/storage/journal.h"
 #include "accessdriver/jet/storage/sharedFile.h"
 #include "accessdriver/jet/tests/fixture.h"
-
-namespace {
-
-bool diskRefuses = false;
-
-}  // namespace
-
-#ifdef __linux__
-// Found before that of the system.
-extern "C" int fsync(int descriptor) {
-    if (!diskRefuses) return static_cast<int>(::syscall(SYS_fsync, descriptor));
-    errno = EIO;
-    return -1;
-}
-#endif
+#include "accessdriver/jet/tests/systemCalls.h"
 
 namespace jet::test {
 namespace {
@@ -85,8 +68,9 @@ class CrashTest : public FileTest {
         commitsOf(
             [&](int pipe) {
                 int writes = 0;
-                File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
+                setWriteHook([&](int, off_t, std::span<const iovec>) {
                     if (++writes == 40) ::_exit(1);
+                    return 0;
                 });
                 work(path, pipe, 12, 7);
             },
@@ -108,7 +92,7 @@ class CrashTest : public FileTest {
 };
 
 // The n-th write to file or journal is cut in the middle, and the process is gone.
-TEST_F(CrashTest, everyWriteMayBeTheLast) {
+TEST_F(CrashTest, EveryWriteMayBeTheLast) {
     for (const std::size_t cache : {std::size_t{5000}, std::size_t{70}}) {
         SharedFile::setCacheCapacity(cache);
         const int groupSize = cache < 100 ? 60 : 7;
@@ -117,12 +101,13 @@ TEST_F(CrashTest, everyWriteMayBeTheLast) {
             const std::size_t commits = commitsOf(
                 [&](int pipe) {
                     int writes = 0;
-                    File::setWriteHook([&](int descriptor, std::uint64_t at, std::span<const ByteSpan> pieces) {
-                        if (++writes < last) return;
-                        std::vector<std::uint8_t> bytes;
-                        for (const ByteSpan piece : pieces) bytes.insert(bytes.end(), piece.begin(), piece.end());
+                    setWriteHook([&](int descriptor, off_t at, std::span<const iovec> pieces) {
+                        if (++writes < last) return 0;
+                        std::string bytes;
+                        for (const iovec& piece : pieces)
+                            bytes.append(static_cast<char*>(piece.iov_base), piece.iov_len);
                         const std::size_t part = bytes.size() * static_cast<std::size_t>(last % 4) / 4;
-                        (void)!::pwrite(descriptor, bytes.data(), part, static_cast<off_t>(at));
+                        (void)!::pwrite(descriptor, bytes.data(), part, at);
                         ::_exit(1);
                     });
                     work(path, pipe, 12, groupSize);
@@ -138,7 +123,7 @@ TEST_F(CrashTest, everyWriteMayBeTheLast) {
     SharedFile::setCacheCapacity(Pager::defaultCapacity);
 }
 
-TEST_F(CrashTest, killedAtAnyMoment) {
+TEST_F(CrashTest, KilledAtAnyMoment) {
     for (int round = 0; round < 25; ++round) {
         makeFile(path, {"", {everyType()}});
         const std::size_t commits =
@@ -153,7 +138,7 @@ TEST_F(CrashTest, killedAtAnyMoment) {
 }
 
 // Playing the journal back may be cut short as well, and is then done again.
-TEST_F(CrashTest, restoringMayBeInterrupted) {
+TEST_F(CrashTest, RestoringMayBeInterrupted) {
     endInTheMiddle();
     ASSERT_TRUE(std::filesystem::exists(path + "-jetjournal"));
     const std::string file = readWhole(path), journal = readWhole(path + "-jetjournal");
@@ -164,8 +149,9 @@ TEST_F(CrashTest, restoringMayBeInterrupted) {
         commitsOf(
             [&](int) {
                 int writes = 0;
-                File::setWriteHook([&](int, std::uint64_t, std::span<const ByteSpan>) {
+                setWriteHook([&](int, off_t, std::span<const iovec>) {
                     if (++writes == last) ::_exit(1);
+                    return 0;
                 });
                 Database::open(path, "");
             },
@@ -177,31 +163,31 @@ TEST_F(CrashTest, restoringMayBeInterrupted) {
 }
 
 #ifdef __linux__
-TEST_F(CrashTest, whatDidNotReachTheDiskIsToldAndTriedAgain) {
+TEST_F(CrashTest, WhatDidNotReachTheDiskIsToldAndTriedAgain) {
     {
         const auto database = Database::open(path, "");
         insert(*database, "everything", everyTypeRow(1));
         database->commit();
-        diskRefuses = true;
+        setSyncFails(true);
         for (int time = 0; time < 2; ++time) {
             EXPECT_EQ(refusalOf([&] { database->sync(); }).fault, Fault::io) << "none of them counts as done";
         }
-        diskRefuses = false;
+        setSyncFails(false);
         EXPECT_EQ(refusalOf([&] { database->sync(); }).fault, std::nullopt);
     }
     endInTheMiddle();
     const std::string journal = readWhole(path + "-jetjournal");
     ASSERT_NE(journal, "");
-    diskRefuses = true;
+    setSyncFails(true);
     EXPECT_EQ(refusalOfOpen(path).fault, Fault::io);
-    diskRefuses = false;
+    setSyncFails(false);
     EXPECT_EQ(readWhole(path + "-jetjournal"), journal) << "it may still be needed";
     EXPECT_EQ(findings(*Database::open(path, "")), "");
 }
 #endif
 
 // After a crash the file was replaced, or the journal lies: playing it back would destroy a sound file.
-TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {
+TEST_F(CrashTest, AJournalOfAnotherFileIsRefused) {
     const std::string journalPath = path + "-jetjournal", otherPath = folder.file("other.mdb");
     makeFile(otherPath, {"secret", {everyType()}});
     const std::string file = readWhole(path);
@@ -232,16 +218,16 @@ TEST_F(CrashTest, aJournalOfAnotherFileIsRefused) {
 }
 
 // The journal of a crash was played back into a file that another program had written to since, and wrecked it.
-TEST_F(CrashTest, aJournalHarmsNoFileThatWasWrittenSince) {
+TEST_F(CrashTest, AJournalHarmsNoFileThatWasWrittenSince) {
     SharedFile::setCacheCapacity(70);
     commitsOf(
         [&](int pipe) {
             // Half of some pages of a transaction that did not fit the cache.
             int writes = 0;
-            File::setWriteHook([&](int descriptor, std::uint64_t at, std::span<const ByteSpan> pieces) {
-                if (pieces.size() < 9 || ++writes < 3) return;
+            setWriteHook([&](int descriptor, off_t at, std::span<const iovec> pieces) {
+                if (pieces.size() < 9 || ++writes < 3) return 0;
                 for (std::size_t i = 0; i < pieces.size() / 2; ++i) {
-                    (void)!::pwrite(descriptor, pieces[i].data(), pageSize, static_cast<off_t>(at + i * pageSize));
+                    (void)!::pwrite(descriptor, pieces[i].iov_base, pageSize, at + static_cast<off_t>(i * pageSize));
                 }
                 ::_exit(1);
             });
@@ -289,7 +275,7 @@ TEST_F(CrashTest, aJournalHarmsNoFileThatWasWrittenSince) {
     EXPECT_TRUE(readWhole(path) == restored);
 }
 
-TEST_F(CrashTest, aJournalIsAsPrivateAsItsFileAndFollowsNoLink) {
+TEST_F(CrashTest, AJournalIsAsPrivateAsItsFileAndFollowsNoLink) {
     std::filesystem::permissions(path, std::filesystem::perms(0600));
     const std::string journalPath = path + "-jetjournal", victim = folder.file("victim.txt");
     const auto database = Database::open(path, "");
@@ -303,7 +289,7 @@ TEST_F(CrashTest, aJournalIsAsPrivateAsItsFileAndFollowsNoLink) {
     EXPECT_EQ(std::filesystem::status(journalPath).permissions(), std::filesystem::perms(0600));
 }
 
-TEST_F(CrashTest, aJournalThatWasCutShortHasTouchedNothing) {
+TEST_F(CrashTest, AJournalThatWasCutShortHasTouchedNothing) {
     const std::string file = readWhole(path);
     for (const std::string& journal :
          {std::string(), std::string(7, 'x'), std::string(5000, '\0'), std::string(9000, 'x')}) {

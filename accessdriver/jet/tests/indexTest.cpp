@@ -11,7 +11,10 @@
 namespace jet::test {
 namespace {
 
-using IndexTest = FileTest;
+class IndexTest : public FileTest {
+  protected:
+    const std::string path = folder.file("index.mdb");
+};
 
 std::string hex(ByteSpan bytes) {
     std::string text;
@@ -30,7 +33,7 @@ std::string textKeyOf(const std::string& text) {
 }
 
 // Keys that Access itself stored, and that the published format notes list.
-TEST(TextKey, agreesWithKnownKeys) {
+TEST(TextKeyTest, AgreesWithKnownKeys) {
     EXPECT_EQ(textKeyOf("admin"), "4a4f6059620100");
     EXPECT_EQ(textKeyOf("ADMIN  "), "4a4f6059620100");
     EXPECT_EQ(textKeyOf("ümlaut"), "6f605e4a6f6d011300");
@@ -56,13 +59,10 @@ TEST(TextKey, agreesWithKnownKeys) {
     // Accents that combine with the letter before them, or with none.
     EXPECT_EQ(textKeyOf("a\u0301b"), "4a4c010e00");
     EXPECT_EQ(textKeyOf("\u0301a-b"), "4a4c010c010101800b068200");
-    // Only the first 255 characters count.
-    EXPECT_EQ(textKeyOf(std::string(255, 'a') + "Ж"), textKeyOf(std::string(255, 'a')));
 }
 
 // Each character of the basic plane begins a name, and a thousand beyond it.
-TEST_F(IndexTest, holdsNamesOfAllScripts) {
-    const std::string path = folder.file("names.mdb");
+TEST_F(IndexTest, HoldsNamesOfAllScripts) {
     makeFile(path, {"",
                     {{"t",
                       {{"name", ColumnType::text, 50, false, true}},
@@ -103,7 +103,7 @@ std::string storedKey(const TempFolder& folder, ColumnType type, const Value& va
     return hex(keyOf(decodeEntries(root).at(0).text));
 }
 
-TEST_F(IndexTest, keysOfEveryType) {
+TEST_F(IndexTest, KeysOfEveryType) {
     const struct {
         ColumnType type;
         Value value;
@@ -133,9 +133,12 @@ TEST_F(IndexTest, keysOfEveryType) {
         EXPECT_EQ(storedKey(folder, each.type, each.value, false), each.ascending);
         EXPECT_EQ(storedKey(folder, each.type, each.value, true), each.descending);
     }
+    // Only the first 255 characters of a text count.
+    const std::string most(255, 'a');
+    EXPECT_EQ(storedKey(folder, ColumnType::memo, most + "Ж", false), storedKey(folder, ColumnType::memo, most, false));
 }
 
-TEST_F(IndexTest, growsAndShrinksInEveryOrder) {
+TEST_F(IndexTest, GrowsAndShrinksInEveryOrder) {
     TableSpec table{"t",
                     {{"n", ColumnType::longInteger, 0, false, true}, {"s", ColumnType::text, 255, false, true}},
                     {{"unique", {"n"}, false, true, false, false, {}},
@@ -145,7 +148,6 @@ TEST_F(IndexTest, growsAndShrinksInEveryOrder) {
     std::mt19937 random(7);
     enum class Order { rising, falling, shuffled };
     for (const Order order : {Order::rising, Order::falling, Order::shuffled}) {
-        const std::string path = folder.file("tree.mdb");
         makeFile(path, {"", {table}});
         const auto database = Database::open(path, "");
         const TableInfo& info = database->table("t");
@@ -184,8 +186,57 @@ TEST_F(IndexTest, growsAndShrinksInEveryOrder) {
     }
 }
 
-TEST_F(IndexTest, uniqueNullAndCompositeRules) {
-    const std::string path = folder.file("rules.mdb");
+TEST_F(IndexTest, HoldsKeysOfTheLargestSizeAndNoLongerOnes) {
+    const auto of = [](const char* name, ColumnType type, int length) {
+        return ColumnSpec{name, type, length, false, true};
+    };
+    TableSpec spec{"t",
+                   {of("a", ColumnType::binary, 510), of("b", ColumnType::binary, 510),
+                    of("c", ColumnType::binary, 510), of("d", ColumnType::binary, 48), of("x", ColumnType::byte, 0),
+                    of("y", ColumnType::byte, 0), of("z", ColumnType::byte, 0)},
+                   {{"long", {"a", "b", "c", "d", "x", "y", "z"}, false, false, false, false, {}}}};
+    makeFile(path, {"", {spec}});
+    const auto database = Database::open(path, "");
+    // Each value has a lead byte; a binary one takes nine bytes for eight, a byte one and a Null none.
+    static_assert(3 * (1 + 64 * 9) + (1 + 6 * 9) + 2 + 1 + 1 == maxKeySize);
+    const auto rowOf = [](int n, Value y) {
+        return Row{
+            Bytes(510, static_cast<std::uint8_t>(n * 37)), Bytes(510), Bytes(510), Bytes(48), n % 7, std::move(y)};
+    };
+    for (int n = 0; n < 120; ++n) insert(*database, "t", rowOf(n, {}));
+    EXPECT_EQ(refusalOf([&] { insert(*database, "t", rowOf(1, 1)); }).fault, Fault::tooLong);
+    EXPECT_EQ(findings(*database), "");
+}
+
+// A node may have a single child with an entry of its own; a new greatest key below it changes that entry.
+TEST_F(IndexTest, NamesGreatestEntriesInTreesOfLongKeys) {
+    makeFile(path, {"",
+                    {{"t",
+                      {{"a", ColumnType::binary, 510, false, true},
+                       {"b", ColumnType::binary, 510, false, true},
+                       {"c", ColumnType::binary, 510, false, true}},
+                      {{"long", {"a", "b", "c"}, false, false, false, false, {}}}}}});
+    const auto database = Database::open(path, "");
+    const TableInfo& table = database->table("t");
+    std::vector<RowId> rows;
+    const auto add = [&] {
+        const auto number = static_cast<std::uint8_t>(rows.size());
+        rows.push_back(insert(*database, "t", {Bytes(510, number), Bytes(510), Bytes(510)}));
+    };
+    for (std::size_t keys = 5; keys < 40; ++keys) {
+        for (std::size_t removed = 1; removed < keys; ++removed) {
+            while (rows.size() < keys) add();
+            database->remove(table, std::span(rows).last(removed));
+            rows.resize(keys - removed);
+            add();
+            ASSERT_EQ(findings(*database), "") << removed << " of " << keys;
+            database->rollback();
+            rows.clear();
+        }
+    }
+}
+
+TEST_F(IndexTest, UniqueNullAndCompositeRules) {
     TableSpec table{
         "t",
         {{"a", ColumnType::text, 50, false, true}, {"b", ColumnType::longInteger, 0, false, true}},
@@ -221,11 +272,21 @@ void patch(const std::string& path, const std::string& pattern, std::size_t at, 
     writeWhole(path, bytes);
 }
 
-TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
+TEST_F(IndexTest, RefusesATableWithAColumnOfAnUnknownType) {
+    makeFile(path, {"", {{"t", {{"a", ColumnType::text, 50, false, true}}, {}}}});
+    for (const char type : {'\x00', '\x0D', '\x11', '\xFF'}) {
+        patch(path, std::string("\x59\x06\0\0\0\0\0\0\0\0\x09\x04\0\0\x02", 15), std::size_t(-1), type);
+        const auto database = Database::open(path, "");
+        const Refusal refusal = refusalOf([&] { database->table("t"); });
+        EXPECT_EQ(refusal.fault, Fault::corrupt);
+        EXPECT_NE(refusal.text.find("unknown type"), std::string::npos) << refusal.text;
+    }
+}
+
+TEST_F(IndexTest, WhatCannotBeKeptRightIsReadButNotWritten) {
     const TableSpec table{"t",
                           {{"a", ColumnType::text, 50, false, true}, {"b", ColumnType::numeric, 0, false, true}},
                           {{"i", {"a"}, false, false, false, false, {}}}};
-    const std::string path = folder.file("foreign.mdb");
     const auto expectReadOnly = [&](const std::string& words) {
         const auto database = Database::open(path, "");
         const TableInfo& info = database->table("t");
@@ -269,9 +330,9 @@ TEST_F(IndexTest, whatCannotBeKeptRightIsReadButNotWritten) {
 }
 
 // Rows that go leave the rest sound, and their room is used again; an index finds what a walk through the table finds.
-TEST_F(FileTest, rowsThatGoAndRowsBetweenTwoValues) {
-    makeFile(folder.file("a.mdb"), {"", {everyType()}});
-    const auto database = Database::open(folder.file("a.mdb"), "");
+TEST_F(IndexTest, RowsThatGoAndRowsBetweenTwoValues) {
+    makeFile(path, {"", {everyType()}});
+    const auto database = Database::open(path, "");
     const TableInfo& info = database->table("everything");
     for (int n = 0; n < 400; ++n) insert(*database, "everything", everyTypeRow(n));
     // Some are moved away first, by growing.
@@ -310,11 +371,11 @@ TEST_F(FileTest, rowsThatGoAndRowsBetweenTwoValues) {
                       database->rowsBetween(info, column, wanted, {}, 1000)->size(),
                   values.size() + equal);
     }
-    const auto pages = std::filesystem::file_size(folder.file("a.mdb"));
+    const auto pages = std::filesystem::file_size(path);
     for (int n = 400; n < 450; ++n) insert(*database, "everything", everyTypeRow(n));
     database->commit();
     EXPECT_EQ(findings(*database), "");
-    EXPECT_LE(std::filesystem::file_size(folder.file("a.mdb")), pages + 40000) << "room of rows that are gone is used";
+    EXPECT_LE(std::filesystem::file_size(path), pages + 40000) << "room of rows that are gone is used";
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 namespace jet::test {
 namespace {
 
-using OutsideReader = FileTest;
+using OutsideReaderTest = FileTest;
 
 // One line of JSON with the values that are there, as mdb-json prints it.
 std::string jsonText(const std::string& text) {
@@ -59,7 +59,7 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-TEST_F(OutsideReader, seesTheTablesThatWereMade) {
+TEST_F(OutsideReaderTest, SeesTheTablesThatWereMade) {
     const std::string path = folder.file("made.cav");
     makeCavFile(path, CavColumns::typed);
     const auto tables = outputOf("mdb-tables -1 " + path);
@@ -75,7 +75,7 @@ TEST_F(OutsideReader, seesTheTablesThatWereMade) {
 }
 
 // Without these Access takes a file for damaged, and other libraries look for a parent in vain.
-TEST_F(OutsideReader, seesWhatAccessExpectsBesideTheTables) {
+TEST_F(OutsideReaderTest, SeesWhatAccessExpectsBesideTheTables) {
     const std::string path = folder.file("made.mdb");
     makeFile(path, {"", {{"t", {{"a", ColumnType::text, 5, false, true}}, {}}}});
     const auto objects = outputOf("mdb-export -H -b hex -T day " + path + " MSysObjects");
@@ -101,7 +101,7 @@ TEST_F(OutsideReader, seesWhatAccessExpectsBesideTheTables) {
     EXPECT_EQ(header.substr(0xE00, 4), std::string("\1\1\0\1", 4));
 }
 
-TEST_F(OutsideReader, readsEveryValueBack) {
+TEST_F(OutsideReaderTest, ReadsEveryValueBack) {
     const std::string path = folder.file("types.mdb");
     makeFile(path, {"", {everyType()}});
     std::vector<Row> rows;
@@ -163,7 +163,7 @@ TEST_F(OutsideReader, readsEveryValueBack) {
     }
 }
 
-TEST_F(OutsideReader, readsLongMemosAndAccents) {
+TEST_F(OutsideReaderTest, ReadsLongMemosAndAccents) {
     const std::string path = folder.file("made.cav");
     makeCavFile(path, CavColumns::typed);
     std::vector<std::pair<std::string, std::string>> expected;

@@ -31,7 +31,7 @@ const std::vector<std::uint8_t> fromAccess = [] {
     return bytes;
 }();
 
-TEST_F(PropertiesTest, areReadAndWrittenAsAccessDoes) {
+TEST_F(PropertiesTest, AreReadAndWrittenAsAccessDoes) {
     const auto lists = readProperties(fromAccess);
     ASSERT_EQ(lists.size(), 1U);
     EXPECT_EQ(lists[0].owner, "");
@@ -75,7 +75,7 @@ TableSpec herd() {
              {"odd", {text("DefaultValue", "1.5"), text("ValidationRule", "Is Not Null")}}}};
 }
 
-TEST_F(PropertiesTest, holdForWhatIsWritten) {
+TEST_F(PropertiesTest, HoldForWhatIsWritten) {
     const std::string path = folder.file("herd.mdb");
     makeFile(path, {"", {herd()}});
     if (const auto seen = outputOf("mdb-prop " + path + " herd")) {
@@ -110,7 +110,7 @@ TEST_F(PropertiesTest, holdForWhatIsWritten) {
     EXPECT_EQ(findings(*database), "");
 }
 
-TEST_F(PropertiesTest, thatCannotBeReadForbidWriting) {
+TEST_F(PropertiesTest, ThatCannotBeReadForbidWriting) {
     const std::string path = folder.file("herd.mdb");
     makeFile(path, {"", {herd()}});
     std::string bytes = readWhole(path);

@@ -47,7 +47,7 @@ Buffer rowOf(const TableDefinition& table, std::vector<Field> fields) {
 
 Buffer bytesOf(const Field& field) { return {field.bytes.begin(), field.bytes.end()}; }
 
-TEST(StoredRowTest, givesEachColumnByItself) {
+TEST(StoredRowTest, GivesEachColumnByItself) {
     const TableDefinition table = tableWithTexts(3);
     const Buffer bytes = rowOf(table, {{true, seven}, {true, {}}, {true, ada}, {}, {true, bo}});
     const StoredRow row(table, bytes, {});
@@ -58,7 +58,7 @@ TEST(StoredRowTest, givesEachColumnByItself) {
     EXPECT_FALSE(row.field(3).present);
 }
 
-TEST(StoredRowTest, fromBeforeAColumnWasAddedHasNullThere) {
+TEST(StoredRowTest, FromBeforeAColumnWasAddedHasNullThere) {
     // Nine columns, so that the mask grew by a byte too.
     const TableDefinition before = tableWithTexts(1);
     const TableDefinition after = tableWithTexts(7);
@@ -80,7 +80,7 @@ TEST(StoredRowTest, fromBeforeAColumnWasAddedHasNullThere) {
     EXPECT_FALSE(StoredRow(odd, bytes, {}).field(2).present);
 }
 
-TEST(StoredRowTest, refusesAColumnThatReachesOutOfTheRowAndReadsTheOthers) {
+TEST(StoredRowTest, RefusesAColumnThatReachesOutOfTheRowAndReadsTheOthers) {
     const TableDefinition table = tableWithTexts(2);
     const Buffer sound = rowOf(table, {{true, seven}, {}, {true, ada}, {true, bo}});
     const std::size_t maskAt = sound.size() - 1;
@@ -117,7 +117,7 @@ TEST(StoredRowTest, refusesAColumnThatReachesOutOfTheRowAndReadsTheOthers) {
     }
 }
 
-TEST(StoredTextTest, comesInOneByteOrTwoBytesACharacter) {
+TEST(StoredTextTest, ComesInOneByteOrTwoBytesACharacter) {
     struct Case {
         Buffer stored;
         std::string text;
@@ -136,6 +136,16 @@ TEST(StoredTextTest, comesInOneByteOrTwoBytesACharacter) {
     for (const auto& [stored, text] : cases) {
         EXPECT_EQ(decodeTextToUtf8(stored), text);
         EXPECT_EQ(utf8FromUtf16(decodeText(stored)), text);
+    }
+}
+
+// In a compressed text a zero byte has a meaning of its own.
+TEST(StoredTextTest, KeepsU0000) {
+    const std::u16string text(u"a\0bcd", 5);
+    for (const bool mayCompress : {false, true}) {
+        Buffer stored;
+        encodeText(text, mayCompress, stored);
+        EXPECT_EQ(decodeText(stored), text) << mayCompress;
     }
 }
 

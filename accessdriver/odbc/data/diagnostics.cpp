@@ -21,7 +21,7 @@ struct FaultCode {
 // What the storage engine's faults are called outside. The native codes are this driver's own; applications may keep
 // them, so a number never changes its meaning.
 using jet::Fault;
-constexpr std::array<FaultCode, 19> faultCodes = {{
+constexpr std::array<FaultCode, 20> faultCodes = {{
     {Fault::noSuchFile, "08001", -1001},     {Fault::noPermission, "08001", -1002},
     {Fault::inUse, "08004", -1003},          {Fault::notAccess, "08001", -1004},
     {Fault::tooOld, "08001", -1005},         {Fault::tooNew, "08001", -1006},
@@ -31,7 +31,7 @@ constexpr std::array<FaultCode, 19> faultCodes = {{
     {Fault::badValue, "22018", -1103},       {Fault::tooLong, "22001", -1104},
     {Fault::nullNotAllowed, "23000", -1105}, {Fault::duplicateKey, "23000", -1106},
     {Fault::busy, "40001", -1107},           {Fault::readOnly, "HY000", -1108},
-    {Fault::ruleBroken, "23000", -1109},
+    {Fault::ruleBroken, "23000", -1109},     {Fault::otherProcess, "08003", -1110},
 }};
 
 constexpr SQLINTEGER refusedStatement = -1200;  // any refused statement; its SQLSTATE says why

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <span>
+#include <sys/uio.h>
+
+namespace jet::test {
+
+/// Called before each write and truncation of the process with the descriptor, the offset (for a truncation the new
+/// size) and the bytes (none for a truncation). Returns 0 for the call to take place, or the errno with which it fails;
+/// a hook may also write a part and end the process.
+using WriteHook = std::function<int(int descriptor, off_t at, std::span<const iovec> pieces)>;
+
+/// Sets the hook; an empty one removes it. The functions of the system are replaced on Linux only, so tests that set a
+/// hook are compiled there alone.
+void setWriteHook(WriteHook hook);
+
+/// Whether fsync fails with EIO.
+void setSyncFails(bool fails);
+
+}  // namespace jet::test
