@@ -62,9 +62,9 @@ Diagnosis diagnosisOf(SQLSMALLINT type, SQLHANDLE handle) {
     return out;
 }
 
-ClientConnection::ClientConnection() {
+ClientConnection::ClientConnection(SQLULEN odbcVersion) {
     SQLAllocHandle(SQL_HANDLE_ENV, SQL_NULL_HANDLE, &environment_);
-    SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);
+    SQLSetEnvAttr(environment_, SQL_ATTR_ODBC_VERSION, attribute(odbcVersion), 0);
     SQLAllocHandle(SQL_HANDLE_DBC, environment_, &handle_);
 }
 
@@ -159,6 +159,10 @@ fs::path OdbcTest::makeCav(const std::string& name, jet::CavColumns columns, con
 
 void ConnectedTest::SetUp() {
     file_ = makeCav();
+    openFile();
+}
+
+void ConnectedTest::openFile() {
     ASSERT_TRUE(SQL_SUCCEEDED(connection_.open(file_)));
     statement_ = std::make_unique<ClientStatement>(connection_);
     handle_ = statement_->handle();

@@ -30,7 +30,7 @@ inline SQLPOINTER attribute(SQLULEN value) { return reinterpret_cast<SQLPOINTER>
 /// A connection through the driver manager, in an environment of its own.
 class ClientConnection {
   public:
-    ClientConnection();
+    explicit ClientConnection(SQLULEN odbcVersion = SQL_OV_ODBC3);
     ~ClientConnection();
     ClientConnection(const ClientConnection&) = delete;
     ClientConnection& operator=(const ClientConnection&) = delete;
@@ -99,6 +99,10 @@ class OdbcTest : public testing::Test {
 class ConnectedTest : public OdbcTest {
   protected:
     void SetUp() override;
+
+    /// Opens file_ again after a disconnect, with a new statement.
+    void openFile();
+
     void TearDown() override { statement_.reset(); }
 
     /// Sets an attribute of the statement: a number, or a pointer to a variable.

@@ -5,14 +5,20 @@
 #include <fstream>
 #include <iterator>
 
-#include "accessdriver/jet/making/maker.h"
 #include "accessdriver/odbc/tests/client.h"
 
 namespace {
 
 using namespace odbctest;
 
-class RowsetTest : public ConnectedTest {};
+class RowsetTest : public ConnectedTest {
+  protected:
+    void askForRowsets(SQLULEN size, SQLUSMALLINT* status, SQLULEN& fetched) {
+        set(SQL_ATTR_ROW_ARRAY_SIZE, size);
+        set(SQL_ATTR_ROW_STATUS_PTR, status);
+        set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched);
+    }
+};
 
 TEST_F(RowsetTest, AStaticCursorGoesAnywhereInBlocks) {
     ClientStatement writer(connection_);
@@ -21,9 +27,7 @@ TEST_F(RowsetTest, AStaticCursorGoesAnywhereInBlocks) {
     std::array<SQLUSMALLINT, 3> status{};
     SQLULEN fetched = 0;
     set(SQL_ATTR_CURSOR_TYPE, SQL_CURSOR_STATIC);
-    set(SQL_ATTR_ROW_ARRAY_SIZE, 3);
-    set(SQL_ATTR_ROW_STATUS_PTR, status.data());
-    set(SQL_ATTR_ROWS_FETCHED_PTR, &fetched);
+    askForRowsets(3, status.data(), fetched);
     SQLBindCol(handle_, 1, SQL_C_SLONG, ids.data(), 0, nullptr);
     ASSERT_EQ(statement_->run("SELECT id,name FROM tree"), SQL_SUCCESS);
     EXPECT_EQ(statement_->changed(), 7) << "how many rows there are";
@@ -170,115 +174,85 @@ struct Row {
 #pragma pack(pop)
 
 TEST_F(RowsetTest, ARowThatFailsCostsNoOtherRow) {
-    using jet::ColumnType;
-    const std::string path = folder() / "rows.mdb";
-    jet::makeFile(path, {"", {{"t", {{"id", ColumnType::longInteger, 0, true}, {"notes", ColumnType::memo}}, {}}}});
-    const std::string columns = "SELECT notes,id FROM t";
-    {
-        ClientConnection connection;
-        ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-        ClientStatement writer(connection);
-        for (const char* notes : {"1", "x", "3", "4"}) {
-            ASSERT_EQ(writer.outcome("INSERT INTO t (notes) VALUES ('" + std::string(notes) + "')"), "ok");
-        }
-        std::array<Row, 4> rows{};
-        std::array<SQLUSMALLINT, 4> status{};
-        SQLULEN fetched = 0;
-        char* const first = reinterpret_cast<char*>(rows.data());
-        const auto member = [&](std::size_t offset) { return reinterpret_cast<SQLLEN*>(first + offset); };
-        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROW_BIND_TYPE, attribute(sizeof(Row)), 0);
-        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROW_ARRAY_SIZE, attribute(4), 0);
-        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROW_STATUS_PTR, status.data(), 0);
-        SQLSetStmtAttr(writer.handle(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
-        SQLBindCol(writer.handle(), 1, SQL_C_SLONG, first, 0, member(offsetof(Row, numberLength)));
-        SQLBindCol(writer.handle(), 2, SQL_C_CHAR, first + offsetof(Row, text), sizeof Row::text,
-                   member(offsetof(Row, textLength)));
-        ASSERT_EQ(writer.run(columns), SQL_SUCCESS);
-        EXPECT_EQ(SQLFetch(writer.handle()), SQL_SUCCESS_WITH_INFO);
-        EXPECT_EQ(writer.diagnosis().state, "22018");
-        EXPECT_EQ(fetched, 4U);
-        EXPECT_EQ(status,
-                  (std::array<SQLUSMALLINT, 4>{SQL_ROW_SUCCESS, SQL_ROW_ERROR, SQL_ROW_SUCCESS, SQL_ROW_SUCCESS}));
-        EXPECT_STREQ(rows[3].text, "4");
-        EXPECT_EQ(std::memcmp(&rows[3].number, "\x04\0\0", 4), 0);
-        const SQLLEN length = rows[3].textLength;
-        EXPECT_EQ(length, 1);
-        SQLFreeStmt(writer.handle(), SQL_CLOSE);
-        for (const char* letter : {"a", "b", "c"}) {
-            ASSERT_EQ(writer.outcome("UPDATE t SET notes='" + std::string(9000, *letter) +
-                                     "' WHERE id=" + std::to_string(*letter - 'a' + 1)),
-                      "ok");
-        }
+    for (const std::string notes : {"1", "x", "3", "4"}) {
+        ASSERT_EQ(statement_->outcome("INSERT INTO tree (notes) VALUES ('" + notes + "')"), "ok");
     }
+    std::array<Row, 4> rows{};
+    std::array<SQLUSMALLINT, 4> status{};
+    SQLULEN fetched = 0;
+    char* const first = reinterpret_cast<char*>(rows.data());
+    const auto member = [&](std::size_t offset) { return reinterpret_cast<SQLLEN*>(first + offset); };
+    askForRowsets(4, status.data(), fetched);
+    set(SQL_ATTR_ROW_BIND_TYPE, sizeof(Row));
+    SQLBindCol(handle_, 1, SQL_C_SLONG, first, 0, member(offsetof(Row, numberLength)));
+    SQLBindCol(handle_, 2, SQL_C_CHAR, first + offsetof(Row, text), sizeof Row::text,
+               member(offsetof(Row, textLength)));
+    ASSERT_EQ(statement_->run("SELECT notes,id FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(statement_->diagnosis().state, "22018");
+    EXPECT_EQ(fetched, 4U);
+    EXPECT_EQ(status, (std::array<SQLUSMALLINT, 4>{SQL_ROW_SUCCESS, SQL_ROW_ERROR, SQL_ROW_SUCCESS, SQL_ROW_SUCCESS}));
+    EXPECT_STREQ(rows[3].text, "4");
+    EXPECT_EQ(std::memcmp(&rows[3].number, "\x04\0\0", 4), 0);
+    const SQLLEN length = rows[3].textLength;
+    EXPECT_EQ(length, 1);
+    for (const char letter : {'a', 'b', 'c'}) {
+        const std::string id = std::to_string(letter - 'a' + 1);
+        ASSERT_EQ(statement_->outcome("UPDATE tree SET notes='" + std::string(9000, letter) + "' WHERE id=" + id),
+                  "ok");
+    }
+    statement_.reset();
+    ASSERT_EQ(SQLDisconnect(connection_.handle()), SQL_SUCCESS);
+
     // The second row's memo loses a page: reading it fails, and the rows around it are as good as before.
-    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    std::fstream file(file_, std::ios::binary | std::ios::in | std::ios::out);
     const std::string content{std::istreambuf_iterator<char>(file), {}};
-    constexpr std::size_t pageSize = 4096;
     std::string lost;
     for (int i = 0; i < 1000; ++i) lost += {'b', '\0'};
     const std::size_t at = content.find(lost);
     ASSERT_NE(at, std::string::npos);
-    const std::size_t page = at / pageSize * pageSize;
-    file.seekp(static_cast<std::streamoff>(page));
+    constexpr std::size_t pageSize = 4096;
+    file.seekp(static_cast<std::streamoff>(at / pageSize * pageSize));
     file.write(std::string(pageSize, '\0').data(), pageSize);
     file.close();
 
-    ClientConnection connection;
-    ASSERT_TRUE(SQL_SUCCEEDED(connection.open(path)));
-    ClientStatement reader(connection);
+    openFile();
     std::array<SQLINTEGER, 3> ids{};
-    std::array<SQLUSMALLINT, 3> status{};
-    SQLULEN fetched = 0;
-    SQLSetStmtAttr(reader.handle(), SQL_ATTR_ROW_ARRAY_SIZE, attribute(3), 0);
-    SQLSetStmtAttr(reader.handle(), SQL_ATTR_ROW_STATUS_PTR, status.data(), 0);
-    SQLSetStmtAttr(reader.handle(), SQL_ATTR_ROWS_FETCHED_PTR, &fetched, 0);
-    SQLBindCol(reader.handle(), 2, SQL_C_SLONG, ids.data(), 0, nullptr);
-    ASSERT_EQ(reader.run(columns), SQL_SUCCESS);
-    EXPECT_EQ(SQLFetch(reader.handle()), SQL_SUCCESS_WITH_INFO);
-    EXPECT_EQ(reader.diagnosis().native, -1009) << "damaged";
+    askForRowsets(3, status.data(), fetched);
+    set(SQL_ATTR_MAX_ROWS, 4);
+    SQLBindCol(handle_, 2, SQL_C_SLONG, ids.data(), 0, nullptr);
+    ASSERT_EQ(statement_->run("SELECT notes,id FROM tree"), SQL_SUCCESS);
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS_WITH_INFO);
+    EXPECT_EQ(statement_->diagnosis().native, -1009) << "damaged";
     EXPECT_EQ(fetched, 2U);
     EXPECT_EQ(ids[0], 1);
-    EXPECT_EQ(status, (std::array<SQLUSMALLINT, 3>{SQL_ROW_SUCCESS, SQL_ROW_ERROR, SQL_ROW_NOROW}));
-    EXPECT_EQ(SQLFetch(reader.handle()), SQL_SUCCESS);
+    EXPECT_EQ(status, (std::array<SQLUSMALLINT, 4>{SQL_ROW_SUCCESS, SQL_ROW_ERROR, SQL_ROW_NOROW, SQL_ROW_SUCCESS}));
+    EXPECT_EQ(SQLFetch(handle_), SQL_SUCCESS);
     EXPECT_EQ(fetched, 2U);
     EXPECT_EQ(ids[0], 3);
     EXPECT_EQ(ids[1], 4);
-    EXPECT_EQ(SQLFetch(reader.handle()), SQL_NO_DATA);
+    EXPECT_EQ(SQLFetch(handle_), SQL_NO_DATA);
 }
 
-TEST_F(RowsetTest, OldApplicationsAndNames) {
-    SQLHENV environment = nullptr;
-    SQLHDBC old = nullptr;
-    SQLHSTMT statement = nullptr;
-    SQLAllocHandle(SQL_HANDLE_ENV, nullptr, &environment);
-    SQLSetEnvAttr(environment, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC2), 0);
-    SQLAllocHandle(SQL_HANDLE_DBC, environment, &old);
-    const std::string where = "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + (folder() / "a.cav").string() +
+TEST_F(RowsetTest, OldApplicationsAndCursorNames) {
+    ClientConnection old(SQL_OV_ODBC2);
+    const std::string where = "DRIVER={Microsoft Access Driver (*.mdb)};DBQ=" + file_.string() +
                               ";PWD=" + jet::cavPassword + std::string(1, '\0');
-    ASSERT_TRUE(SQL_SUCCEEDED(SQLDriverConnect(old, nullptr, chars(where), static_cast<SQLSMALLINT>(where.size()),
-                                               nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT)))
+    ASSERT_TRUE(
+        SQL_SUCCEEDED(SQLDriverConnect(old.handle(), nullptr, chars(where), static_cast<SQLSMALLINT>(where.size()),
+                                       nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT)))
         << "a zero at the end is no part of the text";
-    SQLAllocHandle(SQL_HANDLE_STMT, old, &statement);
-    EXPECT_EQ(SQLExecDirect(statement, chars("UPDATE tree SET name='x' WHERE id=99"), SQL_NTS), SQL_SUCCESS);
-    SQLHSTMT named = nullptr;
-    SQLHSTMT other = nullptr;
-    SQLAllocHandle(SQL_HANDLE_STMT, old, &named);
-    SQLAllocHandle(SQL_HANDLE_STMT, old, &other);
+    ClientStatement named(old);
+    ClientStatement other(old);
+    EXPECT_EQ(ClientStatement(old).run("UPDATE tree SET name='x' WHERE id=99"), SQL_SUCCESS);
     std::array<SQLCHAR, 32> name{};
-    EXPECT_EQ(SQLGetCursorName(named, name.data(), name.size(), nullptr), SQL_SUCCESS);
+    EXPECT_EQ(SQLGetCursorName(named.handle(), name.data(), name.size(), nullptr), SQL_SUCCESS);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(name.data())).substr(0, 7), "SQL_CUR");
-    EXPECT_EQ(SQLSetCursorName(named, chars("animals"), SQL_NTS), SQL_SUCCESS);
-    EXPECT_EQ(SQLSetCursorName(other, chars("ANIMALS"), SQL_NTS), SQL_ERROR);
-    EXPECT_EQ(diagnosisOf(SQL_HANDLE_STMT, other).state, "3C000");
-    EXPECT_EQ(SQLForeignKeys(other, nullptr, 0, nullptr, 0, chars("tree"), 4, nullptr, 0, nullptr, 0, nullptr, 0),
-              SQL_SUCCESS);
-    EXPECT_EQ(SQLFetch(other), SQL_NO_DATA);
-    SQLFreeStmt(other, SQL_CLOSE);
-    EXPECT_EQ(SQLTablePrivileges(other, nullptr, 0, nullptr, 0, chars("tree"), 4), SQL_SUCCESS);
-    EXPECT_EQ(SQLFetch(other), SQL_SUCCESS);
-    SQLDisconnect(old);
-    SQLFreeHandle(SQL_HANDLE_DBC, old);
-    SQLFreeHandle(SQL_HANDLE_ENV, environment);
+    EXPECT_EQ(SQLSetCursorName(named.handle(), chars("animals"), SQL_NTS), SQL_SUCCESS);
+    EXPECT_EQ(SQLSetCursorName(other.handle(), chars("ANIMALS"), SQL_NTS), SQL_ERROR);
+    EXPECT_EQ(other.diagnosis().state, "3C000");
+    EXPECT_EQ(SQLTablePrivileges(other.handle(), nullptr, 0, nullptr, 0, chars("tree"), 4), SQL_SUCCESS);
+    EXPECT_EQ(other.rows().size(), 4U);
 }
 
 }  // namespace
