@@ -109,6 +109,7 @@ TEST_F(EntryPoint, AChildProcessCantUseTheConnectionOfItsParent) {
     int status = -1;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
+    EXPECT_TRUE(std::filesystem::exists(folder() / "a.ldb")) << "the parent's lock file";
     EXPECT_EQ(run(statement, chars(insert), SQL_NTS), SQL_SUCCESS);
     EXPECT_EQ(end(SQL_HANDLE_DBC, connection, SQL_COMMIT), SQL_SUCCESS);
     for (const auto& [type, handle] : {std::pair{SQL_HANDLE_STMT, statement},
