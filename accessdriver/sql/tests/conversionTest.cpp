@@ -296,4 +296,15 @@ TEST(DecimalTest, ReadsExactlyAndRoundsHalfToEven) {
               (jet::Bytes{0x80, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}));
 }
 
+TEST(DecimalTest, SumsAreExact) {
+    const std::string nines(38, '9');
+    EXPECT_EQ(sql::exactSum("256", "1", true), "255");
+    EXPECT_EQ(sql::exactSum("1", "65536.5", true), "-65535.5");
+    EXPECT_EQ(sql::exactSum("-1.50", "1.5", false), "0.00");
+    EXPECT_EQ(sql::exactSum("99999999999999999999.5", "0.55", false), "100000000000000000000.05");
+    EXPECT_EQ(sql::exactSum("-255", "1", true), "-256");
+    EXPECT_EQ(sql::exactSum(nines, "1", false), std::nullopt);
+    EXPECT_EQ(sql::exactSum("-" + nines, nines, false), "0");
+}
+
 }  // namespace
