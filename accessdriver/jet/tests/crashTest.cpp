@@ -17,7 +17,10 @@ namespace {
 
 class CrashTest : public FileTest {
   protected:
-    CrashTest() { makeFile(path, {"", {everyType()}}); }
+    void SetUp() override {
+        if (!replacesSystemCalls) GTEST_SKIP() << "no write can be made to fail here";
+        makeFile(path, {"", {everyType()}});
+    }
 
     // Commits groups of rows, the number of a group in its column "whole"; after each commit a byte goes to the pipe.
     static void work(const std::string& path, int pipe, int groups, int groupSize) {
@@ -162,7 +165,6 @@ TEST_F(CrashTest, RestoringMayBeInterrupted) {
     }
 }
 
-#ifdef __linux__
 TEST_F(CrashTest, WhatDidNotReachTheDiskIsToldAndTriedAgain) {
     {
         const auto database = Database::open(path, "");
@@ -184,7 +186,6 @@ TEST_F(CrashTest, WhatDidNotReachTheDiskIsToldAndTriedAgain) {
     EXPECT_EQ(readWhole(path + "-jetjournal"), journal) << "it may still be needed";
     EXPECT_EQ(findings(*Database::open(path, "")), "");
 }
-#endif
 
 // After a crash the file was replaced, or the journal lies: playing it back would destroy a sound file.
 TEST_F(CrashTest, AJournalOfAnotherFileIsRefused) {

@@ -1,5 +1,19 @@
 #include "accessdriver/jet/tests/systemCalls.h"
 
+namespace {
+
+jet::test::WriteHook writeHook;
+bool syncFails = false;
+
+}  // namespace
+
+namespace jet::test {
+
+void setWriteHook(WriteHook hook) { writeHook = std::move(hook); }
+void setSyncFails(bool fails) { syncFails = fails; }
+
+}  // namespace jet::test
+
 #ifdef __linux__
 
 #include <cerrno>
@@ -11,9 +25,6 @@
 #endif
 
 namespace {
-
-jet::test::WriteHook writeHook;
-bool syncFails = false;
 
 bool isRefused(int descriptor, off_t at, std::span<const iovec> pieces) {
     const int error = writeHook ? writeHook(descriptor, at, pieces) : 0;
@@ -39,12 +50,5 @@ extern "C" int fsync(int descriptor) {
     errno = EIO;
     return -1;
 }
-
-namespace jet::test {
-
-void setWriteHook(WriteHook hook) { writeHook = std::move(hook); }
-void setSyncFails(bool fails) { syncFails = fails; }
-
-}  // namespace jet::test
 
 #endif

@@ -11,8 +11,15 @@ namespace jet::test {
 /// a hook may also write a part and end the process.
 using WriteHook = std::function<int(int descriptor, off_t at, std::span<const iovec> pieces)>;
 
-/// Sets the hook; an empty one removes it. The functions of the system are replaced on Linux only, so tests that set a
-/// hook are compiled there alone.
+/// Whether the functions of the system are replaced, which they are on Linux only. Tests that need it are skipped
+/// elsewhere.
+#ifdef __linux__
+inline constexpr bool replacesSystemCalls = true;
+#else
+inline constexpr bool replacesSystemCalls = false;
+#endif
+
+/// Sets the hook; an empty one removes it.
 void setWriteHook(WriteHook hook);
 
 /// Whether fsync fails with EIO.
