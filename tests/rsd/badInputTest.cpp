@@ -1,32 +1,22 @@
 // Sources and texts that nobody should have to convert: never a crash, a hang or another file touched.
 
 #include "shell/state/appSystem.h"
+#include "tests/rsd/importFixture.h"
 #include "tests/support/fileSizeLimit.h"
-#include "tests/support/programFixture.h"
-#include "tests/support/sqlFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using namespace std::string_literals;
-using Texts = std::vector<std::string>;
 
-class BadInput : public ProgramTest {
+class BadInput : public ImportTest {
   protected:
-    /// Converts a text to RSD, and back if that worked; every file but the new ones stays as it was.
+    /// Imports a text in place of an earlier result, and returns the texts of the boxes.
     Texts convertText(const std::string& text, std::deque<std::string> answers = {}) {
-        driver.boxes.clear();
-        driver.answers = std::move(answers);
-        fs::remove(path("herd.cax"));
         const std::string neighbour = write("neighbour.csv", "untouched");
-        convert("Csv", "Rsd", write("herd.csv", text));
-        EXPECT_EQ(read(path("herd.csv")), text);
+        importAnew(text, std::move(answers));
         EXPECT_EQ(read(neighbour), "untouched");
         return boxTexts();
-    }
-
-    Texts tree(const std::string& columns) {
-        return SqlFile(path("herd.cax")).rows("SELECT " + columns + " FROM tree ORDER BY id");
     }
 };
 
@@ -86,7 +76,7 @@ TEST_F(BadInput, ADiskThatIsFullBeforeAllRowsAreInEndsTheImportWithTheReason) {
     }
 }
 
-TEST_F(BadInput, ANameTooLongForItsJournalIsToldAndMakesNoFile) {
+TEST_F(BadInput, ANameTooLongForItsJournalIsReportedAndMakesNoFile) {
     const std::string name(248, 'x');
     convert("Csv", "Rsd", write(name + ".csv", "name,sex\nAda,f\n"));
     EXPECT_EQ(boxTexts(), Texts{"Database Error: 14\n\nthe name of the new file is too long"});

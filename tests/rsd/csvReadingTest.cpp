@@ -3,13 +3,11 @@
 #include "platform/desktop/yield.h"
 #include "shell/state/appSystem.h"
 #include "shell/state/publicVariables.h"
-#include "tests/support/programFixture.h"
-#include "tests/support/sqlFile.h"
+#include "tests/rsd/importFixture.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using Texts = std::vector<std::string>;
 
 constexpr const char* completed = "Operation completed";
 constexpr const char* tips =
@@ -21,23 +19,8 @@ constexpr const char* noName =
     "The program cannot determine which column contains the animal name. Open your CSV file and make sure your first "
     "row contains the column headers. Rename the animal name column -   NAME\nSee Help for more details.";
 
-class CsvReading : public ProgramTest {
+class CsvReading : public ImportTest {
   protected:
-    /// Converts a text to RSD; the boxes are those of this conversion alone.
-    void import(const std::string& text, std::deque<std::string> answers = {}) {
-        driver.boxes.clear();
-        driver.answers = std::move(answers);
-        fs::remove(path("herd.cax"));
-        convert("Csv", "Rsd", write("herd.csv", text));
-        EXPECT_TRUE(driver.answers.empty());
-    }
-
-    Texts tree(const std::string& columns) {
-        return SqlFile(path("herd.cax")).rows("SELECT " + columns + " FROM tree ORDER BY id");
-    }
-    std::string settings(const std::string& columns) {
-        return SqlFile(path("herd.cax")).value("SELECT " + columns + " FROM settings");
-    }
     std::string reportPath() const { return path("Desktop/Converter Errors.txt"); }
 };
 
@@ -51,17 +34,17 @@ TEST_F(CsvReading, ACleanFileRaisesNoQuestionAndShowsNothingWhileItIsRead) {
     yielding::setPump(yielding::Pump::everyCall);
     bool shown = false;
     driver.onEveryTurn([&] { shown = shown || driver.isOpen("frmWait"); });
-    import("name,sex\n");
+    importAnew("name,sex\n");
     EXPECT_FALSE(shown);
     // No comma in the headings: an empty line is as good as any.
     appSystem::CSVa = TextGrid(appSystem::CSVa.rowCount(), appSystem::CSVa.columnCount());
-    import("name\nAda\n\nBob\n", {"Yes"});
+    importAnew("name\nAda\n\nBob\n", {"Yes"});
     EXPECT_EQ(tree("name"), (Texts{"Ada", "", "Bob"}));
     EXPECT_FALSE(fs::exists(reportPath()));
 }
 
 TEST_F(CsvReading, StoppingAtTheFirstBadLineShowsTheTipsAndLeavesEmptyTables) {
-    import("name,sex\nAda,f\n\nBob,m,x\n", {"Yes"});
+    importAnew("name,sex\nAda,f\n\nBob,m,x\n", {"Yes"});
     ASSERT_EQ(driver.boxes.size(), 2U);
     EXPECT_EQ(driver.boxes[0].title, "Invalid file");
     EXPECT_EQ(driver.boxes[0].buttons.size(), 2U);
@@ -89,7 +72,7 @@ TEST_F(CsvReading, TheReportListsEveryBadLineByteForByte) {
     std::string preview55;
     for (int i = 0; i < 55; ++i) preview55 += "\xC3\xA9";
     const std::string csv = "name,sex\n\"Ada, the first\",f\nBob,m\n" + longLine + "\n  \"x\"  \r\nEve,f,,\n";
-    import(csv, {"No", "Yes"});
+    importAnew(csv, {"No", "Yes"});
     const std::string pad(13, ' ');
     EXPECT_EQ(read(reportPath()), "There are 2 commas in row 2 which is more than in the headings row (1)\n" + pad +
                                       "[ Ada, the first,f... ]\n"
@@ -108,18 +91,18 @@ TEST_F(CsvReading, TheReportListsEveryBadLineByteForByte) {
     EXPECT_EQ(tree("count(*)"), Texts{"0"});
     EXPECT_FALSE(driver.isOpen("frmWait"));
 
-    import(csv, {"No", "No"});
+    importAnew(csv, {"No", "No"});
     EXPECT_EQ(tree("name || '|' || sex"),
               (Texts{"Ada|undefined", "Bob|male", longLine + "|undefined", "x|undefined", "Eve|female"}))
         << "bad lines come in as their fields fell";
     const std::string report = read(reportPath());
-    import("name,sex\nAda,f\n");
+    importAnew("name,sex\nAda,f\n");
     EXPECT_EQ(read(reportPath()), report) << "a clean file leaves an old report alone";
 }
 
 TEST_F(CsvReading, LinesEndInEveryWay) {
     for (const std::string end : {"\n", "\r\n", "\r"}) {
-        import("\xEF\xBB\xBFname,sex" + end + "Ada,f" + end + "Bob,m");
+        importAnew("\xEF\xBB\xBFname,sex" + end + "Ada,f" + end + "Bob,m");
         EXPECT_EQ(tree("name || sex"), (Texts{"Adafemale", "Bobmale"}));
     }
 }
@@ -159,37 +142,37 @@ TEST_F(CsvReading, EachHeadingWordFeedsItsField) {
             for (char& c : spelt) c = static_cast<char>(toupper(c));
             for (const std::string& heading : {word, " \" " + spelt + " \""}) {
                 const bool isName = std::string(row.column) == "name";
-                import((isName ? "sex," : "sex,name,") + heading + "\n" + (isName ? "f,99\n" : "f,x,99\n"));
+                importAnew((isName ? "sex," : "sex,name,") + heading + "\n" + (isName ? "f,99\n" : "f,x,99\n"));
                 EXPECT_EQ(tree(row.column), Texts{"99"}) << heading;
             }
         }
     }
     for (const char* word : {"dob", "birthdate", "born", "birth date"}) {
-        import(std::string("sex,name,") + word + "\nf,x,3/4/2010\n");
+        importAnew(std::string("sex,name,") + word + "\nf,x,3/4/2010\n");
         EXPECT_EQ(tree("dob"), Texts{"2010-04-03"}) << word;
     }
     for (const char* word :
          {"date purchased", "purchased date", "purchase date", "date of purchase", "bought", "date bought"}) {
-        import(std::string("sex,name,") + word + "\nf,x,2010-04-03 at noon\n");
+        importAnew(std::string("sex,name,") + word + "\nf,x,2010-04-03 at noon\n");
         EXPECT_EQ(tree("DateBought"), Texts{"2010-04-03 at noon"}) << word;
     }
 }
 
 TEST_F(CsvReading, TheLaterOfTwoColumnsWinsAndAnEmptyHeadingEndsTheScan) {
-    import("name,sire,sex,boar,,breed\nAda,first,f,second,,Boxer\n");
+    importAnew("name,sire,sex,boar,,breed\nAda,first,f,second,,Boxer\n");
     EXPECT_EQ(tree("ps || '|' || breed"), Texts{"second|"});
-    import("colour,breed\nred,Boxer\n");
+    importAnew("colour,breed\nred,Boxer\n");
     EXPECT_EQ(boxTexts(), Texts{noName});
     EXPECT_EQ(tree("count(*)"), Texts{"0"});
     EXPECT_FALSE(publicVariables::noSexColumn || publicVariables::noPS) << "nothing further is checked";
-    import(",name\nx,Ada\n");
+    importAnew(",name\nx,Ada\n");
     EXPECT_EQ(boxTexts(), Texts{noName});
-    import("");
+    importAnew("");
     EXPECT_EQ(boxTexts(), Texts{noName});
 }
 
 TEST_F(CsvReading, UnknownHeadingsTakeTheFreeCustomFields) {
-    import("name,sex,Eyes,customfield2,Coat's,2,user field1\nAda,f,blue,a,smooth,b,c\n");
+    importAnew("name,sex,Eyes,customfield2,Coat's,2,user field1\nAda,f,blue,a,smooth,b,c\n");
     EXPECT_EQ(settings("CustomName1, CustomName2, CustomName3, CustomName4"), "eyes|NULL|coat`s|NULL");
     EXPECT_EQ(tree("customField1, customField2, customField3"), Texts{"c|b|smooth"})
         << "a numbered heading takes a field that an earlier column had";
@@ -202,7 +185,7 @@ TEST_F(CsvReading, TheSixteenthUnknownHeadingIsWarnedOf) {
         headings += ",Field " + std::string(1, static_cast<char>('A' + i - 1));
         cells += ",v" + std::to_string(i);
     }
-    import(headings + "\n" + cells + "\n", {"Yes"});
+    importAnew(headings + "\n" + cells + "\n", {"Yes"});
     EXPECT_EQ(driver.boxes[0].title, "Before you begin!");
     EXPECT_EQ(driver.boxes[0].text,
               "The column(s)  Field P, Field Q will not be imported unless you assign an existing Tolvaris field name "
@@ -211,7 +194,7 @@ TEST_F(CsvReading, TheSixteenthUnknownHeadingIsWarnedOf) {
     EXPECT_EQ(settings("CustomName1, CustomName15, Version"), "field a|field o|20402");
     EXPECT_EQ(tree("customField1, CustomField15"), Texts{"v1|v15"});
     for (const char* no : {"No", "Close"}) {
-        import(headings + "\n" + cells + "\n", {no});
+        importAnew(headings + "\n" + cells + "\n", {no});
         EXPECT_EQ(driver.boxes.size(), 1U);
         EXPECT_EQ(tree("count(*)"), Texts{"0"});
         EXPECT_EQ(settings("CustomName15, Version"), "field o|NULL") << "headings stay";
@@ -219,19 +202,19 @@ TEST_F(CsvReading, TheSixteenthUnknownHeadingIsWarnedOf) {
 }
 
 TEST_F(CsvReading, LeftOversOfAWiderAndLongerFileBeforeComeInAgain) {
-    import("name,sex,breed,colour\nAda,f,Boxer,red\nBob,m,Collie,blue\nCid,m,Pug,grey\n");
-    import("name,sex\nEve,f\n");
+    importAnew("name,sex,breed,colour\nAda,f,Boxer,red\nBob,m,Collie,blue\nCid,m,Pug,grey\n");
+    importAnew("name,sex\nEve,f\n");
     EXPECT_EQ(tree("name, breed, colour"), (Texts{"Eve|Boxer|red", "Bob|Collie|blue", "Cid|Pug|grey"}))
         << "the grid is never cleared";
-    import("name,sex,\nEve,f,\n,,\n,,\n");
+    importAnew("name,sex,\nEve,f,\n,,\n,,\n");
     EXPECT_EQ(tree("name, breed, colour"), Texts{"Eve||"});
 }
 
 TEST_F(CsvReading, AFlagOnceRaisedStaysRaised) {
-    import("name\nAda\n", {"Yes"});
+    importAnew("name\nAda\n", {"Yes"});
     EXPECT_EQ(driver.boxes[0].title, "Missing field");
     EXPECT_TRUE(publicVariables::noSexColumn && publicVariables::noPS && publicVariables::noPd);
-    import("name,sex,sire,dam\nAda,f,,\n", {"Yes"});
+    importAnew("name,sex,sire,dam\nAda,f,,\n", {"Yes"});
     EXPECT_EQ(driver.boxes[0].title, "Missing field") << "though this file has its sexes";
     EXPECT_EQ(tree("sex"), Texts{"female"});
 }
@@ -239,7 +222,7 @@ TEST_F(CsvReading, AFlagOnceRaisedStaysRaised) {
 TEST_F(CsvReading, TheLastColumnFeedsEveryFieldWithoutOne) {
     std::string headings = "name,sex", cells = "Ada,f";
     for (int i = 3; i <= 70; ++i) headings += ",breed", cells += ",Boxer";
-    import(headings + ",colour\n" + cells + ",male\n");
+    importAnew(headings + ",colour\n" + cells + ",male\n");
     EXPECT_EQ(tree("name, colour, breed, sex, tag, dob"), Texts{"Ada|male|Boxer|female|male|"});
     EXPECT_EQ(boxTexts(), Texts{completed});
 }
