@@ -5,19 +5,18 @@
 
 class OdbcConnection;
 
-/// The CAV file: an Access database that the record-keeping product made, reached through ODBC and only ever written
-/// to.
+/// The CAV file: an Access database that the record-keeping product made. It is reached through ODBC and only written.
 namespace cavStore {
 
-/// How every `tree` statement begins, up to the first value's quote. The missing blank before VALUES is how it is sent.
+/// Returns how every INSERT into `tree` begins, up to the first value's quote. There is no blank before VALUES.
 std::string_view insertTreeOpening();
 
-/// Gives the connection the data source of destinationFilePath and connects. If that fails, a beep and a box tell the
-/// driver's code and message, and false comes back. In the same way a path is refused, before anything is connected,
-/// that would be more than a path in the data source, or that leads to the file to convert.
+/// Connects to the file at destinationFilePath. If that fails, reports the driver's code and message in a box and
+/// returns false. A path that would be more than a path in the connection string, or that leads to the file to convert,
+/// is reported in the same way before anything is connected.
 bool openConnection(OdbcConnection& connection);
 
-/// Tells that a row was lost because the connection is gone.
+/// Reports in a box that a row was lost because the connection is gone.
 void reportLostRow();
 
 }  // namespace cavStore

@@ -6,10 +6,10 @@ class Database;
 
 namespace stores {
 
-/// A beep, and a box with the code and the message of the database's last error.
+/// Beeps, and shows a box with the code and the message of the database's last error.
 void reportDatabaseError(const Database& database);
 
-/// The same for a refusal of our own.
+/// Does the same for an error that the program itself found.
 void reportDatabaseError(int code, const std::string& message);
 
 }  // namespace stores

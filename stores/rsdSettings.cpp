@@ -49,8 +49,8 @@ std::string getRsdCustomHeading(std::string_view field) {
 namespace convertCsvToRsd {
 namespace {
 
-/// The record set is gone when this returns: one that stands on a row would lock the file against the connection that
-/// saves a new row.
+/// Returns the id of the first row, 0 without a row. The record set is closed on return: while it is on a row, it would
+/// lock the file against the connection that saves a new row.
 std::int64_t firstId(SQLiteDatabase& database) {
     const auto records = database.select("SELECT id FROM settings");
     if (!records) throw NullReference("the settings");

@@ -6,7 +6,7 @@
 /// The one row of `settings` in an RSD file: the breeder's names for the custom fields, and the file's version.
 namespace appSystem {
 
-/// Stamps the file in dataPath with the version of its format. Raises NullReference if `settings` cannot be read.
+/// Writes the version of the format into the file in dataPath. Raises NullReference if `settings` cannot be read.
 void UpdateVersion();
 
 /// The breeder's name for a custom field, given as "CustomField1" to "CustomField12"; empty for any other field and for

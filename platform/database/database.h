@@ -12,8 +12,8 @@
 
 class RecordSet;
 
-/// One column of a record set's current row. It reads nothing but empty values where there is no row. A text view is
-/// good until the record set moves.
+/// One column of a record set's current row. Without a row, every value is empty. A text view is valid until the record
+/// set moves.
 class Field {
   public:
     Field(RecordSet& records, int column) : records_(&records), column_(column) {}
@@ -49,7 +49,7 @@ class RecordSet {
     /// Raises DatabaseFailure if the store can't read on; the record set is at its end then.
     virtual void moveNext() = 0;
 
-    /// Number of rows of the whole result, 0 where the store cannot tell.
+    /// Returns the number of rows of the whole result; 0 if the store has no count or counting failed.
     virtual std::int64_t recordCount() = 0;
 
     /// The column of that name, in any letter case; nothing if the result has no such column.
@@ -71,7 +71,7 @@ class RecordSet {
     void setColumns(const std::vector<std::string>& names);
 
     virtual std::string_view columnText(int column) = 0;
-    /// A store that holds numbers need not go by way of the text.
+    /// Overridden by a store that holds numbers, to save the conversion through text.
     virtual std::int64_t columnInteger(int column);
     virtual void setColumnText(int column, std::string_view value);
 
@@ -84,24 +84,25 @@ class RecordSet {
     };
     int findColumn(std::string_view name) const;
 
-    /// Open addressing over lower-cased names; the first of two columns of one name wins.
+    /// Hash table with open addressing over lower-cased names; the first of two columns of one name wins.
     std::vector<Slot> slots_;
 
-    /// What field() was asked for and found, in turn: whoever walks over the rows asks for the same columns in the same
-    /// order.
+    /// The names that field() was asked for, in order, and what it found: callers that walk over rows ask for the same
+    /// columns in the same order.
     std::vector<Slot> asked_;
     std::size_t turn_ = 0;
 };
 
-/// A connection to a store of either kind. A statement that the store refuses raises nothing: it sets the error code
-/// and message, and a select then gives no record set.
+/// A connection to a store, over SQLite or ODBC. A statement that the store refuses raises nothing. It sets the error
+/// code and message, and a select then returns no record set.
 class Database {
   public:
     virtual ~Database() = default;
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
 
-    /// Opens the connection. On one that is already open: whether it is still good.
+    /// Opens the connection and returns whether that succeeded; if it is open already, returns whether it is still
+    /// usable.
     virtual bool connect() = 0;
 
     /// Positioned on the first row; null if the statement is refused or there is no connection.
@@ -109,7 +110,7 @@ class Database {
 
     virtual void execute(std::string_view sql) = 0;
 
-    /// Makes what was executed so far permanent.
+    /// Commits the open transaction, if there is one.
     virtual void commit() = 0;
 
     virtual int errorCode() const = 0;

@@ -40,7 +40,7 @@ class SQLiteRecordSet : public RecordSet {
 
     std::int64_t recordCount() override {
         if (count_ < 0) {
-            // Not count(*), which is one long instruction of the library without a turn in it.
+            // count(*) would be one instruction of the library, during which no progress handler is called.
             auto counter = connection_->prepare("SELECT count(1) FROM (" + sql_ + "\n)");
             const bool counted = counter && connection_->step(counter.get()) == SQLITE_ROW;
             count_ = counted ? sqlite3_column_int64(counter.get(), 0) : 0;

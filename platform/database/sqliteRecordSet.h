@@ -8,7 +8,7 @@
 
 namespace detail {
 
-/// The record set of a select that has been stepped once; `atEnd` tells that this gave no row.
+/// Returns the record set of a select that has been stepped once; `atEnd` is true if that gave no row.
 std::shared_ptr<RecordSet> makeRecordSet(std::shared_ptr<SQLiteConnection> connection, StatementHandle statement,
                                          std::string_view sql, bool atEnd);
 

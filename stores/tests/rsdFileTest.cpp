@@ -63,7 +63,7 @@ TEST_F(RsdStore, DeclaredTypesHaveTheirEffect) {
     EXPECT_EQ(file.value("SELECT suffixColour FROM print"), "007");
 }
 
-TEST_F(RsdStore, ARecordIsSavedOrItsFailureIsTold) {
+TEST_F(RsdStore, ARecordIsSavedOrItsFailureIsReported) {
     DatabaseRecord record;
     record.setColumn("Stud", "O'Hara\"; --");
     EXPECT_THROW(saveToFile(record, "settings"), NullReference) << "there is no database to ask for its message";

@@ -87,7 +87,7 @@ TEST_F(Process, LeavesNoFileButTheNewOne) {
         << "settings of the toolkit's dialogs";
 }
 
-TEST_F(Process, TellsAFailureThatNothingStoppedAndEndsWithOne) {
+TEST_F(Process, ReportsAFailureThatNothingCaughtAndEndsWithExitCodeOne) {
     fs::create_directory(path("folder.csv"));
     fs::create_symlink(path("nowhere"), path("dangling.csv"));
     fs::create_symlink("/dev/zero", path("device.csv"));
