@@ -20,7 +20,7 @@ TEST_F(RsdStore, NoNameMeansMemory) {
     SQLiteDatabase file;
     file.DatabaseFile = FileReference(":memory:");
     EXPECT_TRUE(file.createDatabaseFile());
-    EXPECT_TRUE(std::filesystem::is_regular_file(path(":memory:")));
+    EXPECT_GT(std::filesystem::file_size(path(":memory:")), 0U);
     std::filesystem::current_path(before);
 }
 
