@@ -32,7 +32,11 @@ Look darkDesktop(const std::filesystem::path& output) {
     std::ofstream(folder / "qt6ct" / "qt6ct.conf") << "[Appearance]\ncustom_palette=true\nstyle=Fusion\n"
                                                       "color_scheme_path=/usr/share/qt6ct/colors/darker.conf\n"
                                                       "[Fonts]\ngeneral=\"DejaVu Serif,16\"\n";
-    return {"dark", {{"QT_QPA_PLATFORMTHEME", "qt6ct"}, {"XDG_CONFIG_HOME", folder.string()}}};
+    // qt6ct 0.10 reports each of its calls.
+    return {"dark",
+            {{"QT_QPA_PLATFORMTHEME", "qt6ct"},
+             {"XDG_CONFIG_HOME", folder.string()},
+             {"QT_LOGGING_RULES", "*.debug=false"}}};
 }
 
 std::vector<Look> looks(const std::filesystem::path& output) {

@@ -82,7 +82,15 @@ TEST_F(Process, LeavesNoFileButTheNewOne) {
     fs::remove(path("Desktop"));
     EXPECT_EQ(run("look at every window").code, 0);
     std::set<std::string> left;
-    for (const auto& entry : fs::recursive_directory_iterator(path(""))) left.insert(entry.path().filename().string());
+    for (fs::recursive_directory_iterator entry(path("")); entry != fs::recursive_directory_iterator(); ++entry) {
+        const std::string name = entry->path().filename().string();
+        // Where the system has no cache of its fonts, fontconfig makes one for the user.
+        if (name == ".cache") {
+            entry.disable_recursion_pending();
+        } else {
+            left.insert(name);
+        }
+    }
     EXPECT_EQ(left, (std::set<std::string>{"herd.csv", "herd.cax", "stderr.txt"}))
         << "settings of the toolkit's dialogs";
 }

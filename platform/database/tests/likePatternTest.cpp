@@ -15,13 +15,12 @@ std::string randomText(std::mt19937& random, const std::vector<std::string>& pie
     return text;
 }
 
-/// In earlier releases of SQLite, a `%` before U+0080 also finds its byte inside other letters, and an escape character
-/// `%` or `_` stays a wildcard. Seen in release 3.15.2, no longer in 3.40.1.
-bool libraryDiffers(const std::string& pattern, const std::string& escape) {
+/// In earlier releases of SQLite, a `%` before U+0080 also finds its byte inside other letters. Seen in release 3.15.2,
+/// no longer in 3.40.1.
+bool libraryDiffers(const std::string& pattern) {
     constexpr int firstAlike = 3040001;
     if (sqlite3_libversion_number() >= firstAlike) return false;
-    const bool hasU80 = LikePattern::decode(pattern).find(U'\x80') != std::u32string::npos;
-    return (hasU80 && pattern.find('%') != std::string::npos) || escape == "%" || escape == "_";
+    return LikePattern::decode(pattern).find(U'\x80') != std::u32string::npos && pattern.find('%') != std::string::npos;
 }
 
 }  // namespace
@@ -35,14 +34,15 @@ TEST(LikePatternTest, AgreesWithTheLibraryOnMalformedBytesToo) {
     std::mt19937 random(18);
     int matches = 0;
     for (int round = 0; round < 200'000; ++round) {
-        const std::string escape = round % 3 == 0 ? "\\" : round % 30 == 1 ? "_" : round % 30 == 2 ? "%" : "";
+        // Not `%` or `_`, which sqlite3_strlike() takes for wildcards and the operator LIKE does not.
+        const std::string escape = round % 3 == 0 ? "\\" : "";
         // Long texts reach patterns of several machine words.
         const int longest = round % 50 == 0 ? 200 : 7;
         std::string text = randomText(random, letters, longest);
         std::string pattern = randomText(random, patternPieces, longest);
         if (round % 4 == 0) pattern = text + pattern.substr(0, 3);
         if (round % 8 == 0) pattern.insert(pattern.size() / 2, "%");
-        if (libraryDiffers(pattern, escape)) continue;
+        if (libraryDiffers(pattern)) continue;
         const auto character = escape.empty() ? std::optional<char32_t>() : LikePattern::decode(escape).front();
         const bool expected = sqlite3_strlike(pattern.c_str(), text.c_str(), character.value_or(0)) == 0;
         const LikePattern compiled(pattern, character);
