@@ -44,8 +44,8 @@ struct Animal {
     std::string prefix;
 };
 
-/// How a line tells of one parent.
-struct Told {
+/// What a line says about one parent.
+struct ParentCells {
     std::string id;
     std::string name;
 };
@@ -106,7 +106,7 @@ class Herd {
 
     bool hasTwoParents() const { return kind_ == Kind::twoParents || kind_ == Kind::longNames; }
 
-    Told tell(const std::vector<Animal>& parents) {
+    ParentCells parentCells(const std::vector<Animal>& parents) {
         if (parents.empty() || (!hasTwoParents() && below(20) == 0)) return {};
         // Where names are long, an animal breeds for a while only, so that most of a herd become parents.
         const std::size_t choice =
@@ -139,8 +139,8 @@ class Herd {
         const int id = 10001 + number;
         const Animal animal{(below(10) == 0 ? "K" : "") + std::to_string(id), makeName(number),
                             kind_ == Kind::wildcards ? "" : oneOf(prefixes)};
-        const Told sire = tell(sires_);
-        const Told dam = tell(dams_);
+        const ParentCells sire = parentCells(sires_);
+        const ParentCells dam = parentCells(dams_);
         cell(animal.id);
         cell(animal.name);
         cell(animal.prefix);

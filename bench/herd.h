@@ -16,8 +16,8 @@ enum class Kind {
 /// without the sex. The same arguments give the same bytes on every machine.
 ///
 /// In a herd as breeders keep it, sires and dams come from earlier lines, one in thirty and one in eight animals breed.
-/// Parents are told by id, by name, by prefix and name, or by id and name; some are not in the file. Names have
-/// apostrophes and accents, stand within other names, and some come twice; ids are numbers, one in ten with a letter in
+/// Parents are given by id, by name, by prefix and name, or by id and name; some are not in the file. Names have
+/// apostrophes and accents, are parts of other names, and some come twice; ids are numbers, one in ten with a letter in
 /// front.
 std::string makeHerd(int animals, bool withSex, Kind kind = Kind::kept);
 

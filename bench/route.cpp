@@ -61,7 +61,7 @@ int main(int argumentCount, char** arguments) {
     if (argumentCount < 6) return 2;
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     setenv("LC_ALL", "en_GB.UTF-8", 1);
-    // The offscreen platform tells of each thing that it cannot do.
+    // The offscreen platform logs each thing that it cannot do.
     setenv("QT_LOGGING_RULES", "*=false", 1);
     const Clock::time_point started{std::chrono::nanoseconds(std::atoll(arguments[1]))};
     App app(argumentCount, arguments);

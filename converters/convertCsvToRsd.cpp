@@ -58,16 +58,16 @@ Outcome createFile(SQLiteDatabase& database) {
     return Outcome::endConversion;
 }
 
-/// False, and the reason told, once the file proved unusable.
+/// Returns whether the file is usable; if it has proved unusable, a box gives the reason.
 bool isUsable(SQLiteDatabase& database) {
     if (database.connect()) return true;
     showMessage(database.errorMessage());
     return false;
 }
 
-/// Commits what stands. Rows that the library has kept in memory may meet the full disk only here, all of them
+/// Commits. Rows that the library has kept in memory may meet the full disk only here, all of them
 /// together.
-Outcome settle(SQLiteDatabase& database) {
+Outcome commit(SQLiteDatabase& database) {
     database.commit();
     return isUsable(database) ? Outcome::goOn : Outcome::endConversion;
 }
@@ -80,7 +80,7 @@ Outcome writeRows(SQLiteDatabase& database, const ColumnMap& columnMap, const cs
         csvRows::report(row, columnMap);
         RuntimeBackgroundTask();
     }
-    return settle(database);
+    return commit(database);
 }
 
 /// Before a second connection is made: points connectData at the new file again, for a conversion that was started
@@ -114,14 +114,14 @@ void convertCSV() {
     if (columnRecognition::run(columnMap, extent, route) == Outcome::endConversion) return;
     if (writeRows(database, columnMap, extent) == Outcome::endConversion) return;
     appSystem::linkAnimals(database);
-    // A pass that ended early has left what it did uncommitted. It stands, and would lock out the second connection.
-    if (settle(database) == Outcome::endConversion) return;
+    // What is uncommitted would lock out the second connection.
+    if (commit(database) == Outcome::endConversion) return;
     const Outcome sexes =
         csvRows::inferSexes(database, "rsd",
                             "The converter cannot find a column for the animal's sex. Do you want to "
                             "determine the sex by whether it has been a father or mother in the past?");
     if (sexes == Outcome::endConversion) return;
-    if (settle(database) == Outcome::endConversion) return;
+    if (commit(database) == Outcome::endConversion) return;
     if (isThere(database)) {
         appSystem::connectData();
         appSystem::UpdateVersion();

@@ -7,7 +7,7 @@ namespace convertRsdToCsv {
 void runConvertRSDCSV();
 
 /// The export itself: a heading row, then one line for each row of `tree`, 28 fields each. No failure leaves this
-/// routine; one on the way ends it where it stands, and what was written stays.
+/// routine; one on the way ends it there, and what was written stays.
 void Export_Tree();
 
 }  // namespace convertRsdToCsv

@@ -67,7 +67,7 @@ const std::vector<Cell> oddIds{"'"s,
                                "1'; DELETE FROM tree; --"s,
                                "9' OR name LIKE 'b%"s};
 
-/// Names that stand within one another, in both cases, wildcards, and characters in well and badly formed bytes.
+/// Names that contain one another, in both cases, wildcards, and characters in well-formed and malformed bytes.
 const std::vector<std::string> pieces{"a",
                                       "A",
                                       "b",
