@@ -31,6 +31,16 @@ class ThroughAccessDriver : public ProgramTest {
 
     std::string cav() const { return path("Käfige – Übersicht.cav"); }
 
+    /// Makes an RSD source with 60 animals and 60 treatments.
+    std::string sixtyAnimals() const {
+        makeRsdSource(path("herd.rsd"));
+        const std::string sixty = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) ";
+        SqlFile(path("herd.rsd"))
+            .run(sixty + "INSERT INTO tree(id, name) SELECT i, 'Ada ' || i FROM n;" + sixty +
+                 "INSERT INTO vaccinations(name, done) SELECT 'Ada ' || i, '1' FROM n");
+        return path("herd.rsd");
+    }
+
     void convertToCav(const std::string& from, const std::string& source) {
         driver.answers.push_front("Yes");
         driver.files = {cav()};
@@ -111,17 +121,13 @@ TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
         driver.click("frmWait", "cmdCancel");
         EXPECT_FALSE(std::filesystem::exists(cav()));
     });
-    makeRsdSource(path("herd.rsd"));
-    SqlFile(path("herd.rsd"))
-        .run(
-            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
-            "INSERT INTO tree(id, name) SELECT i, 'Ada ' || i FROM n; INSERT INTO vaccinations(done) VALUES ('1')");
+    const std::string rsd = sixtyAnimals();
     for (const std::string form : {"Csv", "Rsd"}) {
         pressed = false;
         driver.boxes.clear();
         driver.answers = form == "Csv" ? std::deque<std::string>{"Yes", "Yes"} : std::deque<std::string>{"Yes"};
         jet::makeCavFile(cav(), jet::CavColumns::allText);
-        convertToCav(form, form == "Csv" ? write("herd.csv", herd) : path("herd.rsd"));
+        convertToCav(form, form == "Csv" ? write("herd.csv", herd) : rsd);
         EXPECT_TRUE(pressed);
         EXPECT_EQ(driver.boxes.back().text, "Operation completed");
         EXPECT_LE(driver.boxes.size(), 6U) << form;
@@ -130,24 +136,17 @@ TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
 
 // The tables are read one after the other, and nobody may change the herd between two of them.
 TEST_F(ThroughAccessDriver, NobodyElseWritesToTheRsdFileOnItsWay) {
-    makeRsdSource(path("herd.rsd"));
-    SqlFile(path("herd.rsd"))
-        .run(
-            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
-            "INSERT INTO tree(id, name) SELECT i, 'Ada ' || i FROM n; "
-            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 60) "
-            "INSERT INTO vaccinations(name, done) SELECT 'Ada ' || i, '1' FROM n");
-    jet::makeCavFile(cav(), jet::CavColumns::allText);
+    const std::string rsd = sixtyAnimals();
     yielding::setPump(yielding::Pump::everyCall);
     int looks = 0;
     driver.onEveryTurn([&] {
         if (!driver.isOpen("frmWait") || driver.text("frmWait", "lblMessage").empty()) return;
         ++looks;
-        EXPECT_FALSE(looks % 20 == 0 && OtherProgram::mayWrite(path("herd.rsd"))) << looks;
+        EXPECT_FALSE(looks % 20 == 0 && OtherProgram::mayWrite(rsd)) << looks;
     });
-    convertToCav("Rsd", path("herd.rsd"));
+    convertToCav("Rsd", rsd);
     EXPECT_GT(looks, 100);
-    EXPECT_TRUE(OtherProgram::mayWrite(path("herd.rsd")));
+    EXPECT_TRUE(OtherProgram::mayWrite(rsd));
 }
 
 }  // namespace

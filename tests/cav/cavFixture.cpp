@@ -3,6 +3,9 @@
 #include <filesystem>
 #include <sstream>
 
+#include "tests/cav/rsdSource.h"
+#include "tests/support/sqlFile.h"
+
 const std::string intoTree =
     "INSERT INTO tree (name,colour,breed,sex,dob,oldId,fatherId,motherId,ps,pd,tag,prefix,suffix,health,cage,notes,"
     "customfield1,customfield2,customfield3,customfield4,customfield5,customfield6,customfield7,customfield8,"
@@ -36,6 +39,13 @@ void CavTest::convertToCav(const std::string& from, const std::string& source, c
 
 void CavTest::convertToCav(const std::string& from, const std::string& source) {
     convertToCav(from, source, destination());
+}
+
+std::string CavTest::rsdSource(const std::string& sql) const {
+    const std::string source = path("herd.rsd");
+    if (!std::filesystem::exists(source)) makeRsdSource(source);
+    SqlFile(source).run(sql);
+    return source;
 }
 
 std::vector<std::string> CavTest::log() const {

@@ -19,6 +19,9 @@ class CavTest : public ProgramTest {
 
     std::string destination() const { return path("herd.cav"); }
 
+    /// Runs statements on the RSD file of the older layout, which the first call makes, and returns its path.
+    std::string rsdSource(const std::string& sql) const;
+
     /// Returns the driver's calls, one line each: the number of the connection, the call, and its text.
     std::vector<std::string> log() const;
 
