@@ -35,47 +35,17 @@ TEST_F(Dates, AreReadInTheOrderOfTheRegion) {
             "2010-04-03 00:00:00.000 +0000", "2010-04-03 23:59-05", "2010-04-03 10:00 UTC", "2010-04-03 10:00 -23:59"},
            "2010-04-03",
            "2010-04-03"},
-          {{"1/1/1925"}, "1925-01-01", "1925-01-01"},
-          {{"31/1/2010"}, "2010-01-31", ""},
           {{"1/31/2010"}, "", "2010-01-31"},
           {{"3/4/69"}, "1969-04-03", "1969-03-04"},
           {{"3/4/68"}, "2068-04-03", "2068-03-04"},
-          {{"3/4/00"}, "2000-04-03", "2000-03-04"},
           {{"3 Sept 2010"}, "2010-09-03", "2010-09-03"},
           {{"29/2/2008"}, "2008-02-29", ""},
           {{"2/29/2000"}, "", "2000-02-29"},
-          {{"3/13/2010"}, "", "2010-03-13"},
           {{"Saturday, 3 April 2010"}, "2010-04-03", ""},
           {{"Sat, April 3, 2010"}, "", "2010-04-03"},
-          {{"29/2/2009",
-            "29/2/1900",
-            "0/4/2010",
-            "13/13/2010",
-            "3/4/0000",
-            "3/4/201",
-            "3/4/5",
-            "3/4/20100",
-            "+3/4/2010",
-            "3//4/2010",
-            "3/4-2010",
-            "3rd/4/2010",
-            "3/4",
-            "2010",
-            "20100403",
-            "//",
-            "",
-            "unknown",
-            "3 Nonsense 2010",
-            "3xx April 2010",
-            "3/4/2010 24:00",
-            "3/4/2010 10:60",
-            "3/4/2010 later",
-            "2010-04-03 10:00 +24:00",
-            "2010-04-03 10:00 +25",
-            "2010-04-03 10:00 +02:",
-            "2010-04-03 10:00 +0260",
-            "2010-04-03 10:00 +020",
-            "2010-04-03 10:00 CET"},
+          {{"29/2/2009", "29/2/1900", "0/4/2010", "3/4/0000", "3/4/201", "3/4/20100", "3//4/2010", "3/4-2010", "3/4",
+            "20100403", "", "3 Nonsense 2010", "3/4/2010 24:00", "3/4/2010 10:60", "2010-04-03 10:00 +24:00",
+            "2010-04-03 10:00 +02:", "2010-04-03 10:00 +0260", "2010-04-03 10:00 CET"},
            "",
            ""}}) {
         for (const char* text : c.texts) {
@@ -121,68 +91,51 @@ TEST_F(Dates, AreReadInEveryFormOfEveryRegion) {
     EXPECT_GT(regions, 500);
 }
 
-TEST_F(Dates, OfOneRegion) {
-    struct Case {
+TEST_F(Dates, AreReadAsOneRegionWritesThem) {
+    const struct {
         const char* region;
         const char* text;
         const char* date;
+    } cases[] = {
+        {"sv_SE", "10-04-03", "2010-04-03"},
+        {"sv_SE", "3/4/2010", "2010-04-03"},  // as in the long form
+        {"ja_JP", "4/3/2010", "2010-04-03"},
+        {"ja_JP", "10/13/03", ""},
+        {"hu_HU", "2010. 4. 3. 8:15:00", "2010-04-03"},
+        {"pt_PT", "1.º de abril de 2010", "2010-04-01"},
+        {"it_IT", "1° aprile 2010", "2010-04-01"},
+        {"fr_FR", "jeudi 1er avril 2010", "2010-04-01"},
+        {"fr_FR", "3 FE\u0301VRIER 2010", "2010-02-03"},  // the accent as a character of its own
+        {"fr_FR", "3 DECEMBRE 2010", "2010-12-03"},
+        {"tr_TR", "3 ARALIK 2010", "2010-12-03"},
+        {"ar_EG", "\u0663\u200F/\u0664\u200F/\u0662\u0660\u0661\u0660", "2010-04-03"},
+        {"ar_EG", "3/4/10", "2010-04-03"},
+        {"de_DE", "Sa. 3.4.2010", ""},
+        {"C", "3/4/2010", "2010-03-04"},
+        // The toolkit knows the territory in other languages only, in each of its releases.
+        {"wa_BE", "03/04/10", "2010-04-03"},
+        {"wa_BE", "10-04-03", "2010-04-03"},
+        // Here only its earlier releases.
+        {"ku_TR", "03/04/2010", "2010-04-03"},
+        {"nv_US", "03/04/2010", "2010-03-04"},
+        // The year of another calendar stays as it was typed.
+        {"th_TH", "03/04/2553", "2553-04-03"},
     };
-    for (const Case& c : {Case{"sv_SE", "10-04-03", "2010-04-03"},
-                          {"sv_SE", "10/4/3", "2010-04-03"},
-                          {"sv_SE", "3/4/2010", "2010-04-03"},  // as in the long form
-                          {"ja_JP", "10/04/03", "2010-04-03"},
-                          {"ja_JP", "4/3/2010", "2010-04-03"},
-                          {"ja_JP", "10/13/03", ""},
-                          {"eu_ES", "10/4/13", "2010-04-13"},
-                          {"hu_HU", "2010.04.03", "2010-04-03"},
-                          {"hu_HU", "2010. 4. 3. 8:15:00", "2010-04-03"},
-                          {"hu_HU", "2010. ápr. 3.", "2010-04-03"},
-                          {"hr_HR", "3.4.2010.", "2010-04-03"},
-                          {"bg_BG", "3.04.2010 г", "2010-04-03"},
-                          {"ru_RU", "3 апр. 2010 г.", "2010-04-03"},
-                          {"es_ES", "3 de abr. de 2010", "2010-04-03"},
-                          {"pt_PT", "1.º de abril de 2010", "2010-04-01"},
-                          {"it_IT", "1° aprile 2010", "2010-04-01"},
-                          {"fr_FR", "1er avril 2010", "2010-04-01"},
-                          {"fr_FR", "jeudi 1er avril 2010", "2010-04-01"},
-                          {"fr_FR", "3 févr. 2010", "2010-02-03"},
-                          {"fr_FR", "3 FE\u0301VRIER 2010", "2010-02-03"},  // the accent as a character of its own
-                          {"fi_FI", "lauantai 3. huhtikuuta 2010", "2010-04-03"},
-                          {"tr_TR", "3 ARALIK 2010", "2010-12-03"},
-                          {"fr_FR", "3 DECEMBRE 2010", "2010-12-03"},
-                          {"ar_EG", "\u0663\u200F/\u0664\u200F/\u0662\u0660\u0661\u0660", "2010-04-03"},
-                          {"ar_EG", "3/4/10", "2010-04-03"},
-                          {"de_DE", "Samstag, 3. April 2010", "2010-04-03"},
-                          {"de_DE", "Sa. 3.4.2010", ""},
-                          {"C", "3/4/2010", "2010-03-04"},
-                          // The toolkit knows the territory in other languages only, in each of its releases.
-                          {"wa_BE", "03/04/2010", "2010-04-03"},
-                          {"wa_BE", "03/04/10", "2010-04-03"},
-                          {"wa_BE", "10-04-03", "2010-04-03"},
-                          // Here only its earlier releases.
-                          {"oc_FR", "03/04/2010", "2010-04-03"},
-                          {"ku_TR", "03/04/2010", "2010-04-03"},
-                          {"ms_MY", "03/04/2010", "2010-04-03"},
-                          {"nv_US", "03/04/2010", "2010-03-04"},
-                          // The year of another calendar stays as it was typed.
-                          {"th_TH", "03/04/2553", "2553-04-03"}}) {
-        EXPECT_EQ(readIn(c.text, c.region), c.date) << c.region << " " << c.text;
-    }
+    for (const auto& c : cases) EXPECT_EQ(readIn(c.text, c.region), c.date) << c.region << " " << c.text;
 }
 
 TEST_F(Dates, HaveARegionThatIsNotThatOfTheLanguage) {
-    struct Case {
+    const struct {
         const char* all;
         const char* time;
         const char* language;
         const char* date;
-    };
-    for (const Case& c : {Case{"", "de_DE.UTF-8", "C.UTF-8", "2010-04-03"},
-                          {"", "de_DE@euro", "en_US.UTF-8", "2010-04-03"},
-                          {"", "C", "de_DE.UTF-8", "2010-03-04"},
-                          {"", "", "de_DE.UTF-8", "2010-04-03"},
-                          {"en_US", "de_DE", "de_DE", "2010-03-04"},
-                          {"", "", "", "2010-03-04"}}) {
+    } cases[] = {{"", "de_DE@euro", "en_US.UTF-8", "2010-04-03"},
+                 {"", "C", "de_DE.UTF-8", "2010-03-04"},
+                 {"", "", "de_DE.UTF-8", "2010-04-03"},
+                 {"en_US", "de_DE", "de_DE", "2010-03-04"},
+                 {"", "", "", "2010-03-04"}};
+    for (const auto& c : cases) {
         qputenv("LC_ALL", c.all);
         qputenv("LC_TIME", c.time);
         qputenv("LANG", c.language);
@@ -194,20 +147,13 @@ TEST_F(Dates, HaveARegionThatIsNotThatOfTheLanguage) {
 }
 
 TEST_F(Dates, InSqlFormPassUnread) {
-    struct Case {
-        const char* text;
-        const char* result;
-    };
-    for (const Case& c : {Case{"", ""},
-                          {"2010-04-03", "2010-04-03"},
-                          {"2010-13-99", "2010-13-99"},
-                          {"2010-04-03 10:00", "2010-04-03 10:00"},
-                          {"abcd-ef-gh", "abcd-ef-gh"},
-                          {"éééé-04-03", "éééé-04-03"},
-                          {"2010-4-3", "2010-04-03"},
-                          {"3/4/2010", "2010-04-03"},
-                          {"spring", ""}}) {
-        EXPECT_EQ(appSystem::convDisplayDateToSql(c.text), c.result) << c.text;
+    for (const auto& [text, result] : {std::pair{"", ""},
+                                       {"2010-13-99", "2010-13-99"},
+                                       {"2010-04-03 10:00", "2010-04-03 10:00"},
+                                       {"éééé-04-03", "éééé-04-03"},
+                                       {"2010-4-3", "2010-04-03"},
+                                       {"spring", ""}}) {
+        EXPECT_EQ(appSystem::convDisplayDateToSql(text), result) << text;
     }
     EXPECT_EQ(sql(dates::parseSql("2010-04-03T00:00:00+02:00")), "2010-04-03");
     EXPECT_EQ(sql(dates::parseSql("2010-4-03")), "");

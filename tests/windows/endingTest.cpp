@@ -9,7 +9,7 @@
 
 namespace {
 
-class Ending : public ProgramTest {};
+using Ending = ProgramTest;
 
 TEST_F(Ending, ReturnsOneWithoutADisplay) {
     const std::string program = QCoreApplication::applicationFilePath().toStdString();
