@@ -1,15 +1,16 @@
-// fuzz_NAME [-runs=N] [-max_total_time=SECONDS] [-seed=N] [-timeout=SECONDS] [-artifact_prefix=PATH] FOLDER OR FILE...
+// fuzz_NAME [-runs=N] [-max_total_time=SECONDS] [-seed=N] [-timeout=SECONDS] [-artifact_prefix=PATH] FOLDER
 //
-// What libFuzzer's own main does, as far as any compiler allows: every seed once as it is, then damaged ones without
-// end. An input that ends the process or takes too long is kept in a file. Runs with the same seed are the same.
+// What libFuzzer's own main does, as far as any compiler allows: every file of the folder once as it is, then damaged
+// ones. An input that ends the process or takes too long is kept in a file. Runs with the same seed are the same.
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <random>
 #include <sstream>
 #include <string>
@@ -18,179 +19,112 @@
 
 #include "tests/fuzz/fuzzTarget.h"
 
-// The sanitizers' own call before they end a process; it is there in their builds only.
-extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
+#ifdef __SANITIZE_ADDRESS__
+/// A finding of the sanitizers ends the process by SIGABRT, like a failed check.
+extern "C" const char* __asan_default_options() {
+    return "abort_on_error=1:handle_segv=2:handle_sigbus=2:handle_sigfpe=2:handle_sigill=2";
+}
+extern "C" const char* __ubsan_default_options() { return "abort_on_error=1"; }
+#endif
 
 namespace {
 
-namespace fs = std::filesystem;
-
-struct Options {
-    unsigned long runs = 1000;
-    unsigned seconds = 0;
-    unsigned timeout = 30;
-    unsigned seed = 1;
-    std::string findingPrefix = "./";
-    std::vector<std::string> seeds;
-};
-
-// The input at work, for the handlers.
+// The input at work, for the handler of signals.
 std::string current;
-std::string findingPath;
+std::string findingPath = "./";
 
-void keepCurrent() {
+void keepCurrent(int signal) {
     const int file = open(findingPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    if (file < 0) return;
     (void)!write(file, current.data(), current.size());
-    close(file);
-    static constexpr std::string_view told = "The input is kept: ";
-    (void)!write(STDERR_FILENO, told.data(), told.size());
-    (void)!write(STDERR_FILENO, findingPath.data(), findingPath.size());
-    (void)!write(STDERR_FILENO, "\n", 1);
+    std::fprintf(stderr, "The input is kept: %s\n", findingPath.c_str());
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
 }
 
-void onSignal(int number) {
-    keepCurrent();
-    std::signal(number, SIG_DFL);
-    std::raise(number);
-}
-
-void watchForTheEnd() {
-    std::signal(SIGALRM, onSignal);
-    std::signal(SIGABRT, onSignal);
-    if (__sanitizer_set_death_callback != nullptr) {
-        __sanitizer_set_death_callback(keepCurrent);
-        return;
+std::vector<std::string> filesOf(const std::string& folder) {
+    std::vector<std::string> contents;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::ostringstream content;
+        content << std::ifstream(entry.path(), std::ios::binary).rdbuf();
+        contents.push_back(content.str());
     }
-    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(number, onSignal);
-}
-
-std::string readWhole(const fs::path& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
-
-Options optionsOf(int count, char** arguments) {
-    Options options;
-    for (int i = 1; i < count; ++i) {
-        const std::string argument = arguments[i];
-        const std::size_t equals = argument.find('=');
-        const std::string name = argument.substr(0, equals);
-        const std::string value = equals == std::string::npos ? "" : argument.substr(equals + 1);
-        const auto number = [&] { return static_cast<unsigned>(std::strtoul(value.c_str(), nullptr, 10)); };
-        if (name == "-runs") {
-            options.runs = number();
-        } else if (name == "-max_total_time") {
-            options.seconds = number();
-        } else if (name == "-timeout") {
-            options.timeout = number();
-        } else if (name == "-seed") {
-            options.seed = number();
-        } else if (name == "-artifact_prefix") {
-            options.findingPrefix = value;
-        } else if (argument.starts_with('-')) {
-            continue;  // for libFuzzer alone
-        } else if (fs::is_directory(argument)) {
-            for (const auto& entry : fs::directory_iterator(argument)) {
-                options.seeds.push_back(readWhole(entry.path()));
-            }
-        } else {
-            options.seeds.push_back(readWhole(argument));
-        }
-    }
-    // A folder gives its files in any order.
-    std::sort(options.seeds.begin(), options.seeds.end());
-    if (options.seeds.empty()) options.seeds.emplace_back();
-    return options;
+    // A folder lists its files in any order.
+    std::sort(contents.begin(), contents.end());
+    return contents;
 }
 
 class Damage {
   public:
-    Damage(const std::vector<std::string>& seeds, unsigned seed) : seeds_(seeds), random_(seed) {}
+    Damage(const std::vector<std::string>& seeds, unsigned long seed) : seeds_(seeds), random_(seed) {}
 
     std::string next() {
-        std::string bytes = seeds_[below(seeds_.size())];
+        std::string bytes = anySeed();
         for (std::size_t times = 1 + below(5); times > 0; --times) damage(bytes);
         return bytes;
     }
 
   private:
-    std::size_t below(std::size_t limit) { return limit == 0 ? 0 : static_cast<std::size_t>(random_() % limit); }
+    /// Returns a number from 0 to `limit` - 1.
+    std::size_t below(std::size_t limit) { return random_() % limit; }
 
-    /// Short pieces far more often than long ones.
-    std::size_t lengthUpTo(std::size_t limit) { return std::min(limit, std::size_t{1} << below(14)); }
+    const std::string& anySeed() { return seeds_[below(seeds_.size())]; }
 
-    std::string_view pieceOf(const std::string& bytes) {
-        const std::size_t at = below(bytes.size() + 1);
-        return std::string_view(bytes).substr(at, lengthUpTo(bytes.size() - at));
-    }
+    /// Short lengths are far more likely than long ones.
+    std::size_t anyLength() { return std::size_t{1} << below(14); }
 
     char likelyByte() {
         static constexpr std::string_view edges("\x00\x01\x7F\x80\xFF,\"';\n\r`$#{}[]=/-. 09eZ\xC3\xEF", 29);
         return below(4) == 0 ? static_cast<char>(random_()) : edges[below(edges.size())];
     }
 
+    /// Replaces, inserts or erases some bytes: with likely ones, or with a piece of this input or another seed.
     void damage(std::string& bytes) {
         const std::size_t at = below(bytes.size() + 1);
-        const std::size_t rest = bytes.size() - at;
-        switch (below(7)) {
-            case 0:
-                bytes.insert(at, 1, likelyByte());
-                break;
-            case 1:
-                if (rest > 0) bytes[at] = likelyByte();
-                break;
-            case 2:
-                if (rest > 0) bytes[at] = static_cast<char>(bytes[at] ^ (1 << below(8)));
-                break;
-            case 3:
-                bytes.erase(at, lengthUpTo(rest));
-                break;
-            case 4:
-                bytes.insert(at, std::string(pieceOf(bytes)));
-                break;
-            case 5: {
-                const std::string_view piece = pieceOf(seeds_[below(seeds_.size())]);
-                bytes.replace(at, std::min(rest, below(2) * piece.size()), piece);
-                break;
-            }
-            default:
-                bytes.replace(at, std::min(rest, lengthUpTo(64)), lengthUpTo(64), likelyByte());
-                break;
-        }
+        const std::string& other = below(2) == 0 ? bytes : anySeed();
+        const std::string piece = other.substr(below(other.size() + 1), anyLength());
+        const std::array<std::string, 5> replacements = {
+            "", piece, std::string(1, likelyByte()), std::string(std::min<std::size_t>(anyLength(), 64), likelyByte()),
+            std::string(1, static_cast<char>(bytes[at] ^ (1 << below(8))))};
+        const std::string& replacement = replacements[below(replacements.size())];
+        bytes.replace(at, replacement.empty() ? anyLength() : below(2) * replacement.size(), replacement);
     }
 
     const std::vector<std::string>& seeds_;
     std::mt19937 random_;
 };
 
-void work(const std::string& input, unsigned timeout) {
-    current = input;
-    alarm(timeout);
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(current.data()), current.size());
-    alarm(0);
-}
-
 }  // namespace
 
 int main(int count, char** arguments) {
-    const Options options = optionsOf(count, arguments);
-    findingPath = options.findingPrefix + "crash-" + fs::path(arguments[0]).filename().string() + "-" +
-                  std::to_string(options.seed);
-    watchForTheEnd();
+    std::map<std::string, unsigned long> options{
+        {"-runs", 1000}, {"-seed", 1}, {"-timeout", 30}, {"-max_total_time", 0}};
+    for (int i = 1; i + 1 < count; ++i) {
+        const std::string argument = arguments[i];
+        const std::size_t equals = argument.find('=');
+        const std::string name = argument.substr(0, equals), value = argument.substr(equals + 1);
+        if (name == "-artifact_prefix") findingPath = value;
+        if (options.contains(name)) options[name] = std::stoul(value);
+    }
+    findingPath +=
+        "crash-" + std::filesystem::path(arguments[0]).filename().string() + "-" + std::to_string(options["-seed"]);
+    for (const int signal : {SIGALRM, SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(signal, keepCurrent);
+
+    const std::vector<std::string> seeds = filesOf(arguments[count - 1]);
+    Damage damage(seeds, options["-seed"]);
     using Clock = std::chrono::steady_clock;
     const auto begin = Clock::now();
-    const auto inTime = [&] {
-        return options.seconds == 0 || Clock::now() - begin < std::chrono::seconds(options.seconds);
-    };
-    for (const std::string& seed : options.seeds) work(seed, options.timeout);
-    Damage damage(options.seeds, options.seed);
-    unsigned long runs = 0;
+    const std::chrono::seconds time(options["-max_total_time"]);
     // A limit of time alone leaves the runs without one, as with libFuzzer.
-    for (; inTime() && (options.seconds > 0 || runs < options.runs); ++runs) work(damage.next(), options.timeout);
-    std::printf(
-        "%zu seeds and %lu damaged ones, %lld ms\n", options.seeds.size(), runs,
-        static_cast<long long>(std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - begin).count()));
+    const auto goesOn = [&](unsigned long damaged) {
+        return time.count() > 0 ? Clock::now() - begin < time : damaged < options["-runs"];
+    };
+    unsigned long runs = 0;
+    for (; runs < seeds.size() || goesOn(runs - seeds.size()); ++runs) {
+        current = runs < seeds.size() ? seeds[runs] : damage.next();
+        alarm(options["-timeout"]);
+        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(current.data()), current.size());
+    }
+    alarm(0);
+    std::printf("%lu inputs, %zu of them undamaged\n", runs, seeds.size());
     return 0;
 }

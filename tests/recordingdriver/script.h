@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,18 +29,16 @@ struct Refusal {
 /// A row of an answer; an absent value is NULL.
 using Row = std::vector<std::optional<std::string>>;
 
-/// Connects `first` to `last`, counted from 1, are refused.
-struct ConnectRefusal {
-    int first;
-    int last;
-    Refusal refusal;
-};
+/// The kinds of calls that rules apply to, each counted from 1 over all connections of the process.
+enum Call { connectCall, statementCall, fetchCall };
 
-/// A statement is refused if it is the `number`-th of all, or if its text contains `part`, unless that is empty.
-struct StatementRefusal {
-    int number;
+/// What happens to the calls with these numbers whose text contains `part`.
+struct Rule {
+    Call call;
+    int first = 1;
+    int last = std::numeric_limits<int>::max();
     std::string part;
-    Refusal refusal;
+    std::optional<Refusal> refusal;  ///< without one, the call succeeds and the connection is dead afterwards
 };
 
 /// The result of the statements that begin with `start`.
@@ -51,21 +51,11 @@ struct Answer {
 /// The driver's instructions and its record. The object belongs to the driver library, which exports it through
 /// `recordingDriverScript`; the test uses it in the same process.
 struct Script {
-    std::vector<ConnectRefusal> connectRefusals;
-    std::vector<StatementRefusal> statementRefusals;
-    std::vector<int> deathsAfterConnect;
-    std::vector<int> deathsAfterStatement;
+    std::vector<Rule> rules;
     std::vector<Answer> answers;
-    int fetchRefusal = 0;
 
     std::vector<Event> events;
-    int connects = 0;
-    int statements = 0;
-    int fetches = 0;
+    std::array<int, 3> counts{};
 };
-
-/// Type and name of the exported function that returns the driver's script.
-using ScriptAccessor = Script* (*)();
-inline constexpr const char* scriptAccessorName = "recordingDriverScript";
 
 }  // namespace recording
