@@ -20,10 +20,11 @@ class FinishedFile : public ProgramTest {
     /// The import in a process of its own, on a new herd without sexes.
     pid_t startImport() {
         std::filesystem::remove(path("herd.cax"));
-        const std::string csv = write("herd.csv", bench::makeHerd(animals, false));
+        write("herd.csv", bench::makeHerd(animals, false));
         const pid_t child = fork();
         if (child == 0) {
-            execl(IMPORTER, IMPORTER, csv.c_str(), nullptr);
+            execl(PROGRAM_CHILD, PROGRAM_CHILD, path("").c_str(), "answer Yes", "convert Csv Rsd herd.csv",
+                  "close frmMain", nullptr);
             _exit(127);
         }
         return child;
@@ -68,6 +69,7 @@ TEST_F(FinishedFile, OpensAfterTheProgramWasKilled) {
     const auto started = Clock::now();
     ASSERT_EQ(end(startImport()), 0);
     const auto whole = Clock::now() - started;
+    EXPECT_EQ(SqlFile(path("herd.cax")).value("SELECT count(*) FROM tree"), std::to_string(animals));
     std::mt19937 random(5);
     for (int kill = 0; kill < 12; ++kill) {
         const pid_t child = startImport();

@@ -19,6 +19,12 @@ constexpr const char* question =
     "The new file doesn't contain all the records yet. / Do you want to delete the new file? ";
 constexpr const char* overwrite =
     "This file has been converted before. Do you want to overwrite the old converted file?";
+// Commands of the user.
+const std::string toRsd = "convert Csv Rsd herd.csv";
+const std::string toCsv = "convert Rsd Csv herd.rsd";
+const std::string missing = "convert Csv Rsd missing.csv";
+const std::string inside = " ";  ///< before a command: while the progress window shows a text
+
 const std::string report = "The program has to end because of a failure that it cannot deal with. /  / ";
 
 class Process : public ProgramTest {
@@ -28,11 +34,11 @@ class Process : public ProgramTest {
         Texts said;
     };
 
-    /// Runs the program in a process of its own until it ends.
-    End run(const std::string& scenario) const {
+    /// Runs the program in a process of its own, with somebody who carries out the commands, until it ends.
+    End run(const Texts& commands) const {
         End end;
-        const std::string command =
-            std::string("'") + PROGRAM_CHILD + "' '" + scenario + "' '" + path("") + "' 2>" + path("stderr.txt");
+        std::string command = std::string("'") + PROGRAM_CHILD + "' '" + path("") + "' 2>" + path("stderr.txt");
+        for (const std::string& each : commands) command += " '" + each + "'";
         std::FILE* pipe = popen(command.c_str(), "r");
         std::string output;
         std::array<char, 4096> buffer{};
@@ -43,7 +49,7 @@ class Process : public ProgramTest {
         end.code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
         std::istringstream lines(output);
         for (std::string line; std::getline(lines, line);) end.said.push_back(line);
-        if (end.code > 1 || end.code < 0) ADD_FAILURE() << scenario << ":\n" << read(path("stderr.txt"));
+        if (end.code > 1 || end.code < 0) ADD_FAILURE() << command << ":\n" << read(path("stderr.txt"));
         return end;
     }
 
@@ -70,17 +76,22 @@ class Process : public ProgramTest {
 };
 
 TEST_F(Process, EndsByItselfWhenItsLastWindowCloses) {
-    for (const char* scenario : {"disagree", "close the first window", "close", "quit"}) {
-        const End end = run(scenario);
-        EXPECT_EQ(end.code, 0) << scenario;
-        EXPECT_EQ(end.said, Texts{}) << scenario;
+    for (const char* command :
+         {"click frmSplash cmdExit", "close frmSplash", "close frmMain", "menu frmMain FileQuit"}) {
+        const End end = run({command});
+        EXPECT_EQ(end.code, 0) << command;
+        EXPECT_EQ(end.said, Texts{}) << command;
     }
 }
 
 TEST_F(Process, LeavesNoFileButTheNewOne) {
     makeCsv();
     fs::remove(path("Desktop"));
-    EXPECT_EQ(run("look at every window").code, 0);
+    EXPECT_EQ(run({"choose Csv Rsd", "pick herd.csv", "pick", "pick", "click frmMain cmdBrowse",
+                   "click frmMain cmdConvert", "click frmMain cmdBrowse", "answer Yes", "make",
+                   "menu frmMain AboutItem", "click frmSplash cmdExit", "close frmMain"})
+                  .code,
+              0);
     std::set<std::string> left;
     for (fs::recursive_directory_iterator entry(path("")); entry != fs::recursive_directory_iterator(); ++entry) {
         const std::string name = entry->path().filename().string();
@@ -107,20 +118,20 @@ TEST_F(Process, ReportsAFailureThatNothingCaughtAndEndsWithExitCodeOne) {
                                  {"folder", "a folder or device, not a file"},
                                  {"dangling", "No such file or directory"},
                                  {"device", "a folder or device, not a file"}}) {
-        const End end = run("import " + source.name + ".csv");
+        const End end = run({"answer No", "convert Csv Rsd " + source.name + ".csv"});
         EXPECT_EQ(end.code, 1);
         EXPECT_EQ(end.said, Texts{report + path(source.name + ".csv") + ": " + source.reason});
         EXPECT_EQ(animals(source.name + ".cax"), "0") << "the new file stays as it stands";
     }
     fs::create_directories(path("Desktop/Converter Errors.txt"));
     write("bad.csv", "name,sex\nAda\n");
-    const End unreported = run("import bad.csv");
+    const End unreported = run({"answer No", "convert Csv Rsd bad.csv"});
     EXPECT_EQ(unreported.code, 1);
     EXPECT_EQ(unreported.said.back(),
               report + path("Desktop/Converter Errors.txt") + ": a folder or device, not a file");
 
     makeCsv(99001);
-    const End full = run("import herd.csv");
+    const End full = run({"convert Csv Rsd herd.csv"});
     EXPECT_EQ(full.code, 1);
     ASSERT_EQ(full.said.size(), 1U);
     EXPECT_TRUE(full.said.front().starts_with(report + "Out of bounds: row 99001")) << full.said.front();
@@ -130,46 +141,50 @@ TEST_F(Process, ReportsAFailureThatNothingCaughtAndEndsWithExitCodeOne) {
 TEST_F(Process, FinishesTheConversionWhoseWindowsAreClosed) {
     makeCsv();
     makeRsd();
-    for (const char* scenario : {"close in the middle", "close the progress window in the middle"}) {
-        const End end = run(scenario);
-        EXPECT_EQ(end.code, 0) << scenario;
-        EXPECT_EQ(end.said, (Texts{"at Record: 50", completed})) << scenario;
-        EXPECT_EQ(lines("herd( tree ).csv"), 121) << scenario;
+    for (const char* window : {"frmMain", "frmWait"}) {
+        Texts commands = {"at Record: 50", std::string(" close ") + window, toCsv};
+        if (window == std::string("frmWait")) commands.emplace_back("close frmMain");
+        const End end = run(commands);
+        EXPECT_EQ(end.code, 0) << window;
+        EXPECT_EQ(end.said, Texts{completed}) << window;
+        EXPECT_EQ(lines("herd( tree ).csv"), 121) << window;
         fs::remove(path("herd( tree ).csv"));
     }
-    for (const char* scenario : {"close in the middle of an import", "quit in the middle"}) {
-        const End end = run(scenario);
-        EXPECT_EQ(end.code, 0) << scenario;
-        ASSERT_EQ(end.said.size(), 2U) << scenario;
-        EXPECT_EQ(end.said[1], completed) << scenario;
-        EXPECT_EQ(animals("herd.cax"), "60") << scenario;
+    for (const Texts& commands :
+         {Texts{"at Getting name", " close frmMain", toRsd}, Texts{"at animal 20", " menu frmMain FileQuit", toRsd}}) {
+        const End end = run(commands);
+        EXPECT_EQ(end.code, 0) << commands[1];
+        EXPECT_EQ(end.said, Texts{completed}) << commands[1];
+        EXPECT_EQ(animals("herd.cax"), "60") << commands[1];
         fs::remove(path("herd.cax"));
     }
-    const End end = run("close, then cancel with a deletion");
+    // Cancel uses the selector to clear its labels, so it is there again.
+    const End end = run({"at animal 20", " close frmMain", "at ", " cancel Yes", toRsd, "close frmMain"});
     EXPECT_EQ(end.code, 0);
-    EXPECT_EQ(end.said, (Texts{"at animal 20", question, completed}));
+    EXPECT_EQ(end.said, (Texts{question, completed}));
     EXPECT_FALSE(fs::exists(path("herd.cax")));
 }
 
 TEST_F(Process, RunsAConversionInsideAnother) {
     makeCsv();
     makeRsd();
-    const End same = run("convert again in the middle");
+    const End same =
+        run({"answer Yes", "at animal 20", " cancel No", " click frmMain cmdConvert", toRsd, "close frmMain"});
     EXPECT_EQ(same.code, 0);
-    EXPECT_EQ(same.said, (Texts{"at animal 20", question, overwrite, completed, completed}));
+    EXPECT_EQ(same.said, (Texts{question, overwrite, completed, completed}));
     EXPECT_EQ(animals("herd.cax"), "60") << "the inner one's file, whole";
     fs::remove(path("herd.cax"));
-    const End other = run("another conversion in the middle");
+    const End other = run({"at Record: 50", " cancel No", inside + toRsd, toCsv, "close frmMain"});
     EXPECT_EQ(other.code, 0);
-    EXPECT_EQ(other.said, (Texts{"at Record: 50", question, completed, completed}));
+    EXPECT_EQ(other.said, (Texts{question, completed, completed}));
     EXPECT_EQ(animals("herd.cax"), "60");
     EXPECT_EQ(lines("herd( tree ).csv"), 121);
 
     fs::remove(path("herd.cax"));
     SqlFile(path("herd.rsd")).run("CREATE TABLE settings(id integer PRIMARY KEY, Version)");
     const std::string before = read(path("herd.rsd"));
-    const End inner = run("an export in the middle of an import");
-    EXPECT_EQ(inner.said, (Texts{"at animal 20", question, completed, completed}));
+    const End inner = run({"at animal 20", " cancel No", inside + toCsv, toRsd, "close frmMain"});
+    EXPECT_EQ(inner.said, (Texts{question, completed, completed}));
     EXPECT_EQ(read(path("herd.rsd")), before) << "the import stamped the other conversion's source";
     EXPECT_EQ(SqlFile(path("herd.cax")).value("SELECT Version FROM settings"), "20402");
 }
@@ -178,19 +193,19 @@ TEST_F(Process, AFailureInsideAConversionFollowsTheConversionsRule) {
     makeCsv();
     makeRsd();
     const std::string failure = report + path("missing.csv") + ": No such file or directory";
-    const End dropped = run("a failure in the middle of an export");
+    const End dropped = run({"at Record: 0", " cancel No", inside + missing, toCsv, "close frmMain"});
     EXPECT_EQ(dropped.code, 0) << "the export drops its failures";
-    EXPECT_EQ(dropped.said, (Texts{"at Record: 0", question, completed}));
+    EXPECT_EQ(dropped.said, (Texts{question, completed}));
     EXPECT_EQ(lines("herd( tree ).csv"), 2) << "what was written stays";
 
     fs::remove(path("missing.cax"));
-    const End told = run("a failure in the middle of an import");
+    const End told = run({"at animal 20", " cancel No", inside + missing, toRsd});
     EXPECT_EQ(told.code, 1);
-    EXPECT_EQ(told.said, (Texts{"at animal 20", question, failure}));
+    EXPECT_EQ(told.said, (Texts{question, failure}));
     EXPECT_EQ(animals("herd.cax"), "0");
 
     fs::remove(path("missing.cax"));
-    const End boxed = run("a failure while a box is open");
+    const End boxed = run({"answer Yes", "fail", toRsd});
     EXPECT_EQ(boxed.code, 1);
     EXPECT_EQ(boxed.said.back(), failure);
 
@@ -198,7 +213,7 @@ TEST_F(Process, AFailureInsideAConversionFollowsTheConversionsRule) {
     for (int i = 2; i <= 72; ++i) wide += ",customfield" + std::to_string(i % 15 + 1);
     write("herd.csv", wide + "\nAda\n");
     fs::remove(path("herd.cax"));
-    const End late = run("a failure after the close");
+    const End late = run({"at Found 1 errors", " close frmMain", "answer No", "answer No", toRsd});
     EXPECT_EQ(late.code, 1);
     ASSERT_FALSE(late.said.empty());
     EXPECT_TRUE(late.said.back().starts_with(report + "Out of bounds: row 0, column 71")) << late.said.back();
