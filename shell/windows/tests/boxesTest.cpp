@@ -40,15 +40,7 @@ TEST_F(Boxes, BelongToAWindowOnTheScreenAlsoWhenOneHasJustClosed) {
 
 TEST_F(Boxes, RaiseTheFailureOfAHandlerThatRanWhileTheyWereOpen) {
     driver.onBox([](const Box&) { events::run([] { throw FileFailure("the disk is full"); }); });
-    bool raised = false;
-    events::run([&] {
-        try {
-            showMessage("in front");
-        } catch (const FileFailure&) {
-            raised = true;
-        }
-    });
-    EXPECT_TRUE(raised);
+    events::run([] { EXPECT_THROW(showMessage("in front"), FileFailure); });
     EXPECT_EQ(driver.boxes.size(), 1U) << "the failure is reported by whoever opened the box, or dropped there";
 }
 
@@ -80,7 +72,8 @@ TEST_F(Boxes, HavePlainTextsNoPicturesOnButtonsAndADrawnQuestionMark) {
         if (!question) {
             EXPECT_LE(text->geometry().left(), right + 1) << "an empty column where a picture would be";
         }
-        for (const int size : question ? std::vector{32, 64, 100} : std::vector<int>()) {
+        if (!question) return;
+        for (const int size : {32, 100}) {
             const QIcon drawn = inFront()->style()->standardIcon(QStyle::SP_MessageBoxQuestion);
             const QImage picture = drawn.pixmap(QSize(size, size)).toImage();
             EXPECT_EQ(picture.size(), QSize(size, size)) << "enlarged from another size";
@@ -88,11 +81,10 @@ TEST_F(Boxes, HavePlainTextsNoPicturesOnButtonsAndADrawnQuestionMark) {
             EXPECT_EQ(qAlpha(picture.pixel(0, 0)), 0);
         }
     });
-    showMessage("<b>Found</b> 3 errors.");
-    showMessage("Open the file in a plain text editor, and look for commas in the middle of names or texts.");
+    showMessage("<b>Open</b> the file in a plain text editor, and look for commas in the middle of names or texts.");
     driver.answers = {"No"};
     askYesNo("Title", "Question?");
-    EXPECT_EQ(driver.boxes.size(), 3U);
+    EXPECT_EQ(driver.boxes.size(), 2U);
 }
 
 }  // namespace

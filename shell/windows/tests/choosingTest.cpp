@@ -43,19 +43,18 @@ class Choosing : public ProgramTest {
 };
 
 TEST_F(Choosing, CleansAPastedPath) {
-    struct Case {
+    const struct {
         const char* before;
         const char* pasted;
         const char* after;
-    };
-    for (const Case& c : {Case{"", "/home/a b/dogs.csv\n", "/home/a b/dogs.csv"},
-                          Case{"/old.csv", " \t/home/dogs.csv\r\n", "/home/dogs.csv"},
-                          Case{"", "file:///home/a%20b/Zo%C3%AB%2520.csv", "/home/a b/Zo\xC3\xAB%20.csv"},
-                          // The new text has letters in common with the old one.
-                          Case{"flock.csv", "file:///home/flock.csv", "/home/flock.csv"},
-                          Case{"", "file:///a.csv\r\nfile:///b.csv\r\n", "/a.csv"},
-                          // Not a file of this computer.
-                          Case{"", "https://example.org/dogs.csv", "https://example.org/dogs.csv"}}) {
+    } cases[] = {{"/old.csv", " \t/home/a b/dogs.csv\r\n", "/home/a b/dogs.csv"},
+                 {"", "file:///home/a%20b/Zo%C3%AB%2520.csv", "/home/a b/Zo\xC3\xAB%20.csv"},
+                 // The new text has letters in common with the old one.
+                 {"flock.csv", "file:///home/flock.csv", "/home/flock.csv"},
+                 {"", "file:///a.csv\r\nfile:///b.csv\r\n", "/a.csv"},
+                 // Not a file of this computer.
+                 {"", "https://example.org/dogs.csv", "https://example.org/dogs.csv"}};
+    for (const auto& c : cases) {
         field()->setText(c.before);
         field()->selectAll();
         EXPECT_EQ(pasted(c.pasted), c.after);
@@ -107,9 +106,11 @@ TEST_F(Choosing, BrowsesWhereTheFieldsFileIsOrWhereTheLastOneWas) {
         }
     });
     driver.files = {picked};
-    for (const auto& [typed, folder] : {std::pair{path("none.csv"), "."}, std::pair{std::string(), "herds"},
-                                        std::pair{std::string("/no/such/folder/dogs.csv"), "herds"},
-                                        std::pair{std::string("dogs.csv"), "herds"}, std::pair{path("x.csv"), "."}}) {
+    for (const auto& [typed, folder] : {std::pair<std::string, const char*>{path("none.csv"), "."},
+                                        {"", "herds"},
+                                        {"/no/such/folder/dogs.csv", "herds"},
+                                        {"dogs.csv", "herds"},
+                                        {path("x.csv"), "."}}) {
         frmMain().txtFilePath().setText(typed);
         driver.click("frmMain", "cmdBrowse");
         EXPECT_TRUE(std::filesystem::equivalent(driver.dialogs.back().folder, path(folder))) << typed;
@@ -120,12 +121,10 @@ TEST_F(Choosing, BrowsesWhereTheFieldsFileIsOrWhereTheLastOneWas) {
 }
 
 TEST_F(Choosing, TakesRadioButtonsThatAssistiveTechnologyToggles) {
-    const auto toggle = [&](const char* option) {
+    for (const char* option : {"optFromCsv", "optToRsd"}) {
         QAccessibleInterface* seen = QAccessible::queryAccessibleInterface(driver.widget("frmMain", option));
         seen->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
-    };
-    toggle("optFromCsv");
-    toggle("optToRsd");
+    }
     EXPECT_EQ(frmMain().fromFileType + frmMain().toFileType, "csvrsd");
     EXPECT_TRUE(driver.isVisible("frmMain", "cvFromCSV"));
 
