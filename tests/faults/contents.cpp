@@ -3,33 +3,14 @@
 #include <filesystem>
 #include <fstream>
 #include <stdexcept>
-#include <type_traits>
-#include <variant>
 
 #include "accessdriver/jet/checking/check.h"
 #include "accessdriver/jet/database.h"
 #include "accessdriver/jet/making/cavTables.h"
+#include "accessdriver/sql/values/convert.h"
 #include "tests/support/sqlFile.h"
 
 namespace {
-
-std::string textOf(const jet::Value& value) {
-    return std::visit(
-        [](const auto& held) -> std::string {
-            using Held = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<Held, std::string>) {
-                return held;
-            } else if constexpr (std::is_same_v<Held, std::int32_t> || std::is_same_v<Held, bool> ||
-                                 std::is_same_v<Held, double>) {
-                return std::to_string(held);
-            } else if constexpr (std::is_same_v<Held, jet::DateTime>) {
-                return std::to_string(held.days);
-            } else {
-                return {};
-            }
-        },
-        value);
-}
 
 /// The cells of each row that a predicate on the column's name takes, joined by "|".
 template <typename Wanted>
@@ -40,7 +21,7 @@ std::vector<std::string> rowsOf(jet::Database& database, const std::string& name
     while (cursor->next()) {
         std::string row = name + ": ";
         for (std::size_t i = 0; i < table.columns.size(); ++i) {
-            if (wanted(table.columns[i].name)) row += textOf(cursor->value(i)) + "|";
+            if (wanted(table.columns[i].name)) row += sql::textOf(cursor->value(i), table.columns[i].type) + "|";
         }
         found.push_back(row);
     }

@@ -1,69 +1,55 @@
 // Every way through the program while one call to the system fails, or all from one on.
 
 #include <algorithm>
-#include <array>
-#include <iomanip>
-#include <iostream>
+#include <cerrno>
 
 #include "tests/faults/sweepFixture.h"
 
 namespace {
 
+using namespace faults;
+
 struct Try {
-    FaultsKind kind;
-    const char* fault;
+    Kind kind;
+    int fault;
+    bool repeats;
     long some;  ///< places in an ordinary run of the tests
 };
 
 constexpr Try tries[] = {
-    {faultsOpen, "EACCES", 50},     {faultsOpen, "EMFILE on", 10}, {faultsRead, "EIO", 5},
-    {faultsRead, "EIO on", 4},      {faultsWrite, "ENOSPC", 6},    {faultsWrite, "ENOSPC on", 5},
-    {faultsWrite, "EIO", 3},        {faultsTruncate, "EIO on", 2}, {faultsSync, "EIO", 9},
-    {faultsSync, "EIO on", 9},      {faultsRename, "EIO", 2},      {faultsUnlink, "EACCES", 2},
-    {faultsUnlink, "EACCES on", 2}, {faultsAllocation, "EIO", 10}, {faultsAllocation, "EIO on", 4},
+    {opens, EACCES, false, 50}, {opens, EMFILE, true, 10},     {reads, EIO, false, 5},      {reads, EIO, true, 4},
+    {writes, ENOSPC, false, 6}, {writes, full, true, 12},      {writes, EIO, false, 3},     {truncates, EIO, true, 2},
+    {syncs, EIO, false, 9},     {syncs, EIO, true, 9},         {renames, EIO, false, 2},    {unlinks, EACCES, false, 2},
+    {unlinks, EACCES, true, 2}, {allocations, EIO, false, 10}, {allocations, EIO, true, 4},
 };
 
 /// Calls that may do less than they were asked for are no failure.
-constexpr Try halves[] = {{faultsRead, "short", 4}, {faultsWrite, "short", 4}};
+constexpr Try halves[] = {{reads, shortened, false, 4}, {writes, shortened, false, 4}};
 
 class FailingCall : public Sweep {
   protected:
-    using Tally = std::array<int, 4>;
-
     /// Injects the fault at some of the calls; no outcome may be worse than `worst`.
     void sweep(const Whole& whole, const Try& attempt, Verdict worst) {
-        Tally tally{};
-        const std::string kind = faultsKindNames[attempt.kind];
         for (const long number : places(whole.end.calls[attempt.kind], attempt.some)) {
-            const std::string plan = kind + " " + std::to_string(number) + " " + attempt.fault;
-            const End end = run(plan);
+            const End end = run({attempt.kind, number, attempt.fault, attempt.repeats});
             Judgement judgement = judge(route, whole.contents, result(), end);
             const std::string beside = sideEffects(leftOver(attempt.kind));
             if (!beside.empty()) judgement = {Verdict::forbidden, beside};
             // Only a folder that may not be opened need not be synced.
-            if (toRsd() && end.completed() && !end.unsynced.empty() && attempt.fault != std::string("EACCES")) {
+            if (toRsd() && end.completed() && !end.unsynced.empty() && attempt.fault != EACCES) {
                 judgement = {Verdict::forbidden, "completed, but not on the disk: " + end.unsynced};
             }
-            EXPECT_LE(static_cast<int>(judgement.verdict), static_cast<int>(worst))
-                << plan << ": " << judgement.reason << end.words();
-            ++tally[static_cast<int>(judgement.verdict)];
+            EXPECT_LE(judgement.verdict, worst) << "kind " << attempt.kind << ", fault " << attempt.fault << " at "
+                                                << number << ": " << judgement.reason << end.words();
         }
-        if (tally != Tally{}) print(kind + " " + attempt.fault, tally);
     }
 
     bool toRsd() const { return route.to == std::string("Rsd"); }
 
     /// Returns the names of files that stay if removing them fails.
-    std::vector<std::string> leftOver(FaultsKind kind) const {
-        if (kind != faultsUnlink) return {};
+    std::vector<std::string> leftOver(Kind kind) const {
+        if (kind != unlinks) return {};
         return {route.result + std::string("-journal"), route.result + std::string("-jetjournal"), copyOfASource};
-    }
-
-  private:
-    void print(const std::string& fault, const Tally& tally) const {
-        std::cout << std::left << std::setw(22) << route.name << std::setw(18) << fault << std::right;
-        for (const int count : tally) std::cout << std::setw(10) << count;
-        std::cout << "\n";
     }
 };
 
@@ -71,27 +57,24 @@ ON_EACH_ROUTE(FailingCall);
 
 TEST_P(FailingCall, IsToldOrPassedOverOnPurpose) {
     const Whole whole = runWithoutFault();
-    std::cout << std::setw(50) << "whole" << std::setw(10) << "told" << std::setw(10) << "unsaid" << std::setw(10)
-              << "forbidden"
-              << "\n";
     for (const Try& attempt : tries) sweep(whole, attempt, Verdict::unsaid);
     for (const Try& attempt : halves) sweep(whole, attempt, Verdict::whole);
 }
 
 TEST_P(FailingCall, ASyncThatIsRefusedIsToldOfAnRsdFileAlone) {
     const Whole whole = runWithoutFault();
-    const End end = run("sync 1 EIO on");
+    const End end = run({syncs, 1, EIO, true});
     EXPECT_EQ(result(), whole.contents);
     EXPECT_EQ(end.completed(), !toRsd());
     if (toRsd()) {
         EXPECT_NE(end.words().find("did not reach the disk"), std::string::npos) << end.words();
         // One of the last calls opens the folder. A folder that may not be read can't be synced, which is no failure.
         const auto leavesFolderUnsynced = [&](long number) {
-            const End unreadable = run("open " + std::to_string(number) + " EACCES");
+            const End unreadable = run({opens, number, EACCES});
             return unreadable.completed() && unreadable.unsynced == folder() + "\n";
         };
-        const long opens = whole.end.calls[faultsOpen];
-        EXPECT_TRUE(leavesFolderUnsynced(opens) || leavesFolderUnsynced(opens - 1));
+        const long last = whole.end.calls[opens];
+        EXPECT_TRUE(leavesFolderUnsynced(last) || leavesFolderUnsynced(last - 1));
     } else {
         EXPECT_EQ(end.words(), "");
         EXPECT_NE(end.unsynced.find(route.result), std::string::npos) << end.unsynced;
@@ -108,8 +91,8 @@ TEST_P(LongSource, AReadErrorIsNotTakenForTheEndOfTheFile) {
     for (int i = 1; i <= 70; ++i) herd += std::string(1000, 'n') + std::to_string(i) + "\n";
     setSource(herd);
     const Whole whole = runWithoutFault();
-    for (long number = 1; number <= std::min(whole.end.calls[faultsRead], 40L); ++number) {
-        const End end = run("read " + std::to_string(number) + " EIO");
+    for (long number = 1; number <= std::min(whole.end.calls[reads], 40L); ++number) {
+        const End end = run({reads, number, EIO});
         EXPECT_EQ(judge(route, whole.contents, result(), end).reason, "") << number << end.words();
     }
 }
@@ -124,12 +107,12 @@ TEST_P(SlowDisk, AChangeThatSomebodyEndsStopsTheImportWithAWord) {
     setSource(herd);
     const Whole whole = runWithoutFault();
     const auto isLinked = [](const std::string& row) { return row.ends_with("|1|2|Adam|Eve"); };
-    const long calls = whole.end.calls[faultsWrite];
+    const long calls = whole.end.calls[writes];
     int ended = 0;
     // The passes over parents and sexes write last.
     for (const long number : {calls - calls / 4, calls - calls / 5, calls - calls / 6}) {
         SCOPED_TRACE(number);
-        const End end = runAndGiveUp("write " + std::to_string(number) + " slow");
+        const End end = run({writes, number, slow}, true);
         const Contents found = result();
         EXPECT_EQ(judge(route, whole.contents, found, end).reason, "");
         EXPECT_EQ(found.rows, whole.contents.rows);

@@ -12,103 +12,59 @@
 
 #include "tests/faults/plan.h"
 
+/// Declares `real`, the system's own function.
+#define REAL(function) static auto* const real = reinterpret_cast<decltype(&(function))>(dlsym(RTLD_NEXT, #function))
+
 namespace {
-
-using faults::How;
-
-template <typename Function>
-Function* original(const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
 
 constexpr int descriptors = 1024;
 char paths[descriptors][PATH_MAX];
 
 bool isCovered(int descriptor) { return descriptor >= 0 && descriptor < descriptors && paths[descriptor][0] != '\0'; }
 
-/// The bytes that a read or write comes to, or nothing if it has failed.
-size_t allowed(const faults::Fault& fault, size_t size) { return fault.how == How::nothing ? size : (size + 1) / 2; }
-
-using Open = int(const char*, int, ...);
-
-int openWith(Open* function, const char* path, int flags, mode_t mode) {
-    if (!faults::covers(path)) return function(path, flags, mode);
-    if (faults::fails(faultsOpen)) return -1;
-    const bool isNew = (flags & O_CREAT) != 0 && access(path, F_OK) != 0;
-    const int descriptor = function(path, flags, mode);
-    if (descriptor >= 0 && descriptor < descriptors) {
-        std::snprintf(paths[descriptor], sizeof paths[descriptor], "%s", path);
-        if (isNew) faults::noteEntry(path);
-        if (isNew || (flags & O_TRUNC) != 0) faults::noteChange(descriptor, path);
-    }
-    return descriptor;
-}
-
-mode_t modeOf(int flags, va_list arguments) { return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0; }
-
+/// Reads or writes `size` bytes, or as many as the fault leaves, with call(bytes).
 template <typename Call>
-ssize_t readWith(int descriptor, size_t size, Call call) {
+ssize_t transfer(faults::Kind kind, int descriptor, size_t size, Call call) {
     if (!isCovered(descriptor)) return call(size);
-    const faults::Fault fault = faults::next(faultsRead);
-    if (fault.how != How::fails) return call(allowed(fault, size));
-    errno = fault.error;
-    return -1;
-}
-
-template <typename Call>
-ssize_t writeWith(int descriptor, size_t size, Call call) {
-    if (!isCovered(descriptor)) return call(size);
-    const faults::Fault fault = faults::next(faultsWrite);
-    if (fault.how == How::fails) {
-        errno = fault.error;
+    const int fault = faults::next(kind);
+    if (fault > 0) {
+        errno = fault;
         return -1;
     }
-    const ssize_t written = call(allowed(fault, size));
-    if (fault.how == How::isTorn) faults::killNow();
-    faults::noteChange(descriptor, paths[descriptor]);
-    return written;
+    const ssize_t done = call(fault == faults::none ? size : (size + 1) / 2);
+    if (fault == faults::torn) faults::killNow();
+    if (kind == faults::writes) faults::noteChange(descriptor, paths[descriptor]);
+    return done;
 }
 
-/// The first `size` bytes of the pieces, in pieces of their own.
-int cut(const iovec* pieces, int count, size_t size, iovec* result) {
-    int used = 0;
-    for (int i = 0; i < count && size > 0; ++i) {
-        result[used] = {pieces[i].iov_base, pieces[i].iov_len < size ? pieces[i].iov_len : size};
-        size -= result[used++].iov_len;
-    }
-    return used;
-}
-
-size_t total(const iovec* pieces, int count) {
-    size_t size = 0;
-    for (int i = 0; i < count; ++i) size += pieces[i].iov_len;
-    return size;
-}
-
+/// Half of several pieces are the first of them, half of one its first bytes.
 template <typename Call>
-int syncWith(int descriptor, Call call) {
-    if (isCovered(descriptor) && faults::fails(faultsSync)) return -1;
-    const int result = call();
-    if (result == 0 && isCovered(descriptor)) faults::noteSync(descriptor);
-    return result;
+ssize_t writePieces(int descriptor, const iovec* pieces, int count, Call call) {
+    return transfer(faults::writes, descriptor, 2, [&](size_t halves) {
+        if (halves == 2) return call(pieces, count);
+        const iovec beginning{pieces->iov_base, (pieces->iov_len + 1) / 2};
+        return count > 1 ? call(pieces, count / 2) : call(&beginning, 1);
+    });
 }
 
-template <typename Call>
-int truncateWith(int descriptor, Call call) {
-    if (!isCovered(descriptor)) return call();
-    if (faults::fails(faultsTruncate)) return -1;
-    const int result = call();
-    if (result == 0) faults::noteChange(descriptor, paths[descriptor]);
-    return result;
-}
-
-template <typename Call>
-int entryWith(FaultsKind kind, const char* path, Call call) {
-    if (!faults::covers(path)) return call();
+/// Makes a call that fails or is done as a whole, and calls `note` if it was done.
+template <typename Call, typename Note>
+int perform(faults::Kind kind, bool covered, Call call, Note note) {
+    if (!covered) return call();
     if (faults::fails(kind)) return -1;
     const int result = call();
-    if (result == 0) faults::noteEntry(path);
+    if (result >= 0) note(result);
     return result;
+}
+
+template <typename Call>
+int changeEntry(faults::Kind kind, const char* path, Call call) {
+    return perform(kind, faults::covers(path), call, [&](int) { faults::noteEntry(path); });
+}
+
+template <typename Call>
+int sync(int descriptor, Call call) {
+    return perform(faults::syncs, isCovered(descriptor), call, [&](int) { faults::noteSync(descriptor); });
 }
 
 }  // namespace
@@ -116,107 +72,97 @@ int entryWith(FaultsKind kind, const char* path, Call call) {
 extern "C" {
 
 int open(const char* path, int flags, ...) {
-    static auto* const real = original<Open>("open");
+    REAL(open);
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, arguments);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return openWith(real, path, flags, mode);
-}
-
-int open64(const char* path, int flags, ...) {
-    static auto* const real = original<Open>("open64");
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, arguments);
-    va_end(arguments);
-    return openWith(real, path, flags, mode);
+    const bool covered = faults::covers(path);
+    const bool isNew = covered && (flags & O_CREAT) != 0 && access(path, F_OK) != 0;
+    const auto note = [&](int descriptor) {
+        if (descriptor >= descriptors) return;
+        std::snprintf(paths[descriptor], sizeof paths[descriptor], "%s", path);
+        if (isNew) faults::noteEntry(path);
+        if (isNew || (flags & O_TRUNC) != 0) faults::noteChange(descriptor, path);
+    };
+    return perform(
+        faults::opens, covered, [&] { return real(path, flags, mode); }, note);
 }
 
 int close(int descriptor) {
-    static auto* const real = original<int(int)>("close");
+    REAL(close);
     if (isCovered(descriptor)) paths[descriptor][0] = '\0';
     return real(descriptor);
 }
 
 ssize_t read(int descriptor, void* to, size_t size) {
-    static auto* const real = original<ssize_t(int, void*, size_t)>("read");
-    return readWith(descriptor, size, [&](size_t part) { return real(descriptor, to, part); });
+    REAL(read);
+    return transfer(faults::reads, descriptor, size, [&](size_t part) { return real(descriptor, to, part); });
 }
 
 ssize_t pread(int descriptor, void* to, size_t size, off_t at) {
-    static auto* const real = original<ssize_t(int, void*, size_t, off_t)>("pread");
-    return readWith(descriptor, size, [&](size_t part) { return real(descriptor, to, part, at); });
-}
-
-ssize_t pread64(int descriptor, void* to, size_t size, off64_t at) {
-    static auto* const real = original<ssize_t(int, void*, size_t, off64_t)>("pread64");
-    return readWith(descriptor, size, [&](size_t part) { return real(descriptor, to, part, at); });
+    REAL(pread);
+    return transfer(faults::reads, descriptor, size, [&](size_t part) { return real(descriptor, to, part, at); });
 }
 
 ssize_t write(int descriptor, const void* from, size_t size) {
-    static auto* const real = original<ssize_t(int, const void*, size_t)>("write");
-    return writeWith(descriptor, size, [&](size_t part) { return real(descriptor, from, part); });
+    REAL(write);
+    return transfer(faults::writes, descriptor, size, [&](size_t part) { return real(descriptor, from, part); });
 }
 
 ssize_t pwrite(int descriptor, const void* from, size_t size, off_t at) {
-    static auto* const real = original<ssize_t(int, const void*, size_t, off_t)>("pwrite");
-    return writeWith(descriptor, size, [&](size_t part) { return real(descriptor, from, part, at); });
-}
-
-ssize_t pwrite64(int descriptor, const void* from, size_t size, off64_t at) {
-    static auto* const real = original<ssize_t(int, const void*, size_t, off64_t)>("pwrite64");
-    return writeWith(descriptor, size, [&](size_t part) { return real(descriptor, from, part, at); });
+    REAL(pwrite);
+    return transfer(faults::writes, descriptor, size, [&](size_t part) { return real(descriptor, from, part, at); });
 }
 
 ssize_t writev(int descriptor, const iovec* pieces, int count) {
-    static auto* const real = original<ssize_t(int, const iovec*, int)>("writev");
-    return writeWith(descriptor, total(pieces, count), [&](size_t part) {
-        iovec some[IOV_MAX];
-        return real(descriptor, some, cut(pieces, count, part, some));
-    });
+    REAL(writev);
+    return writePieces(descriptor, pieces, count, [&](const iovec* some, int n) { return real(descriptor, some, n); });
 }
 
 ssize_t pwritev(int descriptor, const iovec* pieces, int count, off_t at) {
-    static auto* const real = original<ssize_t(int, const iovec*, int, off_t)>("pwritev");
-    return writeWith(descriptor, total(pieces, count), [&](size_t part) {
-        iovec some[IOV_MAX];
-        return real(descriptor, some, cut(pieces, count, part, some), at);
-    });
+    REAL(pwritev);
+    return writePieces(descriptor, pieces, count,
+                       [&](const iovec* some, int n) { return real(descriptor, some, n, at); });
 }
 
 int ftruncate(int descriptor, off_t size) noexcept {
-    static auto* const real = original<int(int, off_t)>("ftruncate");
-    return truncateWith(descriptor, [&] { return real(descriptor, size); });
-}
-
-int ftruncate64(int descriptor, off64_t size) noexcept {
-    static auto* const real = original<int(int, off64_t)>("ftruncate64");
-    return truncateWith(descriptor, [&] { return real(descriptor, size); });
+    REAL(ftruncate);
+    return perform(
+        faults::truncates, isCovered(descriptor), [&] { return real(descriptor, size); },
+        [&](int) { faults::noteChange(descriptor, paths[descriptor]); });
 }
 
 int fsync(int descriptor) {
-    static auto* const real = original<int(int)>("fsync");
-    return syncWith(descriptor, [&] { return real(descriptor); });
+    REAL(fsync);
+    return sync(descriptor, [&] { return real(descriptor); });
 }
 
 int fdatasync(int descriptor) {
-    static auto* const real = original<int(int)>("fdatasync");
-    return syncWith(descriptor, [&] { return real(descriptor); });
+    REAL(fdatasync);
+    return sync(descriptor, [&] { return real(descriptor); });
 }
 
 int rename(const char* from, const char* to) noexcept {
-    static auto* const real = original<int(const char*, const char*)>("rename");
-    return entryWith(faultsRename, to, [&] { return real(from, to); });
+    REAL(rename);
+    return changeEntry(faults::renames, to, [&] { return real(from, to); });
 }
 
 int unlink(const char* path) noexcept {
-    static auto* const real = original<int(const char*)>("unlink");
-    return entryWith(faultsUnlink, path, [&] { return real(path); });
+    REAL(unlink);
+    return changeEntry(faults::unlinks, path, [&] { return real(path); });
 }
 
 int remove(const char* path) noexcept {
-    static auto* const real = original<int(const char*)>("remove");
-    return entryWith(faultsUnlink, path, [&] { return real(path); });
+    REAL(remove);
+    return changeEntry(faults::unlinks, path, [&] { return real(path); });
 }
+
+// Where offsets have 64 bits, the functions that say so are the same ones.
+static_assert(sizeof(off_t) == sizeof(off64_t));
+int open64(const char* path, int flags, ...) __attribute__((alias("open")));
+ssize_t pread64(int descriptor, void* to, size_t size, off64_t at) __attribute__((alias("pread")));
+ssize_t pwrite64(int descriptor, const void* from, size_t size, off64_t at) __attribute__((alias("pwrite")));
+ssize_t pwritev64(int descriptor, const iovec* pieces, int count, off64_t at) __attribute__((alias("pwritev")));
+int ftruncate64(int descriptor, off64_t size) noexcept __attribute__((alias("ftruncate")));
 }

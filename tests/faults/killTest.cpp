@@ -9,14 +9,15 @@ namespace {
 using Killed = Sweep;
 
 struct Kill {
-    FaultsKind kind;
-    const char* how;
+    faults::Kind kind;
+    faults::Fault how;
     long some;  ///< places in an ordinary run of the tests
 };
 
-constexpr Kill kills[] = {{faultsWrite, "kill", 6}, {faultsWrite, "torn", 6},  {faultsTruncate, "kill", 2},
-                          {faultsSync, "kill", 3},  {faultsUnlink, "kill", 2}, {faultsOpen, "kill", 3},
-                          {faultsRename, "kill", 1}};
+constexpr Kill kills[] = {{faults::writes, faults::killed, 6},    {faults::writes, faults::torn, 6},
+                          {faults::truncates, faults::killed, 2}, {faults::syncs, faults::killed, 3},
+                          {faults::unlinks, faults::killed, 2},   {faults::opens, faults::killed, 3},
+                          {faults::renames, faults::killed, 1}};
 
 ON_EACH_ROUTE(Killed);
 
@@ -28,14 +29,13 @@ TEST_P(Killed, LeavesAResultAsItWasCommittedAndCanBeStartedAgain) {
                                               route.result + std::string("-jetjournal"), "empty.ldb", copyOfASource};
     for (const Kill& kill : kills) {
         for (const long number : places(whole.end.calls[kill.kind], kill.some)) {
-            const std::string plan = faultsKindNames[kill.kind] + (" " + std::to_string(number)) + " " + kill.how;
-            SCOPED_TRACE(plan);
-            EXPECT_EQ(run(plan).signal, SIGKILL);
+            SCOPED_TRACE(testing::Message() << "kind " << kill.kind << ", fault " << kill.how << " at " << number);
+            EXPECT_EQ(run({kill.kind, number, kill.how}).signal, SIGKILL);
             EXPECT_EQ(sideEffects(waiting), "");
             EXPECT_EQ(judgeKilled(route, whole.contents, result()).reason, "");
             // A second run would add its rows to those that are there.
             if (std::string(route.to) == "Cav") continue;
-            EXPECT_TRUE(runAgain().completed());
+            EXPECT_TRUE(convert().completed());
             EXPECT_EQ(result(), whole.contents);
             EXPECT_EQ(sideEffects({copyOfASource}), "");
         }

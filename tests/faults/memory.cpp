@@ -24,7 +24,7 @@ bool isCounted(void* caller) {
     return std::strstr(name, "libsqlcipher") != nullptr || std::strstr(name, "tolvarisaccess") != nullptr;
 }
 
-bool runsOut(void* caller) { return isCounted(caller) && faults::next(faultsAllocation).how == faults::How::fails; }
+bool runsOut(void* caller) { return isCounted(caller) && faults::fails(faults::allocations); }
 
 }  // namespace
 

@@ -2,21 +2,14 @@
 
 #include "tests/faults/faults.h"
 
-// The plan of faults, which all intercepted calls ask.
+// What the intercepted calls ask and report.
 namespace faults {
 
-enum class How { nothing, fails, isShort, isSlow, isTorn, kills };
-
-struct Fault {
-    How how = How::nothing;
-    int error = 0;
-};
-
-/// Counts a call and returns its fault. Kills the process if that is the fault.
-Fault next(FaultsKind kind);
+/// Counts a call and returns its fault: a Fault or the number of an error. Kills the process if that is the fault.
+int next(Kind kind);
 
 /// Counts a call that can only fail. Returns true and sets errno if it has to.
-bool fails(FaultsKind kind);
+bool fails(Kind kind);
 
 /// Whether calls are counted, and the path names the folder or something in it.
 bool covers(const char* path);

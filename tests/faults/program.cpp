@@ -1,7 +1,6 @@
 #include "tests/faults/program.h"
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -11,13 +10,11 @@
 #include <sstream>
 #include <stdexcept>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "shell/app.h"
-#include "tests/support/fileSizeLimit.h"
 
 namespace {
 
@@ -26,7 +23,6 @@ constexpr char unsyncedMark = '\1';
 
 /// Destroyed before the program's variables, as in the program itself.
 std::unique_ptr<App> app;
-unsigned long fileLimit = RLIM_INFINITY;
 
 void note(int descriptor, const std::string& text) {
     const std::string entry = text + '\0';
@@ -34,14 +30,14 @@ void note(int descriptor, const std::string& text) {
 }
 
 void noteUnsynced(int notes) {
-    std::string unsynced(4096, '\0');
-    faultsUnsynced(unsynced.data(), unsynced.size());
-    note(notes, unsyncedMark + std::string(unsynced.c_str()));
+    (void)!write(notes, &unsyncedMark, 1);
+    faults::writeUnsynced(notes);
+    note(notes, "");
 }
 
 void giveUpAtTheFault(WindowDriver& driver) {
     driver.onEveryTurn([&driver] {
-        if (!faultsMet()) return;
+        if (!faults::met()) return;
         driver.onEveryTurn(nullptr);
         driver.answers.assign(1, "No");
         if (driver.isOpen("frmWait")) {
@@ -52,7 +48,7 @@ void giveUpAtTheFault(WindowDriver& driver) {
     });
 }
 
-void convert(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan) {
+void convert(WindowDriver& driver, const Order& order, const std::string& folder, const faults::Plan& plan) {
     if (!driver.isOpen("frmMain")) {
         // A window handles events while it is being created.
         if (driver.isOpen("frmSplash")) driver.click("frmSplash", "cmdStart");
@@ -65,16 +61,16 @@ void convert(WindowDriver& driver, const Order& order, const std::string& folder
     driver.answers.assign(20, "Yes");
     if (order.givesUp) giveUpAtTheFault(driver);
     driver.files = {order.cav};
-    faultsArm(folder.c_str(), plan.c_str());
+    faults::arm(folder.c_str(), plan);
     driver.click("frmMain", "cmdConvert");
     if (driver.isOpen("frmMain")) driver.closeWindow("frmMain");
 }
 
 [[noreturn]] void runProgram(WindowDriver& driver, const Order& order, const std::string& folder,
-                             const std::string& plan, int notes) {
+                             const faults::Plan& plan, int notes) {
+    alarm(60);
     setenv("HOME", folder.c_str(), 1);
     setenv("TMPDIR", folder.c_str(), 1);
-    const FileSizeLimit limit(fileLimit);
     // A CAV file is synced when its connection is closed, at the end of the conversion.
     const bool intoCav = order.to == "Cav";
     driver.onBox([notes, intoCav](const Box& box) {
@@ -100,21 +96,6 @@ void readNotes(const std::string& path, End& end) {
     }
 }
 
-/// Waits at most a minute for the process, then kills it and sets `hung`.
-int statusOf(pid_t process, bool& hung) {
-    using namespace std::chrono_literals;
-    const auto deadline = std::chrono::steady_clock::now() + 60s;
-    int status = 0;
-    while (waitpid(process, &status, WNOHANG) == 0) {
-        if (!hung && std::chrono::steady_clock::now() > deadline) {
-            hung = true;
-            kill(process, SIGKILL);
-        }
-        std::this_thread::sleep_for(2ms);
-    }
-    return status;
-}
-
 }  // namespace
 
 bool End::completed() const { return std::find(boxes.begin(), boxes.end(), completedText) != boxes.end(); }
@@ -127,7 +108,7 @@ std::string End::words() const {
     return text;
 }
 
-End convertUnderFaults(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan,
+End convertUnderFaults(WindowDriver& driver, const Order& order, const std::string& folder, const faults::Plan& plan,
                        const std::string& notes) {
     const int descriptor = open(notes.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     if (descriptor < 0) throw std::runtime_error(notes + " cannot be written");
@@ -136,15 +117,14 @@ End convertUnderFaults(WindowDriver& driver, const Order& order, const std::stri
     if (process == 0) runProgram(driver, order, folder, plan, descriptor);
     close(descriptor);
     End end;
-    const int status = statusOf(process, end.hung);
+    int status = 0;
+    waitpid(process, &status, 0);
     if (WIFEXITED(status)) end.code = WEXITSTATUS(status);
     if (WIFSIGNALED(status)) end.signal = WTERMSIG(status);
     readNotes(notes, end);
-    for (int kind = 0; kind < faultsKinds; ++kind) end.calls[kind] = faultsCount(kind);
+    for (int kind = 0; kind < faults::kinds; ++kind) end.calls[kind] = faults::count(static_cast<faults::Kind>(kind));
     return end;
 }
-
-void limitFiles(unsigned long bytes) { fileLimit = bytes; }
 
 #ifdef __SANITIZE_ADDRESS__
 /// A finding of the sanitizers ends the program by a signal, which differs from every exit code of the program.

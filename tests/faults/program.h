@@ -20,11 +20,10 @@ struct Order {
 /// How the program ended.
 struct End {
     int code = -1;
-    int signal = 0;
-    bool hung = false;
+    int signal = 0;                  ///< SIGALRM if it took longer than a minute
     std::vector<std::string> boxes;  ///< their texts, but for questions
     std::string unsynced;  ///< when "Operation completed" stood on the screen, on the ways into CAV at the end
-    std::array<long, faultsKinds> calls{};
+    std::array<long, faults::kinds> calls{};
 
     bool completed() const;
     /// Returns the texts of all boxes but "Operation completed", one a line: the reported failures.
@@ -32,10 +31,7 @@ struct End {
 };
 
 /// Runs the program from its first window to the end of its process, in a fork of this one, whose windows `driver`
-/// drives. The faults are those of the plan, in the folder; its Desktop and temporary files lie there too. What it
-/// tells is kept in the file `notes`, out of that folder.
-End convertUnderFaults(WindowDriver& driver, const Order& order, const std::string& folder, const std::string& plan,
+/// drives. The plan's fault is injected in the folder, where the Desktop and temporary files lie, too. The texts of
+/// boxes are kept in the file `notes`, outside that folder.
+End convertUnderFaults(WindowDriver& driver, const Order& order, const std::string& folder, const faults::Plan& plan,
                        const std::string& notes);
-
-/// Limits the size in bytes of files that later programs write. Writing past it fails as on a full disk.
-void limitFiles(unsigned long bytes);

@@ -1,32 +1,27 @@
 // Streams of the C library. Their own calls to the system can't be intercepted, so streams on files of the folder read
-// and write through functions of this library.
+// and write through functions of this library. They are opened with "rb" or "wb".
 
 #include <cstdio>
-#include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <map>
 #include <unistd.h>
 
 #include "tests/faults/plan.h"
 
 namespace {
 
-struct OpenStream {
-    FILE* stream = nullptr;
-    int descriptor = -1;
-};
+std::map<FILE*, int> descriptorOf;
 
-OpenStream streams[64];
+int descriptorIn(void* cookie) { return static_cast<int>(reinterpret_cast<intptr_t>(cookie)); }
 
-int descriptorOf(void* cookie) { return static_cast<OpenStream*>(cookie)->descriptor; }
-
-ssize_t readFrom(void* cookie, char* to, size_t size) { return read(descriptorOf(cookie), to, size); }
+ssize_t readFrom(void* cookie, char* to, size_t size) { return read(descriptorIn(cookie), to, size); }
 
 ssize_t writeTo(void* cookie, const char* from, size_t size) {
     // Like the C library, continues a write that was done in part.
     size_t done = 0;
     while (done < size) {
-        const ssize_t written = write(descriptorOf(cookie), from + done, size - done);
+        const ssize_t written = write(descriptorIn(cookie), from + done, size - done);
         if (written < 0) break;
         done += written;
     }
@@ -34,35 +29,13 @@ ssize_t writeTo(void* cookie, const char* from, size_t size) {
 }
 
 int seekIn(void* cookie, off64_t* at, int whence) {
-    *at = lseek64(descriptorOf(cookie), *at, whence);
+    *at = lseek64(descriptorIn(cookie), *at, whence);
     return *at < 0 ? -1 : 0;
 }
 
 int closeIt(void* cookie) {
-    auto* const entry = static_cast<OpenStream*>(cookie);
-    entry->stream = nullptr;
-    return close(entry->descriptor);
-}
-
-int flagsOf(const char* mode) {
-    const bool both = std::strchr(mode, '+') != nullptr;
-    const int extra =
-        (std::strchr(mode, 'x') != nullptr ? O_EXCL : 0) | (std::strchr(mode, 'e') != nullptr ? O_CLOEXEC : 0);
-    if (*mode == 'r') return (both ? O_RDWR : O_RDONLY) | extra;
-    return (both ? O_RDWR : O_WRONLY) | O_CREAT | (*mode == 'a' ? O_APPEND : O_TRUNC) | extra;
-}
-
-FILE* openCovered(const char* path, const char* mode) {
-    const int descriptor = open(path, flagsOf(mode), 0666);
-    if (descriptor < 0) return nullptr;
-    for (OpenStream& entry : streams) {
-        if (entry.stream != nullptr) continue;
-        entry.descriptor = descriptor;
-        entry.stream = fopencookie(&entry, mode, {readFrom, writeTo, seekIn, closeIt});
-        return entry.stream;
-    }
-    close(descriptor);
-    return nullptr;
+    std::erase_if(descriptorOf, [&](const auto& entry) { return entry.second == descriptorIn(cookie); });
+    return close(descriptorIn(cookie));
 }
 
 }  // namespace
@@ -70,29 +43,28 @@ FILE* openCovered(const char* path, const char* mode) {
 extern "C" {
 
 FILE* fopen(const char* path, const char* mode) {
-    static auto* const real = reinterpret_cast<FILE* (*)(const char*, const char*)>(dlsym(RTLD_NEXT, "fopen"));
-    return faults::covers(path) ? openCovered(path, mode) : real(path, mode);
+    static auto* const real = reinterpret_cast<decltype(&fopen)>(dlsym(RTLD_NEXT, "fopen"));
+    if (!faults::covers(path)) return real(path, mode);
+    const int descriptor = open(path, *mode == 'r' ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    if (descriptor < 0) return nullptr;
+    void* const cookie = reinterpret_cast<void*>(static_cast<intptr_t>(descriptor));
+    FILE* const stream = fopencookie(cookie, mode, {readFrom, writeTo, seekIn, closeIt});
+    descriptorOf[stream] = descriptor;
+    return stream;
 }
 
-FILE* fopen64(const char* path, const char* mode) {
-    static auto* const real = reinterpret_cast<FILE* (*)(const char*, const char*)>(dlsym(RTLD_NEXT, "fopen64"));
-    return faults::covers(path) ? openCovered(path, mode) : real(path, mode);
-}
+FILE* fopen64(const char* path, const char* mode) __attribute__((alias("fopen")));
 
 // The C library reads a stream of this kind byte by byte where it has no buffer.
 int setvbuf(FILE* stream, char* buffer, int mode, size_t size) noexcept {
-    static auto* const real = reinterpret_cast<int (*)(FILE*, char*, int, size_t)>(dlsym(RTLD_NEXT, "setvbuf"));
-    for (const OpenStream& entry : streams) {
-        if (entry.stream == stream && mode == _IONBF) return real(stream, nullptr, _IOFBF, 1U << 16U);
-    }
+    static auto* const real = reinterpret_cast<decltype(&setvbuf)>(dlsym(RTLD_NEXT, "setvbuf"));
+    if (mode == _IONBF && descriptorOf.contains(stream)) return real(stream, nullptr, _IOFBF, 1U << 16U);
     return real(stream, buffer, mode, size);
 }
 
 int fileno(FILE* stream) noexcept {
-    static auto* const real = reinterpret_cast<int (*)(FILE*)>(dlsym(RTLD_NEXT, "fileno"));
-    for (const OpenStream& entry : streams) {
-        if (entry.stream == stream) return entry.descriptor;
-    }
-    return real(stream);
+    static auto* const real = reinterpret_cast<decltype(&fileno)>(dlsym(RTLD_NEXT, "fileno"));
+    const auto found = descriptorOf.find(stream);
+    return found == descriptorOf.end() ? real(stream) : found->second;
 }
 }

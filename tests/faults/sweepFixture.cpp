@@ -63,27 +63,17 @@ void Sweep::setSource(const std::string& text) {
     std::ofstream(original_) << text;
 }
 
-void Sweep::prepare() const {
-    fs::create_directories(folder_);
-    for (const auto& entry : fs::directory_iterator(folder_)) fs::remove_all(entry);
-    fs::create_directory(inFolder("Desktop"));
+End Sweep::run(const faults::Plan& plan, bool givesUp) {
+    fs::remove_all(folder_);
+    fs::create_directories(inFolder("Desktop"));
     for (const char* ending : {"", "-wal"}) {
         if (fs::exists(original_ + ending)) fs::copy_file(original_ + ending, inFolder(route.source) + ending);
     }
     if (fillsAFile(route)) fs::copy_file(std::string(SAMPLES) + "/" + route.result, inFolder(route.result));
+    return convert(plan, givesUp);
 }
 
-End Sweep::run(const std::string& plan) {
-    prepare();
-    return convert(plan);
-}
-
-End Sweep::runAndGiveUp(const std::string& plan) {
-    prepare();
-    return convert(plan, true);
-}
-
-End Sweep::convert(const std::string& plan, bool givesUp) {
+End Sweep::convert(const faults::Plan& plan, bool givesUp) {
     const Order order{.from = route.from,
                       .to = route.to,
                       .source = inFolder(route.source),
@@ -94,7 +84,7 @@ End Sweep::convert(const std::string& plan, bool givesUp) {
 
 Sweep::Whole Sweep::runWithoutFault() {
     Whole whole;
-    whole.end = run("");
+    whole.end = run({});
     whole.contents = result();
     EXPECT_TRUE(whole.end.completed());
     EXPECT_EQ(whole.end.code, 0);

@@ -16,19 +16,14 @@ class Sweep : public testing::TestWithParam<Route> {
     void TearDown() override;
 
     /// Converts the route's sample, a fresh copy of it. The folder stays as the run left it until the next one.
-    End run(const std::string& plan);
+    /// With `givesUp`, presses Cancel at the call that meets the fault, and keeps the new file.
+    End run(const faults::Plan& plan, bool givesUp = false);
 
-    /// Likewise, and presses Cancel at the call that meets the fault; keeps the new file.
-    End runAndGiveUp(const std::string& plan);
-
-    /// Converts again in the same folder, without a fault.
-    End runAgain() { return convert(""); }
+    /// Converts in the folder as it is.
+    End convert(const faults::Plan& plan = {}, bool givesUp = false);
 
     /// Uses this text instead of the route's sample.
     void setSource(const std::string& text);
-
-    /// Fills the folder for a run.
-    void prepare() const;
 
     Contents result() const { return route.read(inFolder(route.result)); }
 
@@ -55,12 +50,7 @@ class Sweep : public testing::TestWithParam<Route> {
 
     const Route& route = GetParam();
 
-    /// Puts the fresh copies somewhere else from now on.
-    void setFolder(const std::string& folder) { folder_ = folder; }
-
   private:
-    End convert(const std::string& plan, bool givesUp = false);
-
     WindowDriver driver_;
     std::string own_;
     std::string original_;
