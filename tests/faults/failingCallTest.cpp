@@ -24,7 +24,7 @@ constexpr Try tries[] = {
 };
 
 /// Calls that may do less than they were asked for are no failure.
-constexpr Try halves[] = {{reads, shortened, false, 4}, {writes, shortened, false, 4}};
+constexpr Try halves[] = {{reads, shortened, false, 4}, {writes, shortened, false, 25}};
 
 class FailingCall : public Sweep {
   protected:
