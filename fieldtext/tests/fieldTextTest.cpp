@@ -19,7 +19,7 @@ using Texts = std::vector<std::string>;
 
 class FieldText : public ProgramTest {
   protected:
-    /// The first cells of a row of the grid.
+    /// Returns the first cells of a row of the grid.
     static Texts cells(int row, int count) {
         Texts found;
         for (int column = 0; column < count; ++column) found.emplace_back(CSVa.cell(row, column));

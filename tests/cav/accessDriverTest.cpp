@@ -1,4 +1,4 @@
-// The routes into CAV through our own driver into real files, read back with somebody else's reader.
+// The routes into CAV through our own driver into real files, read back with an independent reader.
 
 #include <cstdio>
 #include <cstdlib>
@@ -47,7 +47,7 @@ class ThroughAccessDriver : public ProgramTest {
         convert(from, "Cav", source);
     }
 
-    /// The columns of each row behind the id, an empty or absent one as nothing between the bars.
+    /// Returns the columns of each row behind the id, separated by bars; an empty or absent value is nothing.
     Lines rows(const std::string& table) const {
         const std::string command = "mdb-export -H -Q -d '|' '" + cav() + "' " + table;
         const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
@@ -108,7 +108,7 @@ TEST_F(ThroughAccessDriver, NamesOfAllScriptsArriveInAnIndexedColumn) {
     EXPECT_EQ(rows->value(1), jet::Value(std::string("Paw 🐾")));
 }
 
-// One box for each animal that was left: the driver called a connection to a deleted file dead.
+// If the driver reported a connection to a deleted file as dead, each further animal would bring a box.
 TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
     yielding::setPump(yielding::Pump::everyCall);
     std::string herd = "name,id\n";
@@ -134,7 +134,7 @@ TEST_F(ThroughAccessDriver, CancelAndYesRunsOnInTheDeletedFile) {
     }
 }
 
-// The tables are read one after the other, and nobody may change the herd between two of them.
+// The tables are read one after the other, and no other program may write between two of them.
 TEST_F(ThroughAccessDriver, NobodyElseWritesToTheRsdFileOnItsWay) {
     const std::string rsd = sixtyAnimals();
     yielding::setPump(yielding::Pump::everyCall);

@@ -1,4 +1,4 @@
-// The dialogue that finds the empty database, and paths that can't be its own.
+// The dialogue that finds the empty database, and destinations that are refused.
 
 #include <filesystem>
 
@@ -61,7 +61,7 @@ TEST_F(CavDestination, ReachesTheDriverUnchanged) {
     }
 }
 
-// A path with more in it filled the neighbour, or had a library of somebody's own loaded.
+// These characters would end the path in the connection string: what follows names another file or driver.
 TEST_F(CavDestination, IsRefusedBeforeAnyConnectionIfItIsNoPathOrTheSource) {
     std::filesystem::create_symlink(csv(), path("link.cav"));
     const std::string isInvalid = " is not a valid path: it has a ";

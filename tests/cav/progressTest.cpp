@@ -26,10 +26,10 @@ class CavProgress : public CavTest {
         return write("herd.csv", content);
     }
 
-    /// Each state that the window showed, once: text, bar's value and maximum, or "no bar".
+    /// The states that the window showed, without repetitions: text, value and maximum of the bar, or "no bar".
     Lines shown;
 
-    /// The Cancel button is pressed once, when the window shows this text.
+    /// The text of the window at which the Cancel button is pressed, once; empty for never.
     std::string cancelAt;
 
     const std::string question =

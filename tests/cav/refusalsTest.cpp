@@ -56,14 +56,14 @@ TEST_F(CavRefused, RsdRowsAreLostOneByOneAndTheConnectionIsMadeAgain) {
     const auto row = [](const std::string& vaccination) {
         return "INSERT INTO vaccinations (dueDate,name,vaccination,done) VALUES ('','','" + vaccination + "','')";
     };
-    recorder.dieAfterStatement(1).refuseConnects(2, 3).refuseStatement(2, {-3100, "Syntax error (missing operator)"});
+    recorder.dieAfterConnect(1).refuseConnects(2, 3).refuseStatement(2, {-3100, "Syntax error (missing operator)"});
     const int beepsBefore = beepCount();
     convertToCav("Rsd", rsdSource("INSERT INTO vaccinations (vaccination) VALUES ('a'), ('b'), ('c'), ('d'), ('e')"));
     EXPECT_EQ(log(),
-              (Lines{"1: connect " + connectTo(destination()), "1: " + row("a"), "1: disconnect",
+              (Lines{"1: connect " + connectTo(destination()), "1: disconnect",
                      "2: refused connect " + connectTo(destination()), "3: refused connect " + connectTo(destination()),
-                     "4: connect " + connectTo(destination()), "4: refused " + row("d"), "4: commit", "4: " + row("e"),
-                     "4: commit", "4: rollback", "4: disconnect"}));
+                     "4: connect " + connectTo(destination()), "4: " + row("c"), "4: commit", "4: refused " + row("d"),
+                     "4: commit", "4: " + row("e"), "4: commit", "4: rollback", "4: disconnect"}));
     EXPECT_EQ(boxes(), (Lines{lostRow, lostRow, "Operation completed"}));
     EXPECT_EQ(beepCount(), beepsBefore);
 }

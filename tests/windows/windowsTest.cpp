@@ -20,14 +20,14 @@ namespace {
 
 class Windows : public ProgramTest {
   protected:
-    /// The area of a window that holds its controls.
+    /// Returns the area of a window that holds its controls.
     const QWidget* content(const std::string& window) const {
         for (const QWidget* child : driver.window(window)->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
             if (child->property("contentArea").toBool()) return child;
         return nullptr;
     }
 
-    /// A control's rectangle in the content area of its window.
+    /// Returns a control's rectangle in the content area of its window.
     QRect place(const std::string& window, const std::string& control) const {
         const QWidget* shown = driver.widget(window, control);
         return {shown->mapTo(content(window), QPoint(0, 0)), shown->size()};

@@ -22,14 +22,14 @@ class Choosing : public ProgramTest {
   protected:
     QLineEdit* field() const { return qobject_cast<QLineEdit*>(driver.widget("frmMain", "txtFilePath")); }
 
-    /// The field's text after the text was pasted over what the selection covers.
+    /// Pastes the text over the selection and returns the field's text.
     std::string pasted(const std::string& text) const {
         QApplication::clipboard()->setText(QString::fromStdString(text));
         QTest::keySequence(field(), QKeySequence::Paste);
         return field()->text().toStdString();
     }
 
-    /// Drops data on the window, somewhere far from the field. False if it is not taken.
+    /// Drops data on the window, far from the field, and returns whether the window accepts it.
     bool drop(const QMimeData& data) const {
         QWidget* window = driver.window("frmMain");
         QDragEnterEvent enter(QPoint(20, 60), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
@@ -47,7 +47,7 @@ TEST_F(Choosing, CleansAPastedPath) {
         const char* before;
         const char* pasted;
         const char* after;
-    } cases[] = {{"/old.csv", " \t/home/a b/dogs.csv\r\n", "/home/a b/dogs.csv"},
+    } cases[] = {{"/old.csv", " \t/home/a b/do\r\ngs.csv\r\n", "/home/a b/dogs.csv"},
                  {"", "file:///home/a%20b/Zo%C3%AB%2520.csv", "/home/a b/Zo\xC3\xAB%20.csv"},
                  // The new text has letters in common with the old one.
                  {"flock.csv", "file:///home/flock.csv", "/home/flock.csv"},

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The room that a text takes, without what is empty above and below its letters.
+/// Returns the size in pixels that a text takes, without the empty space above and below its letters.
 QSize inkOf(const QString& text, const QFontMetrics& metrics, int lineHeight) {
     const QStringList lines = text.split('\n');
     int width = 0;
@@ -22,7 +22,7 @@ QSize inkOf(const QString& text, const QFontMetrics& metrics, int lineHeight) {
     return {width, above + metrics.tightBoundingRect(text.isEmpty() ? "x" : "Ag").height()};
 }
 
-/// Whether the control shows the whole text, and has room for it.
+/// Succeeds if the control shows the whole text and is large enough for it.
 testing::AssertionResult fits(const QWidget* widget, const std::string& whole) {
     const auto* label = qobject_cast<const QLabel*>(widget);
     const QString shown = label != nullptr ? label->text() : widget->property("text").toString();
