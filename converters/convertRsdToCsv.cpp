@@ -30,7 +30,7 @@ std::string headingRow() {
     return row;
 }
 
-/// A table of this program's own layout has no columns of these names, so its custom values stay out.
+/// Deliberate: a table of today's layout has no columns of these names, so the values under custom headings stay empty.
 std::array<std::string, 15> customFields() {
     std::array<std::string, 15> names;
     for (std::size_t i = 0; i < names.size(); ++i) names[i] = "fldCustomField" + std::to_string(i + 1);

@@ -2,8 +2,8 @@
 
 #include <csignal>
 
-#include "platform/database/sqliteDatabase.h"
 #include "platform/database/longStatements.h"
+#include "platform/database/sqliteDatabase.h"
 #include "platform/desktop/painting.h"
 #include "platform/values/failure.h"
 #include "shell/state/appSystem.h"

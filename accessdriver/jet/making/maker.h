@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/records/properties.h"
+#include "accessdriver/jet/schema.h"
 
 // Makes Access files for samples and tests: header, free-page map, system tables, user tables. The driver itself
 // creates no files.

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "accessdriver/jet/value.h"
 #include "accessdriver/jet/records/tableDefinition.h"
+#include "accessdriver/jet/value.h"
 
 namespace jet {
 

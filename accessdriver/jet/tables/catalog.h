@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/records/properties.h"
+#include "accessdriver/jet/schema.h"
 #include "accessdriver/jet/storage/pageAccess.h"
 
 namespace jet {
