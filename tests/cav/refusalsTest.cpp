@@ -2,6 +2,7 @@
 
 #include "tests/cav/beepCounter.h"
 #include "tests/cav/cavFixture.h"
+#include "tests/support/fileSizeLimit.h"
 
 namespace {
 
@@ -50,6 +51,22 @@ TEST_F(CavRefused, CsvRowsAreLostWithABoxOrInSilenceAndTheRestIsCommitted) {
                      "2: refused connect " + connectTo(destination()), "3: connect " + connectTo(destination()),
                      "3: refused " + row("Cid"), "3: " + row("Dan"), "3: commit", "3: rollback", "3: disconnect"}));
     EXPECT_EQ(boxes(), (Lines{lostRow, "Operation completed"}));
+}
+
+TEST_F(CavRefused, AReportThatCannotBeWrittenEndsTheRouteInSilence) {
+    const std::string bad = write("bad.csv", "name,sex,sire,dam\nAda,f\n");
+    driver.answers = {"No"};
+    {
+        // The report is short enough to be written only when it is closed.
+        const FileSizeLimit limit(10);
+        convertToCav("Csv", bad);
+    }
+    std::filesystem::remove_all(path("Desktop"));
+    driver.answers = {"No"};
+    convertToCav("Csv", bad);
+    EXPECT_EQ(boxes().size(), 2U) << "the question at the first bad line, and none about a report";
+    EXPECT_EQ(recorder.texts(Kind::statement), Lines{});
+    EXPECT_FALSE(driver.isOpen("frmWait"));
 }
 
 TEST_F(CavRefused, RsdRowsAreLostOneByOneAndTheConnectionIsMadeAgain) {
