@@ -138,8 +138,8 @@ SQLRETURN SQL_API SQLCopyDesc(SQLHDESC from, SQLHDESC to) {
     const auto source = std::static_pointer_cast<DescriptorHandle>(findHandle(from, DescriptorHandle::handleType));
     if (!source) return SQL_INVALID_HANDLE;
     DescriptorContent content;
-    const SQLRETURN read =
-        withHandle<DescriptorHandle>(from, [&](DescriptorHandle& descriptor) { content = descriptor; });
+    const SQLRETURN read = withHandle<DescriptorHandle>(
+        from, [&](DescriptorHandle& descriptor) { content = static_cast<const DescriptorContent&>(descriptor); });
     if (!SQL_SUCCEEDED(read)) return read;
     return withHandle<DescriptorHandle>(
         to, [&](DescriptorHandle& descriptor) { descriptor.copyFrom(content, source->kind()); });

@@ -42,9 +42,10 @@ ConnectString::ConnectString(std::string_view text) {
         const std::size_t end = text.find_first_of("=;");
         if (end == std::string_view::npos || text[end] == ';') {
             const std::string piece = takePlain(text);
-            if (!piece.empty())
+            if (!piece.empty()) {
                 throw sql::Error("08001",
                                  "The connection string has a piece without a value: " + jet::abbreviated(piece));
+            }
             continue;
         }
         std::string keyword(sql::trimmed(text.substr(0, end)));

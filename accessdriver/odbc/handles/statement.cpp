@@ -167,13 +167,12 @@ SQLRETURN StatementHandle::fetch(SQLSMALLINT orientation, SQLLEN offset, const R
         if (wanted.status != nullptr) storeAt(wanted.status + row, status);
     };
     if (cursor_->move(orientation, offset, wanted.size, cut)) {
-        bool readable = true;
-        for (; readable && rowsetSize_ < wanted.size; ++rowsetSize_) {
+        while (rowsetSize_ < wanted.size) {
             const std::size_t warnings = diagnostics.records().size();
+            bool readable = false;
             try {
-                readable = false;
-                if (!cursor_->moveToRow(rowsetSize_)) break;
-                readable = true;
+                readable = cursor_->moveToRow(rowsetSize_);
+                if (!readable) break;
                 fillBoundColumns(rowsetSize_);
                 report(rowsetSize_,
                        diagnostics.records().size() == warnings ? SQL_ROW_SUCCESS : SQL_ROW_SUCCESS_WITH_INFO);
@@ -182,8 +181,10 @@ SQLRETURN StatementHandle::fetch(SQLSMALLINT orientation, SQLLEN offset, const R
                 report(rowsetSize_, SQL_ROW_ERROR);
                 ++failed;
             }
+            ++rowsetSize_;
+            // A row that can't be read from the file is the last one of its rowset; the next rowset begins behind it.
+            if (!readable) break;
         }
-        // A row that can't be read from the file is the last one of its rowset; the next rowset begins behind it.
         cursor_->endRowset(rowsetSize_);
     }
     for (SQLULEN row = rowsetSize_; row < wanted.size; ++row) report(row, SQL_ROW_NOROW);

@@ -96,7 +96,7 @@ class Parser {
         if (!in_.acceptSymbol('*') && !in_.isWord("from")) {
             SelectItem all = item();
             if (all.kind != SelectItem::Kind::everyColumn) in_.refuse("FROM was expected.");
-            result_.items.push_back(std::move(all));
+            result_.items.push_back(all);
         }
         in_.expectWord("from", "FROM was expected.");
         result_.table = in_.tableName();
