@@ -20,7 +20,8 @@ std::uint32_t byteAt(const char* bytes, std::size_t at) { return static_cast<uns
 
 std::size_t groupOf(const char* bytes) {
     const std::uint32_t three = byteAt(bytes, 0) | byteAt(bytes, 1) << 8U | byteAt(bytes, 2) << 16U;
-    return three * 0x9E3779B1U / (0x100000000U / groups) * bucketsOfGroup;
+    const std::uint32_t hash = three * 0x9E3779B1U;
+    return hash / (0x100000000U / groups) * bucketsOfGroup;
 }
 
 std::size_t bucketOf(const char* bytes) { return groupOf(bytes) + byteAt(bytes, groupBytes) % bucketsOfGroup; }

@@ -60,7 +60,8 @@ void TableRules::readRule(std::size_t column) {
     ColumnNames names(table_, {});
     resolve(predicate, names, {});
     if (!readsOnly(predicate, column)) return;
-    Filter(predicate, table_, TermValues({}, DateOrder::monthFirst, {}));  // throws for values that can't be compared
+    // Throws for values that can't be compared.
+    [[maybe_unused]] const Filter comparable(predicate, table_, TermValues({}, DateOrder::monthFirst, {}));
     rules_.push_back({column, std::move(predicate)});
 }
 
