@@ -35,8 +35,10 @@ std::vector<std::string> listedNames(const QFileDialog& dialog) {
     // All files of a folder come in one piece, their icons and widths after that.
     QTest::qWait(50);
     std::vector<std::string> names;
-    for (int row = 0; row < count(); ++row)
+    names.reserve(static_cast<std::size_t>(count()));
+    for (int row = 0; row < count(); ++row) {
         names.push_back(plain(list->model()->index(row, 0, list->rootIndex()).data().toString()));
+    }
     return names;
 }
 

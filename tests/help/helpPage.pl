@@ -35,7 +35,7 @@ my $sexes = content('fieldtext/sexWords.h');
 for (rows('sex')) {
     my ($sex, $words) = @$_;
     next if $sex eq 'undefined';
-    fault("Words for $sex: ", words($words)) if $sexes !~ /\b${sex}Words\{(.*?)\}/s || quoted($1) ne words($words);
+    fault("Words for $sex: ", words($words)) if $sexes !~ /\b${sex}Words\b.*?\{(.*?)\}/s || quoted($1) ne words($words);
 }
 
 # Messages of the page, a title like a message of its own; rows in italics quote nothing.

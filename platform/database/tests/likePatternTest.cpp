@@ -1,4 +1,5 @@
 #include <chrono>
+#include <random>
 
 #include <gtest/gtest.h>
 #include <sqlcipher/sqlite3.h>
